@@ -1,0 +1,85 @@
+// The firmware's tables as every unit reaches them, and the small operations on pool, memory, strings and lists that
+// stand on them alone.
+#pragma once
+
+#include "uefi/SystemTable.h"
+
+extern EFI_HANDLE gImageHandle;
+extern EFI_SYSTEM_TABLE* gST;
+extern EFI_BOOT_SERVICES* gBS;
+extern EFI_RUNTIME_SERVICES* gRT;
+
+// Size bytes of EfiBootServicesData pool, or null when there is none. Freed with FreePool.
+VOID* AllocatePool(UINTN Size);
+// The same, filled with zero.
+VOID* AllocateZeroPool(UINTN Size);
+// Gives a block back. A null pointer is passed over.
+VOID FreePool(VOID* Buffer);
+// Frees what a pointer field owns and empties the field.
+template <typename T> VOID ReleasePool(T*& Buffer)
+{
+    FreePool(Buffer);
+    Buffer = nullptr;
+}
+// One record, or Count records, of type T from pool; null when there is none.
+template <typename T> T* AllocateRecord() { return static_cast<T*>(AllocatePool(sizeof(T))); }
+template <typename T> T* AllocateZeroRecord() { return static_cast<T*>(AllocateZeroPool(sizeof(T))); }
+template <typename T> T* AllocateArray(UINTN Count) { return static_cast<T*>(AllocatePool(Count * sizeof(T))); }
+template <typename T> T* AllocateZeroArray(UINTN Count) { return static_cast<T*>(AllocateZeroPool(Count * sizeof(T))); }
+
+// Owner of a temporary pool block: gives it back when the scope ends, so that no early return leaks.
+template <typename T> struct TEMPORARY {
+    T* Data = nullptr;
+    TEMPORARY() = default;
+    explicit TEMPORARY(T* Block) : Data(Block) {}
+    TEMPORARY(const TEMPORARY&) = delete;
+    TEMPORARY& operator=(const TEMPORARY&) = delete;
+    ~TEMPORARY() { FreePool(Data); }
+    explicit operator bool() const { return Data != nullptr; }
+};
+
+// Copies Length bytes through the firmware. The ranges may overlap.
+VOID CopyMem(VOID* Destination, const VOID* Source, UINTN Length);
+// Fills Size bytes with Value through the firmware.
+VOID SetMem(VOID* Buffer, UINTN Size, UINT8 Value);
+// Copies Length bytes, safe for overlapping ranges: upwards when the source lies above the destination, downwards when
+// below; nothing for a zero length or equal addresses.
+VOID MoveBytes(VOID* Destination, const VOID* Source, UINTN Length);
+
+// Characters before the end mark. Null counts as empty.
+UINTN StringLength(const CHAR16* String);
+// Adds Source to the end of Destination, which must have the room.
+VOID AppendString(CHAR16* Destination, const CHAR16* Source);
+// A pool copy of the string, end mark included; null when there is no pool.
+CHAR16* CopyString(const CHAR16* String);
+
+bool SameGuid(const EFI_GUID& A, const EFI_GUID& B);
+
+// Circular doubly linked lists; an empty head points to itself.
+VOID InitializeList(LIST_ENTRY* Head);
+bool ListIsEmpty(const LIST_ENTRY* Head);
+VOID InsertTail(LIST_ENTRY* Head, LIST_ENTRY* Entry);
+VOID RemoveEntry(LIST_ENTRY* Entry);
+// The record of type T whose member at offset Offset is Entry.
+template <typename T> T* RecordOf(LIST_ENTRY* Entry, UINTN Offset)
+{
+    return reinterpret_cast<T*>(reinterpret_cast<UINT8*>(Entry) - Offset);
+}
+
+// --- Reports ---
+
+// Writes the line "ASSERT file(line): description" on StdErr and returns: a report, not a stop. Nothing is written while
+// there is no system table or no StdErr.
+VOID AssertPrint(const CHAR8* FileName, UINTN LineNumber, const CHAR8* Description);
+// The part of a path behind its last backslash; null if there is none behind its first character.
+const CHAR8* FileNameOfPath(const CHAR8* Path);
+
+// A unit that reports defines gSourcePath, its own path with backslashes.
+#define REPORT(Description) AssertPrint(FileNameOfPath(gSourcePath), __LINE__, Description)
+
+// --- Events ---
+
+// SetTimer with TimerCancel, then CloseEvent; nothing for a null event. Gives the status of the cancel.
+EFI_STATUS CancelAndCloseEvent(EFI_EVENT Event);
+// SignalEvent, skipped for a null event.
+VOID SignalIfAny(EFI_EVENT Event);
