@@ -1,0 +1,42 @@
+// The board services as one portable package: everything that the console locates beside the firmware's own protocols.
+//
+// InstallBoardServices puts all of them on one handle; UninstallBoardServices takes them away again and gives all
+// memory back. The package is compiled into the hosted program and into the firmware's board driver from the same
+// sources; whatever differs between the two worlds comes in through BOARD_OPTIONS.
+#pragma once
+
+#include "shell/Services.h"
+#include "uefi/SystemTable.h"
+
+// Where the pointer comes from. Read gives the position and the buttons as they are now; the cursor service clamps the
+// position to the limits that the console sets. Close may be null.
+struct POINTER_SOURCE {
+    VOID (*Read)(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* Right);
+    VOID (*SetLimits)(POINTER_SOURCE* This, UINTN Width, UINTN Height); // may be null
+    VOID (*Close)(POINTER_SOURCE* This);                               // may be null
+};
+
+struct BOARD_OPTIONS {
+    const CHAR8* Name;                // "full", "kind0", "kind2", "small", "second-source", "bare"; null: "full"
+    UINT64 Seed;                      // of the simulation
+    UINT8 Generation;                 // what GetFirmwareGeneration answers
+    UINT64 (*Microseconds)();         // the clock that moves the simulation, from any start, never backwards
+    POINTER_SOURCE* Pointer;          // owned by the caller, outlives the services
+    const UINT8* ArtworkPack;         // the pack made by the build, see ArtworkPack.h; outlives the services
+    UINTN ArtworkPackSize;
+};
+
+// Number of boards and their names, for a command line's help and its check.
+extern const CHAR8* const gBoardNames[];
+extern const UINTN gBoardNameCount;
+
+// Installs every board service on a new handle. EFI_INVALID_PARAMETER for an unknown board name or a damaged pack.
+EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIONS* Options, EFI_HANDLE* Handle);
+// Takes every interface away and gives all memory back; refused with the firmware's status while one is in use.
+EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle);
+
+// For scripts: the record that the board holds for a fan (item 4 to 10), the record that its defaults bring back, and
+// the record that RestoreFanSettings brings back is what the board held when it was installed.
+EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting);
+EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting);
+EFI_STATUS ReadBoardSetting(UINT8 FanItem, FAN_SETTING* Setting);
