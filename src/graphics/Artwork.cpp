@@ -1,0 +1,145 @@
+#include "graphics/Artwork.h"
+
+#include "shell/Board.h"
+#include "support/Library.h"
+
+namespace {
+
+constexpr CHAR8 gSourcePath[] = "graphics\\Artwork.cpp";
+
+// No picture of the catalogue is larger than the screen; a decoder's word for anything beyond this isn't taken.
+constexpr UINT32 gLargestSide = 4096;
+
+bool PlausibleSize(UINT32 Width, UINT32 Height)
+{
+    return Width > 0 && Height > 0 && Width <= gLargestSide && Height <= gLargestSide;
+}
+
+} // namespace
+
+EFI_STATUS FindImageFile(const EFI_GUID* FileGuid, UINT32 Instance, VOID** Data, UINTN* Size)
+{
+    if (Instance != 0) {
+        VOID* Probe = nullptr;
+        UINTN ProbeSize = 0;
+        const EFI_STATUS ProbeStatus = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_RAW, &Probe, &ProbeSize);
+        const UINT8 SectionType = EfiError(ProbeStatus) ? EFI_SECTION_PE32 : EFI_SECTION_RAW;
+        FreePool(Probe);
+        EFI_GUID File = *FileGuid;
+        return gImageSection->GetArtworkSection(Instance, Data, Size, &File, &SectionType);
+    }
+
+    EFI_STATUS Status = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_RAW, Data, Size);
+    if (!EfiError(Status)) {
+        return Status;
+    }
+    Status = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_PE32, Data, Size);
+    if (!EfiError(Status)) {
+        return Status;
+    }
+    REPORT("Can't find the image (InitCursorBlt)");
+    return EFI_NO_MEDIA;
+}
+
+EFI_STATUS LoadJpegBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, UINT32* Width, UINT32* Height)
+{
+    *Out = nullptr;
+    *Width = 0;
+    *Height = 0;
+
+    EFI_GUID File = *FileGuid;
+    TEMPORARY<VOID> Stored;
+    UINTN StoredSize = 0;
+    if (EfiError(FindImageFile(&File, Instance, &Stored.Data, &StoredSize)) || !Stored) {
+        return EFI_SUCCESS;
+    }
+
+    PIXEL* Decoded = nullptr;
+    UINTN DecodedSize = 0;
+    UINT32 PictureHeight = 0;
+    UINT32 PictureWidth = 0;
+    UINT32 PixelsPerRow = 0;
+    const EFI_STATUS Status =
+        gImageDecoder->ConvertJPEGToUgaBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize), &Decoded,
+                                            &DecodedSize, &PictureHeight, &PictureWidth, &PixelsPerRow);
+    if (!EfiError(Status) && Decoded != nullptr && PlausibleSize(PictureWidth, PictureHeight) &&
+        PixelsPerRow >= PictureWidth && !EfiError(CropBlt(Out, PictureWidth, PictureHeight, PixelsPerRow, Decoded))) {
+        *Width = PictureWidth;
+        *Height = PictureHeight;
+    }
+    ReleasePool(Stored.Data);
+    FreePool(Decoded);
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS LoadBmpBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, UINT32* Width, UINT32* Height)
+{
+    *Out = nullptr;
+    *Width = 0;
+    *Height = 0;
+
+    TEMPORARY<VOID> Stored;
+    UINTN StoredSize = 0;
+    EFI_STATUS Status = FindImageFile(FileGuid, Instance, &Stored.Data, &StoredSize);
+    if (EfiError(Status)) {
+        return Status;
+    }
+
+    PIXEL* Decoded = nullptr;
+    UINTN DecodedSize = 0;
+    UINT32 PictureHeight = 0;
+    UINT32 PictureWidth = 0;
+    Status = gImageDecoder->ConvertBmpToGopBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize), &Decoded,
+                                                &DecodedSize, &PictureHeight, &PictureWidth);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    if (Decoded == nullptr || !PlausibleSize(PictureWidth, PictureHeight)) {
+        FreePool(Decoded);
+        return EFI_UNSUPPORTED;
+    }
+    *Out = Decoded;
+    *Width = PictureWidth;
+    *Height = PictureHeight;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS CropBlt(PIXEL** Out, UINTN Width, UINTN Height, UINTN SrcStride, const PIXEL* Src)
+{
+    VOID* Block = nullptr;
+    const EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, Width * Height * sizeof(PIXEL), &Block);
+    if (EfiError(Status)) {
+        REPORT("LocatePool fail");
+        return Status;
+    }
+    PIXEL* Tight = static_cast<PIXEL*>(Block);
+    for (UINTN Row = 0; Row < Height; Row++) {
+        CopyMem(Tight + Row * Width, Src + Row * SrcStride, Width * sizeof(PIXEL));
+    }
+    *Out = Tight;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS MirrorBlt(const PIXEL* Src, PIXEL** Out, INT32 Width, INT32 Height)
+{
+    PIXEL* Mirror = AllocateArray<PIXEL>(static_cast<UINTN>(Width) * static_cast<UINTN>(Height));
+    if (Mirror == nullptr) {
+        return EFI_SUCCESS;
+    }
+    for (INTN Row = 0; Row < Height; Row++) {
+        for (INTN Column = 0; Column < Width; Column++) {
+            Mirror[Row * Width + (Width - 1 - Column)] = Src[Row * Width + Column];
+        }
+    }
+    *Out = Mirror;
+    return EFI_SUCCESS;
+}
+
+UINT8 CountStringTable(const CHAR16* const* Table)
+{
+    UINT8 Count = 0;
+    while (Table[Count] != nullptr) {
+        Count++;
+    }
+    return Count;
+}

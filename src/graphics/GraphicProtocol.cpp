@@ -1,0 +1,255 @@
+#include "graphics/GraphicProtocol.h"
+
+#include "shell/Board.h"
+#include "support/Library.h"
+
+namespace {
+
+constexpr UINTN Smaller(UINTN A, UINTN B) { return A < B ? A : B; }
+
+// How much of an extent that begins at At is left before Limit. A place off the screen, a negative one seen as unsigned
+// included, leaves nothing.
+constexpr UINTN VisibleExtent(UINTN Extent, UINTN At, UINTN Limit)
+{
+    return At >= Limit ? 0 : Smaller(Extent, Limit - At);
+}
+
+constexpr UINT8 Mix(UINT8 Destination, UINT8 Source, UINT32 Percent)
+{
+    return static_cast<UINT8>(((100 - Percent) * Destination + Percent * Source) / 100);
+}
+
+VOID SendToVideo(PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height, UINTN Delta)
+{
+    if (Width != 0 && Height != 0) {
+        (void)gGraphicsOutput->Blt(gGraphicsOutput, Buffer, EfiBltBufferToVideo, 0, 0, X, Y, Width, Height, Delta);
+    }
+}
+
+// The changed block, cut at the screen's edges.
+VOID SendBlock(PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
+    SendToVideo(Buffer, X, Y, VisibleExtent(Width, X, gScreenWidth), VisibleExtent(Height, Y, gScreenHeight),
+                Width * sizeof(PIXEL));
+}
+
+// A pixel of the pointer's picture shows when none of its three colour bytes is 0.
+VOID LayCursor(PIXEL* Blend, const PIXEL* Image, UINTN Count)
+{
+    for (UINTN I = 0; I < Count; I++) {
+        if (Image[I].Blue != 0 && Image[I].Green != 0 && Image[I].Red != 0) {
+            Blend[I] = Image[I];
+        }
+    }
+}
+
+// The pointer over the right or bottom edge, touching it included. Here only pure black is transparent.
+VOID SendCursorAtEdge(GUI_CORE* Core)
+{
+    const UINTN X = static_cast<UINTN>(Core->PointerX);
+    const UINTN Y = static_cast<UINTN>(Core->PointerY);
+    const UINTN Width = VisibleExtent(Core->CursorWidth, X, gScreenWidth);
+    const UINTN Height = VisibleExtent(Core->CursorHeight, Y, gScreenHeight);
+    if (Width == 0 || Height == 0) {
+        return;
+    }
+    const TEMPORARY<PIXEL> Block(AllocateArray<PIXEL>(Width * Height));
+    if (!Block) {
+        return; // the next composition repairs the pointer
+    }
+    (void)ExtractBlt(Block.Data, Width, Height, Core->Screen, gScreenWidth, gScreenHeight, static_cast<INT32>(Y),
+                     static_cast<INT32>(X));
+    (void)OverlayBlt(Core->CursorImage, static_cast<INT32>(Core->CursorWidth), static_cast<INT32>(Core->CursorHeight),
+                     Block.Data, Width, Height, 0, 0, &gBlackPixel, nullptr, 0);
+    SendToVideo(Block.Data, X, Y, Width, Height, 0);
+}
+
+} // namespace
+
+EFI_STATUS PasteBlt(const PIXEL* Src, UINTN Width, UINTN Height, UINTN X, UINTN Y, PIXEL* Dst)
+{
+    if (X >= gScreenWidth || Y >= gScreenHeight) {
+        return EFI_OUT_OF_RESOURCES;
+    }
+    const UINTN Columns = Smaller(Width, gScreenWidth - X);
+    const UINTN Rows = Smaller(Height, gScreenHeight - Y);
+    PIXEL* To = Dst + Y * gScreenWidth + X;
+    for (UINTN Row = 0; Row < Rows; Row++) {
+        CopyMem(To, Src, Columns * sizeof(PIXEL));
+        To += gScreenWidth;
+        Src += Width;
+    }
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS ExtractBlt(PIXEL* Dst, UINTN DstWidth, UINTN DstHeight, const PIXEL* Src, UINTN SrcWidth, UINTN SrcHeight,
+                      INT32 OffsetY, INT32 OffsetX)
+{
+    const UINTN Columns = VisibleExtent(DstWidth, static_cast<UINTN>(OffsetX), SrcWidth);
+    const UINTN Rows = VisibleExtent(DstHeight, static_cast<UINTN>(OffsetY), SrcHeight);
+    if (Columns == 0 || Rows == 0) {
+        return EFI_SUCCESS;
+    }
+    const PIXEL* From = Src + static_cast<UINTN>(OffsetY) * SrcWidth + static_cast<UINTN>(OffsetX);
+    for (UINTN Row = 0; Row < Rows; Row++) {
+        CopyMem(Dst, From, Columns * sizeof(PIXEL));
+        Dst += DstWidth;
+        From += SrcWidth;
+    }
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS OverlayBlt(const PIXEL* Src, INT32 SrcWidth, INT32 SrcHeight, PIXEL* Dst, UINTN DstWidth, UINTN DstHeight,
+                      INT32 X, INT32 Y, const PIXEL* KeyColor, const PIXEL* BlendColor, UINT8 Percent)
+{
+    if (X < 0 || Y < 0) {
+        const INT64 CutX = X < 0 ? -static_cast<INT64>(X) : 0;
+        const INT64 CutY = Y < 0 ? -static_cast<INT64>(Y) : 0;
+        const INT64 Width = SrcWidth - CutX;
+        const INT64 Height = SrcHeight - CutY;
+        if (Width <= 0 || Height <= 0) {
+            return EFI_SUCCESS; // wholly above or left of the destination
+        }
+        const TEMPORARY<PIXEL> Visible(AllocateArray<PIXEL>(static_cast<UINTN>(Width * Height)));
+        if (!Visible) {
+            return EFI_SUCCESS;
+        }
+        (void)ExtractBlt(Visible.Data, static_cast<UINTN>(Width), static_cast<UINTN>(Height), Src,
+                         static_cast<UINTN>(SrcWidth), static_cast<UINTN>(SrcHeight), static_cast<INT32>(CutY),
+                         static_cast<INT32>(CutX));
+        (void)OverlayBlt(Visible.Data, static_cast<INT32>(Width), static_cast<INT32>(Height), Dst, DstWidth, DstHeight,
+                         X < 0 ? 0 : X, Y < 0 ? 0 : Y, KeyColor, BlendColor, Percent);
+        return EFI_SUCCESS;
+    }
+    if (SrcWidth <= 0 || SrcHeight <= 0) {
+        return EFI_SUCCESS;
+    }
+
+    const UINTN Columns = VisibleExtent(static_cast<UINTN>(SrcWidth), static_cast<UINTN>(X), DstWidth);
+    const UINTN Rows = VisibleExtent(static_cast<UINTN>(SrcHeight), static_cast<UINTN>(Y), DstHeight);
+    const UINT32 Share = Percent < 1 ? 1 : Percent > 99 ? 99 : Percent;
+    PIXEL* To = Dst + static_cast<UINTN>(Y) * DstWidth + static_cast<UINTN>(X);
+    for (UINTN Row = 0; Row < Rows; Row++) {
+        for (UINTN Col = 0; Col < Columns; Col++) {
+            if (KeyColor != nullptr && SameColor(Src[Col], *KeyColor)) {
+                continue;
+            }
+            if (BlendColor != nullptr && SameColor(Src[Col], *BlendColor)) {
+                To[Col].Blue = Mix(To[Col].Blue, Src[Col].Blue, Share);
+                To[Col].Green = Mix(To[Col].Green, Src[Col].Green, Share);
+                To[Col].Red = Mix(To[Col].Red, Src[Col].Red, Share);
+            } else {
+                To[Col] = Src[Col];
+            }
+        }
+        To += DstWidth;
+        Src += SrcWidth;
+    }
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS GrayBlt(PIXEL* Dst, UINTN DstWidth, UINTN DstHeight, const PIXEL* Src, UINTN SrcWidth, UINTN SrcHeight)
+{
+    const FLOAT_WORD Thousand = gFloatMath->IntToFloat(1000);
+    const FLOAT_WORD RedShare = gFloatMath->FloatDivide(gFloatMath->IntToFloat(299), Thousand);
+    const FLOAT_WORD GreenShare = gFloatMath->FloatDivide(gFloatMath->IntToFloat(587), Thousand);
+    const FLOAT_WORD BlueShare = gFloatMath->FloatDivide(gFloatMath->IntToFloat(114), Thousand);
+
+    const UINTN Columns = Smaller(DstWidth, SrcWidth);
+    const UINTN Rows = Smaller(DstHeight, SrcHeight);
+    for (UINTN Row = 0; Row < Rows; Row++) {
+        for (UINTN Col = 0; Col < Columns; Col++) {
+            const PIXEL From = Src[Row * SrcWidth + Col];
+            PIXEL& To = Dst[Row * DstWidth + Col];
+            if (SameColor(To, gKeyColor)) {
+                continue;
+            }
+            const FLOAT_WORD Red = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Red), RedShare);
+            const FLOAT_WORD Green = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Green), GreenShare);
+            const FLOAT_WORD Blue = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Blue), BlueShare);
+            const UINT8 Gray = static_cast<UINT8>(
+                gFloatMath->FloatToInt(gFloatMath->FloatAdd(gFloatMath->FloatAdd(Red, Green), Blue)));
+            To = {Gray, Gray, Gray, To.Reserved};
+        }
+    }
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
+    const bool Moved = static_cast<UINT64>(Core->PointerX) != Core->CursorX ||
+                       static_cast<UINT64>(Core->PointerY) != Core->CursorY;
+
+    // The saved pixels are taken anew each time, so that they show what Screen holds now and not what it held when the
+    // pointer arrived.
+    Core->CursorClipWidth = VisibleExtent(Core->CursorWidth, Core->CursorX, gScreenWidth);
+    Core->CursorClipHeight = VisibleExtent(Core->CursorHeight, Core->CursorY, gScreenHeight);
+    if (Core->CursorClipWidth != 0 && Core->CursorClipHeight != 0) {
+        (void)ExtractBlt(Core->CursorSaveUnder, Core->CursorClipWidth, Core->CursorClipHeight, Core->Screen,
+                         gScreenWidth, gScreenHeight, static_cast<INT32>(Core->CursorY),
+                         static_cast<INT32>(Core->CursorX));
+        if (Moved) {
+            SendToVideo(Core->CursorSaveUnder, Core->CursorX, Core->CursorY, Core->CursorClipWidth,
+                        Core->CursorClipHeight, 0);
+        }
+    }
+
+    // A pointer service may name a place off the screen; then there is nothing to lay the pointer on.
+    const bool OnScreen = Core->PointerX >= 0 && Core->PointerX < gScreenWidth && Core->PointerY >= 0 &&
+                          Core->PointerY < gScreenHeight;
+    if (OnScreen) {
+        (void)ExtractBlt(Core->CursorBlend, Core->CursorWidth, Core->CursorHeight, Core->Screen, gScreenWidth,
+                         gScreenHeight, static_cast<INT32>(Core->PointerY), static_cast<INT32>(Core->PointerX));
+        LayCursor(Core->CursorBlend, Core->CursorImage, Core->CursorWidth * Core->CursorHeight);
+    }
+
+    const UINTN PointerX = static_cast<UINTN>(Core->PointerX);
+    const UINTN PointerY = static_cast<UINTN>(Core->PointerY);
+    if (OnScreen && gScreenWidth - PointerX > Core->CursorWidth && gScreenHeight - PointerY > Core->CursorHeight) {
+        if (Buffer != nullptr) {
+            if (Core->MouseState == L_HOLD) {
+                (void)PasteBlt(Buffer, Width, Height, X, Y, Core->Overlay);
+                (void)PasteBlt(Core->CursorBlend, Core->CursorWidth, Core->CursorHeight, PointerX, PointerY,
+                               Core->Overlay);
+                (void)ExtractBlt(Buffer, Width, Height, Core->Overlay, gScreenWidth, gScreenHeight,
+                                 static_cast<INT32>(Y), static_cast<INT32>(X));
+            }
+            SendBlock(Buffer, X, Y, Width, Height);
+        }
+        SendToVideo(Core->CursorBlend, PointerX, PointerY, Core->CursorWidth, Core->CursorHeight, 0);
+    } else {
+        if (Buffer != nullptr) {
+            SendBlock(Buffer, X, Y, Width, Height);
+        }
+        SendCursorAtEdge(Core);
+    }
+
+    Core->CursorSettled = Moved ? 0 : 1;
+    Core->CursorX = static_cast<UINT64>(Core->PointerX);
+    Core->CursorY = static_cast<UINT64>(Core->PointerY);
+    return EFI_SUCCESS;
+}
+
+VOID RestoreBackground(UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
+    const UINTN Columns = VisibleExtent(Width, X, gScreenWidth);
+    const UINTN Rows = VisibleExtent(Height, Y, gScreenHeight);
+    if (Columns == 0 || Rows == 0) {
+        return;
+    }
+    const TEMPORARY<PIXEL> Block(AllocateArray<PIXEL>(Columns * Rows));
+    if (!Block) {
+        return;
+    }
+    (void)ExtractBlt(Block.Data, Columns, Rows, gGuiCore->Background, gScreenWidth, gScreenHeight,
+                     static_cast<INT32>(Y), static_cast<INT32>(X));
+    (void)PasteBlt(Block.Data, Columns, Rows, X, Y, gGuiCore->Screen);
+    (void)ComposeScreen(gGuiCore, Block.Data, X, Y, Columns, Rows);
+}
+
+VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
+{
+    for (UINTN I = 0; I < Count; I++) {
+        Dst[I] = Color;
+    }
+}
