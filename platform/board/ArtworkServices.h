@@ -1,0 +1,8 @@
+// The two services that hand out stored pictures: copies in pool of the artwork pack's sections.
+#pragma once
+
+#include "platform/board/ArtworkPool.h"
+#include "shell/Services.h"
+
+extern IMAGE_LOOKUP_PROTOCOL gBoardImageLookup;
+extern IMAGE_SECTION_PROTOCOL gBoardImageSection;

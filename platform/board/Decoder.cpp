@@ -1,0 +1,49 @@
+#include "platform/board/Decoder.h"
+#include "platform/board/StoredImage.h"
+
+// A JPEG is coded in blocks of eight by eight, and the decoder's rows are whole blocks.
+constexpr UINT32 gJpegRowMultiple = 8;
+
+static UINT8 gGeneration = 0;
+
+VOID SetDecoderGeneration(UINT8 Generation) { gGeneration = Generation; }
+
+static EFI_STATUS ConvertJPEGToUgaBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
+                                       EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
+                                       UINT32* Width, UINT32* PixelsPerRow) {
+    if (Image == nullptr || Blt == nullptr || BltSize == nullptr || Height == nullptr || Width == nullptr ||
+        PixelsPerRow == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
+    const EFI_STATUS Status = ReadStoredImage(STORED_IMAGE_JPEG, static_cast<const UINT8*>(Image), ImageSize,
+                                              gJpegRowMultiple, Blt, Width, Height, PixelsPerRow);
+    if (!EfiError(Status)) {
+        *BltSize = UINTN{*PixelsPerRow} * *Height * sizeof(EFI_GRAPHICS_OUTPUT_BLT_PIXEL);
+    }
+    return Status;
+}
+
+static EFI_STATUS ConvertBmpToGopBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
+                                      EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
+                                      UINT32* Width) {
+    if (Image == nullptr || Blt == nullptr || BltSize == nullptr || Height == nullptr || Width == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
+    UINT32 Stride = 0;
+    const EFI_STATUS Status =
+        ReadStoredImage(STORED_IMAGE_BMP, static_cast<const UINT8*>(Image), ImageSize, 1, Blt, Width, Height, &Stride);
+    if (!EfiError(Status)) {
+        *BltSize = UINTN{*Width} * *Height * sizeof(EFI_GRAPHICS_OUTPUT_BLT_PIXEL);
+    }
+    return Status;
+}
+
+static UINT8 GetFirmwareGeneration(IMAGE_DECODER_PROTOCOL*) { return gGeneration; }
+
+IMAGE_DECODER_PROTOCOL gBoardImageDecoder = {
+    .Unused0 = {},
+    .ConvertJPEGToUgaBltA = ConvertJPEGToUgaBltA,
+    .ConvertBmpToGopBltA = ConvertBmpToGopBltA,
+    .Unused8 = {},
+    .GetFirmwareGeneration = GetFirmwareGeneration,
+};

@@ -1,0 +1,10 @@
+// The board's image decoder: stored JPEG and BMP pictures to pixel buffers in pool.
+#pragma once
+
+#include "platform/board/ArtworkPool.h"
+#include "shell/Services.h"
+
+extern IMAGE_DECODER_PROTOCOL gBoardImageDecoder;
+
+// What GetFirmwareGeneration answers from now on.
+VOID SetDecoderGeneration(UINT8 Generation);
