@@ -7,7 +7,7 @@
 constexpr UINTN SYSTEM_FONT_WIDTH = 8;
 constexpr UINTN SYSTEM_FONT_HEIGHT = 19;
 // Row of the baseline: the first row below capital letters and digits.
-constexpr UINTN SYSTEM_FONT_BASELINE = 15;
+constexpr UINTN SYSTEM_FONT_BASELINE = 13;
 
 // The SYSTEM_FONT_HEIGHT row bytes of a character, top row first, the highest bit leftmost; null when the font has no
 // glyph for it. U+00F8 gives the degree sign, as the fonts of the boards do whose strings the console speaks.

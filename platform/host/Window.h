@@ -37,7 +37,7 @@ VOID CloseWindow(WINDOW* Window);
 bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input);
 
 // Shows the display: WINDOW_DISPLAY_HEIGHT rows of WINDOW_DISPLAY_WIDTH words in the display's order (blue lowest). Cheap
-// to call in every turn: the screen is touched at most 60 times a second, and only when the picture or the window changed.
+// to call in every turn: the screen is touched about 60 times a second at most, and only when the picture or the window changed.
 VOID ShowDisplay(WINDOW* Window, const UINT32* Pixels);
 
 // Sleeps until the next turn is due: 4 ms after the last one while anything moves (input, or the picture that ShowDisplay

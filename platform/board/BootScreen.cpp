@@ -1,0 +1,210 @@
+#include "platform/board/BootScreen.h"
+
+namespace {
+
+using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
+
+constexpr INT32 gWidth = BOOT_SCREEN_WIDTH;
+constexpr INT32 gHeight = BOOT_SCREEN_HEIGHT;
+
+//                             blue  green red
+constexpr PIXEL gGroundTop = {0xEC, 0xE4, 0xDA, 0};
+constexpr PIXEL gGroundBottom = {0x4E, 0x3C, 0x2E, 0};
+constexpr PIXEL gBladeRoot = {0x52, 0x3A, 0x20, 0};
+constexpr PIXEL gBladeTip = {0x9A, 0x8A, 0x1E, 0};
+constexpr PIXEL gTextColor = {0xEE, 0xE8, 0xE0, 0};
+constexpr PIXEL gTextDimColor = {0xC0, 0xB0, 0xA2, 0};
+
+// The mark: leaf-shaped blades round a hub, a fan at rest. A blade is what two discs share; its centres are given along and
+// across the blade's own axis, in pixels.
+struct BLADE_DISC {
+    INT32 Along;
+    INT32 Across;
+    INT32 Radius;
+};
+constexpr BLADE_DISC gBladeDiscs[] = {
+    {70, -46, 72},
+    {84, 30, 60},
+};
+constexpr INT32 gMarkX = 512;
+constexpr INT32 gMarkY = 318;
+constexpr INT32 gMarkRadius = 150; // nothing of the mark lies beyond
+constexpr INT32 gHubRadius = 17;
+constexpr INT32 gRingRadius = 25; // a bare ring parts the hub from the blades
+
+// Directions of the blades' axes, cosine and sine in units of 1/1024: seven of them, from straight up clockwise.
+constexpr INT32 gUnit = 1024;
+struct BLADE_AXIS {
+    INT32 Cosine;
+    INT32 Sine;
+};
+constexpr BLADE_AXIS gBladeAxes[] = {
+    {0, -1024}, {801, -638}, {998, 228}, {444, 923}, {-444, 923}, {-998, 228}, {-801, -638},
+};
+
+// Edges are smoothed by counting samples: gSamples each way in a pixel.
+constexpr INT32 gSamples = 4;
+
+// The line of text has letters of its own, because a firmware has no font at hand this early.
+constexpr INT32 gLetterHeight = 15;
+struct LETTER {
+    CHAR8 Char;
+    const CHAR8* Rows[gLetterHeight]; // '#' is ink; all rows of a letter are equally wide
+};
+constexpr LETTER gLetters[] = {
+    {'P', {"#######  ", "##    ## ", "##     ##", "##     ##", "##    ## ", "#######  ", "##       ", "##       ",
+           "##       ", "##       ", "##       ", "", "", "", ""}},
+    {'D', {"#######  ", "##    ## ", "##     ##", "##     ##", "##     ##", "##     ##", "##     ##", "##     ##",
+           "##     ##", "##    ## ", "#######  ", "", "", "", ""}},
+    {'E', {"########", "##      ", "##      ", "##      ", "##      ", "####### ", "##      ", "##      ", "##      ",
+           "##      ", "########", "", "", "", ""}},
+    {'L', {"##      ", "##      ", "##      ", "##      ", "##      ", "##      ", "##      ", "##      ", "##      ",
+           "##      ", "########", "", "", "", ""}},
+    {'e', {"", "", "", "  ####  ", " ##  ## ", "##    ##", "########", "##      ", "##      ", " ##   # ", "  ####  ", "",
+           "", "", ""}},
+    {'f', {"  ###", " ##  ", " ##  ", "#####", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", "", "", "",
+           ""}},
+    {'o', {"", "", "", "  ####  ", " ##  ## ", "##    ##", "##    ##", "##    ##", "##    ##", " ##  ## ", "  ####  ", "",
+           "", "", ""}},
+    {'p', {"", "", "", "## ###  ", "###  ## ", "##    ##", "##    ##", "##    ##", "##    ##", "###  ## ", "## ###  ",
+           "##      ", "##      ", "##      ", ""}},
+    {'r', {"", "", "", "## ##", "#### ", "##   ", "##   ", "##   ", "##   ", "##   ", "##   ", "", "", "", ""}},
+    {'s', {"", "", "", " ##### ", "##   ##", "##     ", " ####  ", "   ### ", "     ##", "##   ##", " ##### ", "", "", "",
+           ""}},
+    {'t', {"", " ##  ", " ##  ", "#####", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", " ## #", "  ###", "", "", "", ""}},
+    {'u', {"", "", "", "##    ##", "##    ##", "##    ##", "##    ##", "##    ##", "##    ##", " ##  ###", "  ### ##", "",
+           "", "", ""}},
+};
+constexpr INT32 gLetterGap = 3;
+constexpr INT32 gSpace = 8;
+
+// The line in parts, so that the key stands out.
+struct TEXT_PART {
+    const CHAR8* Text;
+    PIXEL Color;
+};
+constexpr TEXT_PART gLine[] = {
+    {"Press ", gTextDimColor},
+    {"DEL", gTextColor},
+    {" for setup", gTextDimColor},
+};
+constexpr INT32 gLineY = 690;
+
+// The colour that lies Part of Whole of the way from one colour to another.
+PIXEL Mix(const PIXEL& From, const PIXEL& To, INT32 Part, INT32 Whole) {
+    const auto Channel = [&](INT32 A, INT32 B) {
+        return static_cast<UINT8>((A * (Whole - Part) + B * Part + Whole / 2) / Whole);
+    };
+    return {Channel(From.Blue, To.Blue), Channel(From.Green, To.Green), Channel(From.Red, To.Red), 0};
+}
+
+VOID PaintGround(PIXEL* Display) {
+    for (INT32 Y = 0; Y < gHeight; Y++) {
+        for (INT32 X = 0; X < gWidth; X++) {
+            // Mostly from top to bottom, a little from left to right: light comes from the upper left.
+            Display[Y * gWidth + X] = Mix(gGroundTop, gGroundBottom, 4 * Y + X, 4 * gHeight + gWidth);
+        }
+    }
+}
+
+// All places of a sample are in units of 1/(2 * gSamples) of a pixel from the mark's centre, squares fit an INT32.
+constexpr INT32 gGrain = 2 * gSamples;
+
+bool IsInBlade(INT32 X, INT32 Y, const BLADE_AXIS& Axis) {
+    const INT32 Along = (X * Axis.Cosine + Y * Axis.Sine) / gUnit;
+    const INT32 Across = (Y * Axis.Cosine - X * Axis.Sine) / gUnit;
+    for (const BLADE_DISC& Disc : gBladeDiscs) {
+        const INT32 FromAlong = Along - Disc.Along * gGrain;
+        const INT32 FromAcross = Across - Disc.Across * gGrain;
+        const INT32 Radius = Disc.Radius * gGrain;
+        if (FromAlong * FromAlong + FromAcross * FromAcross > Radius * Radius) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool IsInMark(INT32 X, INT32 Y) {
+    const INT32 Square = X * X + Y * Y;
+    if (Square <= gHubRadius * gHubRadius * gGrain * gGrain) {
+        return true;
+    }
+    if (Square < gRingRadius * gRingRadius * gGrain * gGrain) {
+        return false;
+    }
+    for (const BLADE_AXIS& Axis : gBladeAxes) {
+        if (IsInBlade(X, Y, Axis)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+VOID PaintMark(PIXEL* Display) {
+    for (INT32 Y = -gMarkRadius; Y < gMarkRadius; Y++) {
+        for (INT32 X = -gMarkRadius; X < gMarkRadius; X++) {
+            INT32 Inside = 0;
+            for (INT32 Sample = 0; Sample < gSamples * gSamples; Sample++) {
+                const INT32 SampleX = X * gGrain + 2 * (Sample % gSamples) + 1;
+                const INT32 SampleY = Y * gGrain + 2 * (Sample / gSamples) + 1;
+                Inside += IsInMark(SampleX, SampleY) ? 1 : 0;
+            }
+            if (Inside == 0) {
+                continue;
+            }
+            INT32 Square = X * X + Y * Y;
+            if (Square > gMarkRadius * gMarkRadius) {
+                Square = gMarkRadius * gMarkRadius;
+            }
+            const PIXEL Ink = Mix(gBladeRoot, gBladeTip, Square, gMarkRadius * gMarkRadius);
+            PIXEL* Pixel = &Display[(gMarkY + Y) * gWidth + gMarkX + X];
+            *Pixel = Mix(*Pixel, Ink, Inside, gSamples * gSamples);
+        }
+    }
+}
+
+const LETTER* FindLetter(CHAR8 Char) {
+    for (const LETTER& Letter : gLetters) {
+        if (Letter.Char == Char) {
+            return &Letter;
+        }
+    }
+    return nullptr;
+}
+
+// Paints one character, or with a null Display only measures it. Gives how far the next one stands to the right.
+INT32 PaintLetter(PIXEL* Display, INT32 X, INT32 Y, CHAR8 Char, const PIXEL& Color) {
+    const LETTER* Letter = FindLetter(Char);
+    if (Letter == nullptr) {
+        return gSpace;
+    }
+    INT32 Width = 0;
+    for (INT32 Row = 0; Row < gLetterHeight; Row++) {
+        INT32 Column = 0;
+        for (const CHAR8* Dot = Letter->Rows[Row]; *Dot != 0; Dot++, Column++) {
+            if (Display != nullptr && *Dot == '#') {
+                Display[(Y + Row) * gWidth + X + Column] = Color;
+            }
+        }
+        Width = Column > Width ? Column : Width;
+    }
+    return Width + gLetterGap;
+}
+
+INT32 PaintLine(PIXEL* Display, INT32 X, INT32 Y) {
+    INT32 Width = 0;
+    for (const TEXT_PART& Part : gLine) {
+        for (const CHAR8* Char = Part.Text; *Char != 0; Char++) {
+            Width += PaintLetter(Display, X + Width, Y, *Char, Part.Color);
+        }
+    }
+    return Width;
+}
+
+} // namespace
+
+VOID PaintBootScreen(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Display) {
+    PaintGround(Display);
+    PaintMark(Display);
+    PaintLine(Display, (gWidth - PaintLine(nullptr, 0, 0)) / 2, gLineY);
+}
