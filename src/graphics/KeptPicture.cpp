@@ -1,0 +1,21 @@
+#include "graphics/KeptPicture.h"
+
+#include "graphics/GraphicProtocol.h"
+#include "support/Library.h"
+
+VOID ShowPicture(const PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN Y)
+{
+    if (Picture == nullptr || Width == 0 || Height == 0 || X >= gScreenWidth || Y >= gScreenHeight) {
+        return;
+    }
+    (void)PasteBlt(Picture, Width, Height, X, Y, gGuiCore->Screen);
+
+    const UINTN Columns = Width < gScreenWidth - X ? Width : gScreenWidth - X;
+    const UINTN Rows = Height < gScreenHeight - Y ? Height : gScreenHeight - Y;
+    const TEMPORARY<PIXEL> Block(AllocateArray<PIXEL>(Columns * Rows));
+    if (!Block) {
+        return;
+    }
+    (void)ExtractBlt(Block.Data, Columns, Rows, Picture, Width, Height, 0, 0);
+    (void)ComposeScreen(gGuiCore, Block.Data, X, Y, Columns, Rows);
+}

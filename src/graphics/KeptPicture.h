@@ -1,0 +1,10 @@
+// The repaint pattern for a picture that is kept and shown again later: a caption, a title, a legend box.
+#pragma once
+
+#include "graphics/Palette.h"
+
+// Pastes the picture into Screen at (X, Y) and brings the rectangle to the display, cut at the screen's edges. What is
+// composed is a temporary block and not the picture itself: while the left button is held, composing writes the pointer
+// into its block, and a kept picture would show that trace for ever after. Without pool for the block the display
+// follows with the next composition of the place. A null picture, or one of no size, does nothing.
+VOID ShowPicture(const PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN Y);
