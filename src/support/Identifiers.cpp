@@ -5,7 +5,7 @@
 #include "support/Print.h"
 #include "uefi/Devices.h"
 
-GUID_CLOCK gGuidClock = {};
+constinit GUID_CLOCK gGuidClock = {};
 
 namespace {
 

@@ -43,10 +43,10 @@ struct BINDING {
     EFI_HANDLE OpenedOn; // null when there is nothing to close
 };
 
-BINDING gShell = {&gShellGuid, nullptr, nullptr};
-BINDING gParameters = {&gShellParametersGuid, nullptr, nullptr};
-BINDING gEnvironment = {&gShellEnvironmentGuid, nullptr, nullptr};
-BINDING gInterface = {&gShellInterfaceGuid, nullptr, nullptr};
+constinit BINDING gShell = {&gShellGuid, nullptr, nullptr};
+constinit BINDING gParameters = {&gShellParametersGuid, nullptr, nullptr};
+constinit BINDING gEnvironment = {&gShellEnvironmentGuid, nullptr, nullptr};
+constinit BINDING gInterface = {&gShellInterfaceGuid, nullptr, nullptr};
 
 bool Open(BINDING& Binding, EFI_HANDLE Handle)
 {
