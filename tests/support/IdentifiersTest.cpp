@@ -260,7 +260,8 @@ TEST_F(Identifiers, TheFirstMacAddressOfAKnownKindIsTheNode)
 TEST_F(Identifiers, BrokenPathsEndTheWalkInsteadOfHoldingIt)
 {
     AddPath(1, Join({gPciNode, {1, 1, 0, 0}, MacNode(0x40, 1), gEnd}));
-    AddPath(2, Join({gPciNode, {1, 1, 3, 0}, MacNode(0x40, 1), gEnd}));
+    // A walk that went on by 2 bytes would take the rest for a node of 8 bytes and then meet the card.
+    AddPath(2, Join({gPciNode, {1, 1, 2, 0, 8, 0, 0, 0, 0, 0}, MacNode(0x40, 1), gEnd}));
     AddPath(3, {3, 11, 10, 0, 9, 9, 9, 9, 9, 9, 0x7F, 0xFF, 4, 0}); // too short to hold an IfType
     AddDisk(1);
     EXPECT_EQ(NodeOf(Generate()), DigestNode({1}));
