@@ -23,8 +23,8 @@ struct BLADE_DISC {
     INT32 Radius;
 };
 constexpr BLADE_DISC gBladeDiscs[] = {
-    {70, -46, 72},
-    {84, 30, 60},
+    {58, -62, 80},
+    {86, 14, 56},
 };
 constexpr INT32 gMarkX = 512;
 constexpr INT32 gMarkY = 318;
