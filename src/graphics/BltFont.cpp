@@ -59,6 +59,8 @@ EFI_STATUS DrawBltFontString(BLT_FONT* Font, UINT32 X, UINT32 Y, const CHAR16* S
         for (UINTN Glyph = 0; Font->GlyphTable[Glyph] != nullptr; Glyph++) {
             if (Font->GlyphTable[Glyph][0] == String[Place]) {
                 PIXEL* Block = Font->Pixels + Glyph * GlyphPixels;
+                // A character that stood earlier in this string may have the pointer merged into its block by now.
+                CopyMem(Block, Font->Master + Glyph * GlyphPixels, GlyphPixels * sizeof(PIXEL));
                 (void)PasteBlt(Block, Font->GlyphWidth, Font->GlyphHeight, GlyphX, Y, Dst);
                 (void)ComposeScreen(gGuiCore, Block, GlyphX, Y, Font->GlyphWidth, Font->GlyphHeight);
                 break;
