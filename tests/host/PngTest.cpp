@@ -1,0 +1,58 @@
+#include "platform/host/Png.h"
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string ReadBytes(const std::string& Path) {
+    std::ifstream File(Path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
+}
+
+} // namespace
+
+TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes) {
+    const std::string Path = testing::TempDir() + "round.png";
+    const UINT32 Written[] = {0x00FF0000, 0xFF00FF00, 0x800000FF, 0x12345678, 0x00000000, 0xFFFFFFFF};
+    ASSERT_TRUE(WritePng(Path.c_str(), Written, 3, 2));
+
+    std::vector<UINT32> Pixels;
+    unsigned Width = 0;
+    unsigned Height = 0;
+    ASSERT_TRUE(ReadPng(Path.c_str(), &Pixels, &Width, &Height));
+    EXPECT_EQ(Width, 3u);
+    EXPECT_EQ(Height, 2u);
+    EXPECT_EQ(Pixels,
+              (std::vector<UINT32>{0x00FF0000, 0x0000FF00, 0x000000FF, 0x00345678, 0x00000000, 0x00FFFFFF}));
+}
+
+TEST(Png, GivesTheSameBytesForTheSamePixelsWhateverTheirReservedBytes) {
+    const std::string First = testing::TempDir() + "first.png";
+    const std::string Second = testing::TempDir() + "second.png";
+    const UINT32 Clear[] = {0x00102030, 0x00405060};
+    const UINT32 Set[] = {0xFF102030, 0x7F405060};
+    ASSERT_TRUE(WritePng(First.c_str(), Clear, 2, 1));
+    ASSERT_TRUE(WritePng(Second.c_str(), Set, 2, 1));
+    EXPECT_EQ(ReadBytes(First), ReadBytes(Second));
+}
+
+TEST(Png, SaysWhenAFileCannotBeWrittenOrReadAndLeavesTheResultAlone) {
+    const UINT32 Pixel = 0;
+    EXPECT_FALSE(WritePng((testing::TempDir() + "no/such/folder/x.png").c_str(), &Pixel, 1, 1));
+    EXPECT_FALSE(WritePng((testing::TempDir() + "empty.png").c_str(), &Pixel, 0, 1));
+
+    const std::string Path = testing::TempDir() + "text.png";
+    std::ofstream(Path) << "no picture";
+    std::vector<UINT32> Pixels = {7};
+    unsigned Width = 8;
+    unsigned Height = 9;
+    EXPECT_FALSE(ReadPng(Path.c_str(), &Pixels, &Width, &Height));
+    EXPECT_FALSE(ReadPng((testing::TempDir() + "missing.png").c_str(), &Pixels, &Width, &Height));
+    EXPECT_EQ(Pixels, std::vector<UINT32>{7});
+    EXPECT_EQ(Width, 8u);
+    EXPECT_EQ(Height, 9u);
+}

@@ -1,0 +1,81 @@
+#include "platform/host/Recorder.h"
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Recorder : public testing::Test {
+protected:
+    Recorder() : Path(testing::TempDir() + "record.script"), Open(OpenRecorder(Path.c_str())) {
+        Input.PointerX = 10;
+        Input.PointerY = 20;
+    }
+
+    std::string Close() {
+        EXPECT_TRUE(CloseRecorder(Open));
+        std::ifstream File(Path);
+        return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
+    }
+
+    std::string Path;
+    RECORDER* Open;
+    WINDOW_INPUT Input{};
+};
+
+} // namespace
+
+TEST_F(Recorder, WritesWhatChangedAndHowLongAfterTheTurnBefore) {
+    RecordTurn(Open, 5'000'000, Input);
+    RecordTurn(Open, 5'016'000, Input);
+    Input.PointerX = 11;
+    Input.Left = true;
+    RecordTurn(Open, 5'020'000, Input);
+    Input.Left = false;
+    Input.Right = true;
+    RecordTurn(Open, 5'024'500, Input);
+    Input.Right = false;
+    RecordTurn(Open, 5'024'500, Input);
+    EXPECT_EQ(Close(), "pointer 10 20\nturn\n"
+                       "advance 16000\nturn\n"
+                       "advance 4000\npointer 11 20\nleft down\nturn\n"
+                       "advance 4500\nleft up\nright down\nturn\n"
+                       "right up\nturn\n");
+}
+
+TEST_F(Recorder, WritesKeysInTheFormThatReadsBackAsTheSameKey) {
+    Input.Keys = {{SCAN_ESC, 0}, {0, CHAR_CARRIAGE_RETURN}, {0, u's'}, {0, u'#'}, {0, u' '}, {0, 0x00E9}, {0x0B, 0}};
+    RecordTurn(Open, 0, Input);
+    EXPECT_EQ(Close(), "pointer 10 20\nkey esc\nkey enter\nkey s\nkey 0 23\nkey 0 20\nkey 0 e9\nkey b 0\nturn\n");
+}
+
+TEST_F(Recorder, LeavesOutTheTimeThatAStallMovesByItself) {
+    RecordTurn(Open, 0, Input);
+    RecordStall(Open, 3'000);
+    RecordTurn(Open, 10'000, Input);
+    // A stall that the machine's clock seems to have cut short: the clock of the script has run 500 us ahead.
+    RecordStall(Open, 4'000);
+    RecordTurn(Open, 13'500, Input);
+    RecordTurn(Open, 16'000, Input);
+    EXPECT_EQ(Close(), "pointer 10 20\nturn\nadvance 7000\nturn\nturn\nadvance 2000\nturn\n");
+}
+
+TEST_F(Recorder, IsOnDiskAfterEachTurn) {
+    RecordTurn(Open, 0, Input);
+    RecordCommand(Open, "start");
+    std::ifstream File(Path);
+    const std::string Text{std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
+    EXPECT_EQ(Text, "pointer 10 20\nturn\nstart\n");
+    EXPECT_TRUE(CloseRecorder(Open));
+}
+
+TEST(RecorderFile, SaysWhenItCannotBeCreatedOrWritten) {
+    EXPECT_EQ(OpenRecorder((testing::TempDir() + "no/such/folder/x").c_str()), nullptr);
+    RECORDER* Full = OpenRecorder("/dev/full");
+    ASSERT_NE(Full, nullptr);
+    RecordTurn(Full, 0, WINDOW_INPUT{});
+    EXPECT_FALSE(CloseRecorder(Full));
+}

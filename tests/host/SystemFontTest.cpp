@@ -1,0 +1,61 @@
+#include "platform/host/SystemFont.h"
+
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+bool HasInk(const UINT8* Rows, UINTN From, UINTN To) {
+    for (UINTN Row = From; Row < To; Row++) {
+        if (Rows[Row] != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(SystemFont, HasADifferentGlyphForEveryPrintableCharacterOfAsciiAndALookForAllOfLatin1) {
+    for (CHAR16 Char = 0x21; Char < 0x7F; Char++) {
+        const UINT8* Rows = SystemFontGlyph(Char);
+        ASSERT_NE(Rows, nullptr) << "U+" << std::hex << static_cast<unsigned>(Char);
+        EXPECT_TRUE(HasInk(Rows, 0, SYSTEM_FONT_HEIGHT));
+        for (CHAR16 Other = 0x21; Other < Char; Other++) {
+            EXPECT_NE(std::memcmp(Rows, SystemFontGlyph(Other), SYSTEM_FONT_HEIGHT), 0)
+                << static_cast<char>(Char) << " looks like " << static_cast<char>(Other);
+        }
+    }
+    for (CHAR16 Char = 0xA0; Char <= 0xFF; Char++) {
+        EXPECT_NE(SystemFontGlyph(Char), nullptr) << "U+" << std::hex << static_cast<unsigned>(Char);
+    }
+}
+
+TEST(SystemFont, StandsUprightWithTheLeftmostPixelInTheHighestBit) {
+    const UINT8* L = SystemFontGlyph(u'L');
+    const UINTN Last = SYSTEM_FONT_BASELINE - 1;
+    // A stem at the left, a foot to the right of it, nothing below the baseline.
+    EXPECT_NE(L[Last - 5] & 0xE0, 0);
+    EXPECT_EQ(L[Last - 5] & 0x0F, 0);
+    EXPECT_NE(L[Last] & 0x0E, 0);
+    EXPECT_FALSE(HasInk(L, SYSTEM_FONT_BASELINE, SYSTEM_FONT_HEIGHT));
+    EXPECT_TRUE(HasInk(SystemFontGlyph(u'g'), SYSTEM_FONT_BASELINE, SYSTEM_FONT_HEIGHT));
+    EXPECT_FALSE(HasInk(SystemFontGlyph(u' '), 0, SYSTEM_FONT_HEIGHT));
+}
+
+TEST(SystemFont, ShowsTheCodeOfTheConsolesDegreeSignAsADegreeSign) {
+    const UINT8* Rows = SystemFontGlyph(0x00F8);
+    ASSERT_NE(Rows, nullptr);
+    EXPECT_EQ(std::memcmp(Rows, SystemFontGlyph(0x00B0), SYSTEM_FONT_HEIGHT), 0);
+    // A degree sign hangs at the top, where the letter with the stroke, as its capital shows, reaches the baseline.
+    EXPECT_TRUE(HasInk(Rows, 0, 8));
+    EXPECT_FALSE(HasInk(Rows, 8, SYSTEM_FONT_HEIGHT));
+    EXPECT_TRUE(HasInk(SystemFontGlyph(0x00D8), 8, SYSTEM_FONT_BASELINE));
+}
+
+TEST(SystemFont, HasNoGlyphForWhatTheSourceDoesNotDraw) {
+    EXPECT_EQ(SystemFontGlyph(0x0000), nullptr);
+    EXPECT_EQ(SystemFontGlyph(0x4E00), nullptr);
+    EXPECT_EQ(SystemFontGlyph(0xFFFF), nullptr);
+}
