@@ -6,7 +6,7 @@
 // Whether the image was started from a shell that told its arguments. Set by ParseCommandLine.
 extern bool gShellConsole;
 
-// Looks at the shell's arguments and says whether the console is to start. False after the version line was printed: the
-// application then ends with EFI_SUCCESS. Without a shell there is no command line and the console starts. Needs
+// Looks at the shell's arguments and says whether the console is to start. False after the version line was printed:
+// the application then ends with EFI_SUCCESS. Without a shell there is no command line and the console starts. Needs
 // BindShellProtocols to have run.
 bool ParseCommandLine();

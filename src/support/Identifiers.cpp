@@ -85,8 +85,8 @@ UINTN NodeLength(const EFI_DEVICE_PATH_PROTOCOL* Node)
     return static_cast<UINTN>(Node->Length[0]) | static_cast<UINTN>(Node->Length[1]) << 8;
 }
 
-// The node behind this one, over the ends of instances too; null behind the last. A node shorter than its own head would
-// never be left, so a path ends there as well.
+// The node behind this one, over the ends of instances too; null behind the last. A node shorter than its own head
+// would never be left, so a path ends there as well.
 const EFI_DEVICE_PATH_PROTOCOL* NextNode(const EFI_DEVICE_PATH_PROTOCOL* Node)
 {
     if (Node->Type == END_DEVICE_PATH_TYPE && Node->SubType == END_ENTIRE_DEVICE_PATH_SUBTYPE) {
@@ -322,8 +322,8 @@ VOID MakeGuidFromTime(EFI_GUID* Guid)
     Guid->Data1 = static_cast<UINT32>(gGuidClock.Now);
     Guid->Data2 = static_cast<UINT16>(gGuidClock.Now >> 32);
     Guid->Data3 = gTimeHiAndVersion;
-    // ClockSeqHiAndReserved. It only has to vary, as nothing reads it. A read of memory at an address made from the stamp
-    // would vary too, but that memory isn't ours.
+    // ClockSeqHiAndReserved. It only has to vary, as nothing reads it. A read of memory at an address made from the
+    // stamp would vary too, but that memory isn't ours.
     Guid->Data4[0] = static_cast<UINT8>(DrawRandom());
     Guid->Data4[1] = static_cast<UINT8>(gGuidClock.ClockSequence);
     for (UINTN Index = 0; Index < gNodeSize; ++Index) {

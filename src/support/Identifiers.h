@@ -1,6 +1,6 @@
-// Fresh GUIDs for the firmware's event groups, in the layout of a time-based UUID: a stamp, a clock sequence and a node.
-// The node is a network card's MAC address if a device path shows one, else a digest of the machine's memory map, its
-// fixed disks and the time. The identifiers go to CreateEventEx; nothing else reads them.
+// Fresh GUIDs for the firmware's event groups, in the layout of a time-based UUID: a stamp, a clock sequence and a
+// node. The node is a network card's MAC address if a device path shows one, else a digest of the machine's memory
+// map, its fixed disks and the time. The identifiers go to CreateEventEx; nothing else reads them.
 #pragma once
 
 #include "uefi/Base.h"
@@ -18,6 +18,6 @@ struct GUID_CLOCK {
 };
 extern GUID_CLOCK gGuidClock;
 
-// Fills the 16 bytes at Guid. It can't fail in a way that the caller sees: where the firmware gives no memory map, a line
-// says so on the console and the node is zero. Walks all device paths and disks anew each time.
+// Fills the 16 bytes at Guid. It can't fail in a way that the caller sees: where the firmware gives no memory map, a
+// line says so on the console and the node is zero. Walks all device paths and disks anew each time.
 VOID GenerateGuid(EFI_GUID* Guid);

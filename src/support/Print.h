@@ -2,8 +2,8 @@
 // differ in the string that drives them.
 //
 // A format is text with elements %[flags][width][.precision][l]letter in it. A \n of the format comes out as carriage
-// return and line feed, unless a carriage return stands before it already; text that comes from an argument is left as it
-// is.
+// return and line feed, unless a carriage return stands before it already; text that comes from an argument is left
+// as it is.
 //
 //   letter  argument                     output
 //   s S     const CHAR16*                the string; "<null string>" for a null pointer
@@ -37,6 +37,6 @@
 UINTN FormatUnicodeText(CHAR16* Buffer, UINTN BufferSize, const CHAR16* Format, ...);
 UINTN FormatAsciiText(CHAR16* Buffer, UINTN BufferSize, const CHAR8* Format, ...);
 
-// Writes at most 320 characters on ConOut. Returns how many, or 0 if the console refused them. Without memory or console
-// nothing is printed.
+// Writes at most 320 characters on ConOut. Returns how many, or 0 if the console refused them. Without memory or
+// console nothing is printed.
 UINTN PrintToConsole(const CHAR16* Format, ...);

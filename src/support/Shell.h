@@ -4,8 +4,8 @@
 
 #include "uefi/Base.h"
 
-// Opens the shell's protocols for this image: the new shell's pair, else the old shell's. EFI_NOT_FOUND when neither pair
-// is complete. Needs gImageHandle and gBS.
+// Opens the shell's protocols for this image: the new shell's pair, else the old shell's. EFI_NOT_FOUND when neither
+// pair is complete. Needs gImageHandle and gBS.
 EFI_STATUS BindShellProtocols();
 // Closes what BindShellProtocols opened and forgets the interfaces.
 VOID ReleaseShellProtocols();

@@ -1,5 +1,5 @@
-// A firmware of a few records for the tests of src/support: pool, clock, count, memory map, handles with protocols, and a
-// console that keeps what was written. Each test makes one; it stands behind gST, gBS and gRT until it goes.
+// A firmware of a few records for the tests of src/support: pool, clock, count, memory map, handles with protocols,
+// and a console that keeps what was written. Each test makes one; it stands behind gST, gBS and gRT until it goes.
 #pragma once
 
 #include <cstdint>
