@@ -82,6 +82,14 @@ constexpr KEY_NAME gKeys[] = {
 
 char gError[256];
 
+// Where it finds no screen, SDL falls back on drivers that show nothing. They are welcome only when asked for.
+bool ShowsNothing() {
+    const char* Driver = SDL_GetCurrentVideoDriver();
+    return SDL_getenv("SDL_VIDEODRIVER") == nullptr &&
+           (Driver == nullptr || SDL_strcmp(Driver, "offscreen") == 0 || SDL_strcmp(Driver, "dummy") == 0 ||
+            SDL_strcmp(Driver, "evdev") == 0);
+}
+
 // SDL's own text is gone with the next call that fails.
 const char* KeepError() {
     std::snprintf(gError, sizeof gError, "%s", SDL_GetError());
@@ -285,6 +293,11 @@ WINDOW* OpenWindow(const char* Title, const char** Error) {
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         *Error = KeepError();
+        return nullptr;
+    }
+    if (ShowsNothing()) {
+        *Error = "no desktop to open a window on (is DISPLAY or WAYLAND_DISPLAY set?)";
+        SDL_QuitSubSystem(SDL_INIT_VIDEO);
         return nullptr;
     }
     int Width = 0;
