@@ -15,8 +15,8 @@ constexpr PIXEL gBladeTip = {0x9A, 0x8A, 0x1E, 0};
 constexpr PIXEL gTextColor = {0xEE, 0xE8, 0xE0, 0};
 constexpr PIXEL gTextDimColor = {0xC0, 0xB0, 0xA2, 0};
 
-// The mark: leaf-shaped blades round a hub, a fan at rest. A blade is what two discs share; its centres are given along and
-// across the blade's own axis, in pixels.
+// The mark: leaf-shaped blades round a hub, a fan at rest. A blade is what two discs share; its centres are given along
+// and across the blade's own axis, in pixels.
 struct BLADE_DISC {
     INT32 Along;
     INT32 Across;
@@ -45,50 +45,68 @@ constexpr BLADE_AXIS gBladeAxes[] = {
 // Edges are smoothed by counting samples: gSamples each way in a pixel.
 constexpr INT32 gSamples = 4;
 
-// The line of text has letters of its own, because a firmware has no font at hand this early.
-constexpr INT32 gLetterHeight = 15;
-struct LETTER {
-    CHAR8 Char;
-    const CHAR8* Rows[gLetterHeight]; // '#' is ink; all rows of a letter are equally wide
-};
-constexpr LETTER gLetters[] = {
-    {'P', {"#######  ", "##    ## ", "##     ##", "##     ##", "##    ## ", "#######  ", "##       ", "##       ",
-           "##       ", "##       ", "##       ", "", "", "", ""}},
-    {'D', {"#######  ", "##    ## ", "##     ##", "##     ##", "##     ##", "##     ##", "##     ##", "##     ##",
-           "##     ##", "##    ## ", "#######  ", "", "", "", ""}},
-    {'E', {"########", "##      ", "##      ", "##      ", "##      ", "####### ", "##      ", "##      ", "##      ",
-           "##      ", "########", "", "", "", ""}},
-    {'L', {"##      ", "##      ", "##      ", "##      ", "##      ", "##      ", "##      ", "##      ", "##      ",
-           "##      ", "########", "", "", "", ""}},
-    {'e', {"", "", "", "  ####  ", " ##  ## ", "##    ##", "########", "##      ", "##      ", " ##   # ", "  ####  ", "",
-           "", "", ""}},
-    {'f', {"  ###", " ##  ", " ##  ", "#####", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", "", "", "",
-           ""}},
-    {'o', {"", "", "", "  ####  ", " ##  ## ", "##    ##", "##    ##", "##    ##", "##    ##", " ##  ## ", "  ####  ", "",
-           "", "", ""}},
-    {'p', {"", "", "", "## ###  ", "###  ## ", "##    ##", "##    ##", "##    ##", "##    ##", "###  ## ", "## ###  ",
-           "##      ", "##      ", "##      ", ""}},
-    {'r', {"", "", "", "## ##", "#### ", "##   ", "##   ", "##   ", "##   ", "##   ", "##   ", "", "", "", ""}},
-    {'s', {"", "", "", " ##### ", "##   ##", "##     ", " ####  ", "   ### ", "     ##", "##   ##", " ##### ", "", "", "",
-           ""}},
-    {'t', {"", " ##  ", " ##  ", "#####", " ##  ", " ##  ", " ##  ", " ##  ", " ##  ", " ## #", "  ###", "", "", "", ""}},
-    {'u', {"", "", "", "##    ##", "##    ##", "##    ##", "##    ##", "##    ##", "##    ##", " ##  ###", "  ### ##", "",
-           "", "", ""}},
-};
-constexpr INT32 gLetterGap = 3;
-constexpr INT32 gSpace = 8;
-
-// The line in parts, so that the key stands out.
+// The line of text comes as pictures, because a firmware has no font at hand this early: '#' is ink, and the rows of a
+// part are equally wide. It stands in parts so that the key's name is brighter than the rest.
+constexpr INT32 gTextHeight = 14;
 struct TEXT_PART {
-    const CHAR8* Text;
     PIXEL Color;
+    const CHAR8* Rows[gTextHeight];
 };
 constexpr TEXT_PART gLine[] = {
-    {"Press ", gTextDimColor},
-    {"DEL", gTextColor},
-    {" for setup", gTextDimColor},
+    {gTextDimColor,
+     {
+         "#######                                         ",
+         "##    ##                                        ",
+         "##     ##                                       ",
+         "##     ##   ## ##     ####      #####     ##### ",
+         "##    ##    ####     ##  ##    ##   ##   ##   ##",
+         "#######     ##      ##    ##   ##        ##     ",
+         "##          ##      ########    ####      ####  ",
+         "##          ##      ##            ###       ### ",
+         "##          ##      ##              ##        ##",
+         "##          ##       ##   #    ##   ##   ##   ##",
+         "##          ##        ####      #####     ##### ",
+         "                                                ",
+         "                                                ",
+         "                                                ",
+     }},
+    {gTextColor,
+     {
+         "#######     ########   ##      ",
+         "##    ##    ##         ##      ",
+         "##     ##   ##         ##      ",
+         "##     ##   ##         ##      ",
+         "##     ##   ##         ##      ",
+         "##     ##   #######    ##      ",
+         "##     ##   ##         ##      ",
+         "##     ##   ##         ##      ",
+         "##     ##   ##         ##      ",
+         "##    ##    ##         ##      ",
+         "#######     ########   ########",
+         "                               ",
+         "                               ",
+         "                               ",
+     }},
+    {gTextDimColor,
+     {
+         "  ###                                                                              ",
+         " ##                                                      ##                        ",
+         " ##                                                      ##                        ",
+         "#####     ####     ## ##            #####      ####     #####   ##    ##   ## ###  ",
+         " ##      ##  ##    ####            ##   ##    ##  ##     ##     ##    ##   ###  ## ",
+         " ##     ##    ##   ##              ##        ##    ##    ##     ##    ##   ##    ##",
+         " ##     ##    ##   ##               ####     ########    ##     ##    ##   ##    ##",
+         " ##     ##    ##   ##                 ###    ##          ##     ##    ##   ##    ##",
+         " ##     ##    ##   ##                   ##   ##          ##     ##    ##   ##    ##",
+         " ##      ##  ##    ##              ##   ##    ##   #     ## #    ##  ###   ###  ## ",
+         " ##       ####     ##               #####      ####       ###     ### ##   ## ###  ",
+         "                                                                           ##      ",
+         "                                                                           ##      ",
+         "                                                                           ##      ",
+     }},
 };
 constexpr INT32 gLineY = 690;
+constexpr INT32 gWordGap = 11;
 
 // The colour that lies Part of Whole of the way from one colour to another.
 PIXEL Mix(const PIXEL& From, const PIXEL& To, INT32 Part, INT32 Whole) {
@@ -163,42 +181,35 @@ VOID PaintMark(PIXEL* Display) {
     }
 }
 
-const LETTER* FindLetter(CHAR8 Char) {
-    for (const LETTER& Letter : gLetters) {
-        if (Letter.Char == Char) {
-            return &Letter;
-        }
-    }
-    return nullptr;
-}
-
-// Paints one character, or with a null Display only measures it. Gives how far the next one stands to the right.
-INT32 PaintLetter(PIXEL* Display, INT32 X, INT32 Y, CHAR8 Char, const PIXEL& Color) {
-    const LETTER* Letter = FindLetter(Char);
-    if (Letter == nullptr) {
-        return gSpace;
-    }
+INT32 MeasureText(const CHAR8* Row) {
     INT32 Width = 0;
-    for (INT32 Row = 0; Row < gLetterHeight; Row++) {
-        INT32 Column = 0;
-        for (const CHAR8* Dot = Letter->Rows[Row]; *Dot != 0; Dot++, Column++) {
-            if (Display != nullptr && *Dot == '#') {
-                Display[(Y + Row) * gWidth + X + Column] = Color;
-            }
-        }
-        Width = Column > Width ? Column : Width;
-    }
-    return Width + gLetterGap;
-}
-
-INT32 PaintLine(PIXEL* Display, INT32 X, INT32 Y) {
-    INT32 Width = 0;
-    for (const TEXT_PART& Part : gLine) {
-        for (const CHAR8* Char = Part.Text; *Char != 0; Char++) {
-            Width += PaintLetter(Display, X + Width, Y, *Char, Part.Color);
-        }
+    while (Row[Width] != 0) {
+        Width++;
     }
     return Width;
+}
+
+VOID PaintPart(PIXEL* Display, INT32 X, INT32 Y, const TEXT_PART& Part) {
+    for (INT32 Row = 0; Row < gTextHeight; Row++) {
+        for (INT32 Column = 0; Part.Rows[Row][Column] != 0; Column++) {
+            if (Part.Rows[Row][Column] == '#') {
+                Display[(Y + Row) * gWidth + X + Column] = Part.Color;
+            }
+        }
+    }
+}
+
+// The line stands in the middle of the display's width.
+VOID PaintLine(PIXEL* Display) {
+    INT32 Width = -gWordGap;
+    for (const TEXT_PART& Part : gLine) {
+        Width += MeasureText(Part.Rows[0]) + gWordGap;
+    }
+    INT32 X = (gWidth - Width) / 2;
+    for (const TEXT_PART& Part : gLine) {
+        PaintPart(Display, X, gLineY, Part);
+        X += MeasureText(Part.Rows[0]) + gWordGap;
+    }
 }
 
 } // namespace
@@ -206,5 +217,5 @@ INT32 PaintLine(PIXEL* Display, INT32 X, INT32 Y) {
 VOID PaintBootScreen(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Display) {
     PaintGround(Display);
     PaintMark(Display);
-    PaintLine(Display, (gWidth - PaintLine(nullptr, 0, 0)) / 2, gLineY);
+    PaintLine(Display);
 }

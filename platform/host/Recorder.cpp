@@ -43,8 +43,8 @@ VOID RecordTime(RECORDER* Recorder, UINT64 Now) {
         Recorder->LastTurn = Now;
         Recorder->Stalled = 0;
     }
-    // A stall never ends before its time on the machine's clock. If rounding makes it seem so, the turns that follow make
-    // up for it: the player's clock has run ahead, and LastTurn stays where it was.
+    // A stall never ends before its time on the machine's clock. If rounding makes it seem so, the turns that follow
+    // make up for it: the player's clock has run ahead, and LastTurn stays where it was.
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // The recorder writes the window's input as a script that plays back.
 //
 // Each turn becomes the time since the turn before (`advance`), what changed (`pointer`, `left`, `right`, `key`), and
-// `turn`. The clock is counted from the first turn. Lines reach the file turn by turn, so that a record survives a crash.
+// `turn`. The clock is counted from the first turn. Lines reach the file turn by turn, so that a record survives a
+// crash.
 #pragma once
 
 #include "platform/host/Window.h"

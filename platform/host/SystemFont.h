@@ -1,5 +1,5 @@
-// The system font of the hosted firmware: an upright bitmap font with cells 8 pixels wide and 19 high, made at build time
-// from a packaged console font.
+// The system font of the hosted firmware: an upright bitmap font with cells 8 pixels wide and 19 high, made at build
+// time from a packaged console font.
 #pragma once
 
 #include "uefi/Base.h"

@@ -36,8 +36,8 @@ namespace {
 
 constexpr UINT64 gTurnWhileMoving = 4'000;
 constexpr UINT64 gTurnAtRest = 16'000;
-// Longer than the pauses of a hand on a mouse, shorter than the console's sampling period: at rest the sensors' tick alone
-// must not keep the window at full pace.
+// Longer than the pauses of a hand on a mouse, shorter than the console's sampling period: at rest the sensors' tick
+// alone must not keep the window at full pace.
 constexpr UINT64 gMovingFor = 100'000;
 // A little less than a turn at rest, so that at rest every turn may show.
 constexpr UINT64 gLookInterval = 15'900;
@@ -101,7 +101,8 @@ UINT64 HostMicroseconds() {
     return static_cast<UINT64>(std::chrono::duration_cast<std::chrono::microseconds>(Now).count());
 }
 
-// Text as the host types it, in UTF-8, to key strokes. What a firmware's key stroke can't carry, beyond U+FFFF, is dropped.
+// Text as the host types it, in UTF-8, to key strokes. What a firmware's key stroke can't carry, beyond U+FFFF, is
+// dropped.
 VOID AppendText(std::vector<EFI_INPUT_KEY>* Keys, const char* Text) {
     while (*Text != 0) {
         const UINT32 First = static_cast<UINT8>(*Text++);
@@ -156,9 +157,9 @@ VOID DestroyTextures(WINDOW* Window) {
     }
 }
 
-// At a whole multiple of its size the display is copied pixel by pixel. Otherwise it is first enlarged by the next whole
-// number and then smoothed down to its place: pixels keep hard edges and equal sizes but for a blend of under one screen
-// pixel between them. Smaller than it is, it is smoothed down at once.
+// At a whole multiple of its size the display is copied pixel by pixel. Otherwise it is first enlarged by the next
+// whole number and then smoothed down to its place: pixels keep hard edges and equal sizes but for a blend of under one
+// screen pixel between them. Smaller than it is, it is smoothed down at once.
 bool CreateTextures(WINDOW* Window) {
     const DISPLAY_PLACE& Place = Window->Place;
     const bool Whole = Place.Width % WINDOW_DISPLAY_WIDTH == 0 && Place.Height % WINDOW_DISPLAY_HEIGHT == 0;
@@ -413,7 +414,8 @@ VOID PaceWindow(WINDOW* Window) {
     const UINT64 Due = Window->LastTurn + TurnInterval(Now - Window->LastChange);
     const UINT64 Awake = HostMicroseconds();
     if (Due > Awake) {
-        // Wakes when input comes, which it leaves for the next turn; whole milliseconds, rounded down so as not to be late.
+        // Wakes when input comes, which it leaves for the next turn; whole milliseconds, rounded down so as not to be
+        // late.
         SDL_WaitEventTimeout(nullptr, static_cast<int>((Due - Awake) / 1'000));
     }
     Window->LastTurn = HostMicroseconds();
@@ -448,9 +450,10 @@ VOID MapToDisplay(const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX, INT
     const INT64 FromLeft = INT64{X} - Place.X;
     const INT64 FromTop = INT64{Y} - Place.Y;
     // Clamped before the division: it rounds towards zero, and a point just outside must not land inside.
-    *DisplayX = static_cast<INT32>(std::clamp<INT64>(FromLeft, 0, Place.Width - 1) * WINDOW_DISPLAY_WIDTH / Place.Width);
-    *DisplayY =
-        static_cast<INT32>(std::clamp<INT64>(FromTop, 0, Place.Height - 1) * WINDOW_DISPLAY_HEIGHT / Place.Height);
+    const INT64 Column = std::clamp<INT64>(FromLeft, 0, Place.Width - 1);
+    const INT64 Row = std::clamp<INT64>(FromTop, 0, Place.Height - 1);
+    *DisplayX = static_cast<INT32>(Column * WINDOW_DISPLAY_WIDTH / Place.Width);
+    *DisplayY = static_cast<INT32>(Row * WINDOW_DISPLAY_HEIGHT / Place.Height);
 }
 
 bool IsOnDisplay(const DISPLAY_PLACE& Place, int X, int Y) {

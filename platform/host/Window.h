@@ -1,8 +1,8 @@
 // The window of the hosted firmware: it shows the display on the user's screen and gives the mouse and the keys.
 //
-// One turn of the console, where it reads the mouse: PumpWindow, ShowDisplay, PaceWindow. The picture keeps its shape in a
-// window of any size (bars fill the rest); F11 goes to full screen and back, and the console doesn't see that key. The
-// host's own pointer is hidden over the picture, where the console draws its own.
+// One turn of the console, where it reads the mouse: PumpWindow, ShowDisplay, PaceWindow. The picture keeps its shape
+// in a window of any size (bars fill the rest); F11 goes to full screen and back, and the console doesn't see that key.
+// The host's own pointer is hidden over the picture, where the console draws its own.
 #pragma once
 
 #include <vector>
@@ -25,26 +25,28 @@ struct WINDOW_INPUT {
     std::vector<EFI_INPUT_KEY> Keys; // in the order typed; those of this turn alone
 };
 
-// Opens a window with the title Title (UTF-8). Null when there is no screen to open it on, and *Error then says why, valid
-// until the next call. A process has one window at a time.
+// Opens a window with the title Title (UTF-8). Null when there is no screen to open it on, and *Error then says why,
+// valid until the next call. A process has one window at a time.
 WINDOW* OpenWindow(const char* Title, const char** Error);
 
 VOID CloseWindow(WINDOW* Window);
 
-// Takes in what happened since the last call and writes all of Input. A click that began and ended between two turns isn't
-// lost, and a button goes down and up where the pointer was: a turn takes in one change of a button at most and no movement
-// after it, and the turns that follow take in the rest. False once the user asked to close the window.
+// Takes in what happened since the last call and writes all of Input. A click that began and ended between two turns
+// isn't lost, and a button goes down and up where the pointer was: a turn takes in one change of a button at most and
+// no movement after it, and the turns that follow take in the rest. False once the user asked to close the window.
 bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input);
 
-// Shows the display: WINDOW_DISPLAY_HEIGHT rows of WINDOW_DISPLAY_WIDTH words in the display's order (blue lowest). Cheap
-// to call in every turn: the screen is touched about 60 times a second at most, and only when the picture or the window changed.
+// Shows the display: WINDOW_DISPLAY_HEIGHT rows of WINDOW_DISPLAY_WIDTH words in the display's order (blue lowest).
+// Cheap to call in every turn: the screen is touched about 60 times a second at most, and only when the picture or the
+// window changed.
 VOID ShowDisplay(WINDOW* Window, const UINT32* Pixels);
 
-// Sleeps until the next turn is due: 4 ms after the last one while anything moves (input, or the picture that ShowDisplay
-// was given), 16 ms after it at rest, or sooner at rest when input comes.
+// Sleeps until the next turn is due: 4 ms after the last one while anything moves (input, or the picture that
+// ShowDisplay was given), 16 ms after it at rest, or sooner at rest when input comes.
 VOID PaceWindow(WINDOW* Window);
 
-// Microseconds from the beginning of one turn to the next, SinceChange microseconds after input or picture last changed.
+// Microseconds from the beginning of one turn to the next, SinceChange microseconds after input or picture last
+// changed.
 UINT64 TurnInterval(UINT64 SinceChange);
 
 // Where the picture stands in an output area, in its pixels.
