@@ -35,8 +35,16 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
 // Takes every interface away and gives all memory back; refused with the firmware's status while one is in use.
 EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle);
 
-// For scripts: the record that the board holds for a fan (item 4 to 10), the record that its defaults bring back, and
-// the record that RestoreFanSettings brings back is what the board held when it was installed.
+// For scripts, FanItem being 4 to 10, and any record being taken as it is. The record that the board holds for a fan; it
+// counts as no change of the console's, so that RestoreFanSettings, which goes back to what the board held at the last
+// Initialize, brings back this record.
 EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting);
+// The record that LoadDefaultFanSettings brings back.
 EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting);
+// The record that the board holds now.
 EFI_STATUS ReadBoardSetting(UINT8 FanItem, FAN_SETTING* Setting);
+
+// For tests: the records that the board has refused since it was installed because they break the contract, and in words
+// why the last one was refused; null when none was.
+UINT64 BoardContractFaults();
+const CHAR8* LastBoardContractFault();

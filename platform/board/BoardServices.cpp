@@ -1,0 +1,78 @@
+#include "platform/board/BoardServices.h"
+
+#include "platform/board/ArtworkPack.h"
+#include "platform/board/ArtworkServices.h"
+#include "platform/board/CursorService.h"
+#include "platform/board/Decoder.h"
+#include "platform/board/FanStore.h"
+#include "platform/board/FloatMath.h"
+#include "platform/board/HardwareService.h"
+#include "platform/board/Lines.h"
+#include "platform/board/MessageBox.h"
+#include "platform/board/SimulatedBoard.h"
+#include "platform/board/Thermal.h"
+
+namespace {
+
+EFI_BOOT_SERVICES* gServices;
+
+DRAW_PRIMITIVES_PROTOCOL gBoardDrawPrimitives = {
+    .Unused0 = {},
+    .CreateMessageBox = CreateMessageBox,
+    .UpdateMessageBox = UpdateMessageBox,
+    .DrawMessageBox = DrawMessageBox,
+    .Unused11 = {},
+    .DrawLine = DrawLine,
+};
+
+// A service that the console wants to find and never calls; it needs an interface all the same.
+UINT64 gBoardRequiredService;
+
+} // namespace
+
+EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIONS* Options, EFI_HANDLE* Handle) {
+    if (SystemTable == nullptr || Options == nullptr || Handle == nullptr || Options->Microseconds == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
+    const SIMULATED_BOARD* Board = FindSimulatedBoard(Options->Name);
+    if (Board == nullptr || !CheckArtworkPack(Options->ArtworkPack, Options->ArtworkPackSize)) {
+        return EFI_INVALID_PARAMETER;
+    }
+    gServices = SystemTable->BootServices;
+    ResetFanStore(Board);
+    ResetThermal(Board, Options->Seed, Options->Microseconds());
+    UseHardware(Board, Options->Microseconds, gServices);
+    UsePointerSource(Options->Pointer);
+    UseMessageBoxServices(gServices);
+    UseArtworkPool(gServices);
+    UseArtworkPack(Options->ArtworkPack, Options->ArtworkPackSize);
+    SetDecoderGeneration(Options->Generation);
+
+    *Handle = nullptr;
+    return gServices->InstallMultipleProtocolInterfaces(
+        Handle, &gImageDecoderProtocolGuid, &gBoardImageDecoder, &gCursorServiceProtocolGuid, &gBoardCursor,
+        &gRequiredServiceProtocolGuid, &gBoardRequiredService, &gFloatMathProtocolGuid, &gBoardFloatMath,
+        &gImageLookupProtocolGuid, &gBoardImageLookup, &gHwServiceProtocolGuid, &gBoardHardware,
+        &gDrawPrimitivesProtocolGuid, &gBoardDrawPrimitives, &gImageSectionProtocolGuid, &gBoardImageSection,
+        static_cast<VOID*>(nullptr));
+}
+
+EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle) {
+    if (Handle == nullptr || gServices == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
+    const EFI_STATUS Status = gServices->UninstallMultipleProtocolInterfaces(
+        Handle, &gImageDecoderProtocolGuid, &gBoardImageDecoder, &gCursorServiceProtocolGuid, &gBoardCursor,
+        &gRequiredServiceProtocolGuid, &gBoardRequiredService, &gFloatMathProtocolGuid, &gBoardFloatMath,
+        &gImageLookupProtocolGuid, &gBoardImageLookup, &gHwServiceProtocolGuid, &gBoardHardware,
+        &gDrawPrimitivesProtocolGuid, &gBoardDrawPrimitives, &gImageSectionProtocolGuid, &gBoardImageSection,
+        static_cast<VOID*>(nullptr));
+    if (EfiError(Status)) {
+        return Status;
+    }
+    ResetArtwork();
+    UsePointerSource(nullptr);
+    UseMessageBoxServices(nullptr);
+    gServices = nullptr;
+    return EFI_SUCCESS;
+}

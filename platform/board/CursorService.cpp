@@ -1,0 +1,64 @@
+#include "platform/board/CursorService.h"
+
+namespace {
+
+constexpr UINTN gScreenWidth = 1024;
+constexpr UINTN gScreenHeight = 768;
+
+POINTER_SOURCE* gSource;
+UINTN gLimitWidth = gScreenWidth;
+UINTN gLimitHeight = gScreenHeight;
+
+INT64 ClampTo(INT64 Position, UINTN Limit) {
+    const INT64 Last = Limit == 0 ? 0 : static_cast<INT64>(Limit - 1);
+    return Position < 0 ? 0 : Position > Last ? Last : Position;
+}
+
+EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Right) {
+    if (X == nullptr || Y == nullptr || Z == nullptr || Left == nullptr || Right == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
+    INT64 NowX = 0;
+    INT64 NowY = 0;
+    UINT8 NowLeft = 0;
+    UINT8 NowRight = 0;
+    if (gSource != nullptr) {
+        gSource->Read(gSource, &NowX, &NowY, &NowLeft, &NowRight);
+    }
+    *X = ClampTo(NowX, gLimitWidth);
+    *Y = ClampTo(NowY, gLimitHeight);
+    *Z = 0;
+    *Left = NowLeft != 0 ? 1 : 0;
+    *Right = NowRight != 0 ? 1 : 0;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS SetCursorLimits(UINTN Width, UINTN Height) {
+    gLimitWidth = Width;
+    gLimitHeight = Height;
+    if (gSource != nullptr && gSource->SetLimits != nullptr) {
+        gSource->SetLimits(gSource, Width, Height);
+    }
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS CloseCursor() {
+    if (gSource != nullptr && gSource->Close != nullptr) {
+        gSource->Close(gSource);
+    }
+    return EFI_SUCCESS;
+}
+
+} // namespace
+
+CURSOR_SERVICE_PROTOCOL gBoardCursor = {
+    .GetCursorState = GetCursorState,
+    .SetCursorLimits = SetCursorLimits,
+    .CloseCursor = CloseCursor,
+};
+
+VOID UsePointerSource(POINTER_SOURCE* Source) {
+    gSource = Source;
+    gLimitWidth = gScreenWidth;
+    gLimitHeight = gScreenHeight;
+}
