@@ -1,0 +1,151 @@
+#include "fan/FanLegend.h"
+
+#include "controls/Labels.h"
+#include "fan/FanPage.h"
+#include "graphics/Artwork.h"
+#include "graphics/GraphicProtocol.h"
+#include "graphics/KeptPicture.h"
+#include "graphics/Text.h"
+#include "shell/Board.h"
+#include "support/Library.h"
+
+namespace {
+
+constexpr UINT32 gIconSection = 11; // the node strip of the 8-row frame: four icons, stacked
+constexpr UINT32 gIconTop = 4;
+
+constexpr UINT32 gLegendX = 836;
+constexpr UINT32 gLegendY = 250;
+constexpr UINT32 gRowY = 260;
+constexpr UINT32 gRowPitch = 29; // one less than that of the icons; that is meant
+constexpr UINT32 gDutyRight = 956;
+constexpr UINT32 gSeparatorX = 908;
+constexpr UINT32 gTemperatureRight = 906;
+
+VOID DrawIcons(const PIXEL* Strip, UINT32 Width, UINT32 Height)
+{
+    const UINT32 IconHeight = Height / gNodeCount;
+    for (UINT32 Node = 0; Node < gNodeCount; Node++) {
+        const PIXEL* Icon = Strip + static_cast<UINTN>(Node) * IconHeight * Width;
+        const INT32 Y = static_cast<INT32>(Node * IconHeight + gIconTop);
+        (void)OverlayBlt(Icon, static_cast<INT32>(Width), static_cast<INT32>(IconHeight), gLegendActive, gLegendWidth,
+                         gLegendHeight, 0, Y, &gKeyColor, &gKeyColor, 1);
+        (void)OverlayBlt(Icon, static_cast<INT32>(Width), static_cast<INT32>(IconHeight), gLegendInactive,
+                         gLegendWidth, gLegendHeight, 0, Y, &gKeyColor, &gKeyColor, 1);
+    }
+}
+
+EFI_STATUS CreatePictures()
+{
+    constexpr UINTN PixelCount = gLegendWidth * gLegendHeight;
+    TEMPORARY<PIXEL> Active(AllocateArray<PIXEL>(PixelCount));
+    TEMPORARY<PIXEL> Inactive(AllocateArray<PIXEL>(PixelCount));
+    if (!Active || !Inactive) {
+        return EFI_OUT_OF_RESOURCES;
+    }
+    gLegendActive = Active.Data;
+    gLegendInactive = Inactive.Data;
+    Active.Data = nullptr;
+    Inactive.Data = nullptr;
+    FillPixels(gLegendActive, PixelCount, gPanelColor);
+    FillPixels(gLegendInactive, PixelCount, gPanelColor);
+
+    TEMPORARY<PIXEL> Strip;
+    UINT32 Width = 0;
+    UINT32 Height = 0;
+    (void)LoadBmpBlt(gIconSection, &gArtworkFileGuid, &Strip.Data, &Width, &Height);
+    if (Strip) {
+        DrawIcons(Strip.Data, Width, Height);
+    }
+    (void)GrayBlt(gLegendInactive, gLegendWidth, gLegendHeight, gLegendInactive, gLegendWidth, gLegendHeight);
+    return EFI_SUCCESS;
+}
+
+// On the display at once, and in Screen for later compositions.
+VOID DrawRowText(UINT32 X, UINT32 Y, const CHAR16* Text, const PIXEL* Color)
+{
+    (void)DrawString(X, Y, Text, DRAW_STRING_VIDEO, Color, &gPanelColor, gGuiCore);
+    (void)DrawString(X, Y, Text, DRAW_STRING_OPAQUE, Color, &gPanelColor, gGuiCore);
+}
+
+VOID DrawRowTextRightAligned(UINT32 Right, UINT32 Y, const CHAR16* Text, const PIXEL* Color)
+{
+    if (Text != nullptr) {
+        DrawRowText(Right - gCharacterWidth * static_cast<UINT32>(StringLength(Text)), Y, Text, Color);
+    }
+}
+
+// Null for an index that the table doesn't have.
+const CHAR16* LabelAt(const CHAR16* const* Table, UINT32 Index)
+{
+    return Index < CountStringTable(Table) ? Table[Index] : nullptr;
+}
+
+} // namespace
+
+PIXEL* gLegendActive;
+PIXEL* gLegendInactive;
+
+PIXEL* gPanelTitle;
+UINT16 gPanelTitleWidth;
+UINT16 gPanelTitleHeight;
+
+EFI_STATUS CreateFanLegend()
+{
+    const bool Exists = gLegendActive != nullptr;
+    const EFI_STATUS Status = Exists ? EFI_NOT_FOUND : CreatePictures();
+    RefreshFanLegend();
+    return Status;
+}
+
+VOID RefreshFanLegend()
+{
+    if (const FAN_PAGE* OnTop = FanPageOnTop()) {
+        gGlobalVariable.SelectedFanItem = OnTop->ItemId;
+    }
+
+    UINT8 Scale = 0;
+    switch (gGlobalVariable.SelectedFanItem) {
+    case 4:
+        Scale = 1;
+        break;
+    case 5:
+        Scale = AskFanKind();
+        if (Scale > 1) {
+            return;
+        }
+        break;
+    case 6:
+    case 7:
+    case 8:
+        break;
+    default:
+        return;
+    }
+    const FAN_PAGE* Page = FindFanPage(gGlobalVariable.SelectedFanItem);
+    if (PageHasFrame(Page)) {
+        DrawFanLegend(Scale, PageBoxIsChecked(Page) ? 1 : 0, &Page->Frame);
+    }
+}
+
+EFI_STATUS RefreshFanLegend(EFI_EVENT, VOID*)
+{
+    RefreshFanLegend();
+    return EFI_SUCCESS;
+}
+
+VOID DrawFanLegend(UINT8 Scale, UINT8 Active, const DRAGDROP_COMPONENT* Frame)
+{
+    ShowPicture(gPanelTitle, gPanelTitleWidth, gPanelTitleHeight, gPanelTitleX, gPanelTitleY);
+    ShowPicture(Active != 0 ? gLegendActive : gLegendInactive, gLegendWidth, gLegendHeight, gLegendX, gLegendY);
+
+    const CHAR16* const* DutyLabels = Scale == 1 ? gDutyLabels8 : gDutyLabels6;
+    for (UINT32 Node = 0; Node < gNodeCount; Node++) {
+        const UINT32 Y = gRowY + gRowPitch * Node;
+        const UINT32 Level = Frame->Rows - Frame->Nodes[Node].Row;
+        const PIXEL* Color = Active != 0 ? &gNodeColor[Node] : &gInactiveColor;
+        DrawRowTextRightAligned(gDutyRight, Y, LabelAt(DutyLabels, Level - 1), Color);
+        DrawRowText(gSeparatorX, Y, u"/", Color);
+        DrawRowTextRightAligned(gTemperatureRight, Y, LabelAt(gTemperatureLabels, Frame->Nodes[Node].Column), Color);
+    }
+}

@@ -1,0 +1,172 @@
+#include "fan/Fan_Ctrl_Function.h"
+
+#include "controls/Labels.h"
+#include "graphics/Artwork.h"
+#include "gui/GUICore.h"
+#include "shell/Board.h"
+#include "support/Library.h"
+
+namespace {
+
+// 40, 45, 50 and 55 degrees at the four lowest duties.
+constexpr FAN_CURVE gDefaultCurve = {{1, 2, 3, 4}, {1, 2, 3, 4}};
+
+// FixedLevel of a record from a dropped node on a page without a slider; what the page's box writes carries 0.
+constexpr UINT16 gDropFixedLevel = 1;
+
+constexpr UINT8 Clamp(UINT8 Value, UINT8 Low, UINT8 High) { return Value < Low ? Low : Value > High ? High : Value; }
+
+VOID PutCurve(const FAN_CURVE& Curve, FAN_SETTING* Record)
+{
+    Record->Column0 = Curve.Column[0];
+    Record->Column1 = Curve.Column[1];
+    Record->Column2 = Curve.Column[2];
+    Record->Column3 = Curve.Column[3];
+    Record->Level0 = Curve.Level[0];
+    Record->Level1 = Curve.Level[1];
+    Record->Level2 = Curve.Level[2];
+    Record->Level3 = Curve.Level[3];
+}
+
+FAN_CURVE CurveOfFrame(const DRAGDROP_COMPONENT& Frame)
+{
+    FAN_CURVE Curve = {};
+    for (UINTN Node = 0; Node < gNodeCount; Node++) {
+        Curve.Column[Node] = static_cast<UINT8>(Frame.Nodes[Node].Column + 1);
+        Curve.Level[Node] = static_cast<UINT8>(Frame.Rows - Frame.Nodes[Node].Row);
+    }
+    return Curve;
+}
+
+bool PointerIsInside(const GUI_RECT& Rect)
+{
+    const INT64 X = gGuiCore->PointerX;
+    const INT64 Y = gGuiCore->PointerY;
+    return X >= Rect.X && X < static_cast<INT64>(Rect.X) + Rect.Width && Y >= Rect.Y &&
+           Y < static_cast<INT64>(Rect.Y) + Rect.Height;
+}
+
+// --- The occasions on which a page writes ---
+
+// The box's functions also run when the page's tab is selected. On a page without a slider the pointer tells the two
+// apart, and only a click on the box writes; the other pages write their setting once more.
+EFI_STATUS WriteFromBox(const FAN_PAGE* Page, UINT8 CurveOn)
+{
+    if (Page->Layout == FAN_LAYOUT_CURVE8 && (Page->CheckBox == nullptr || !PointerIsInside(Page->CheckBox->Rect))) {
+        return EFI_NOT_FOUND;
+    }
+    FAN_SETTING Record;
+    const EFI_STATUS Status = BuildFanSetting(Page, CurveOn, &Record);
+    if (!EfiError(Status)) {
+        (void)WriteFanSetting(Page, &Record);
+    }
+    return Status;
+}
+
+VOID WriteFromFrameDrop(const FAN_PAGE* Page)
+{
+    FAN_SETTING Record;
+    if (gGlobalVariable.SelectedFanItem != Page->ItemId || EfiError(BuildFanSetting(Page, 1, &Record))) {
+        return;
+    }
+    if (Page->Layout == FAN_LAYOUT_CURVE8) {
+        Record.FixedLevel = gDropFixedLevel;
+    }
+    (void)WriteFanSetting(Page, &Record);
+}
+
+VOID WriteFromSliderDrop(const FAN_PAGE* Page)
+{
+    FAN_SETTING Record;
+    if (gGlobalVariable.SelectedFanItem != Page->ItemId || EfiError(BuildFanSetting(Page, 0, &Record))) {
+        return;
+    }
+    (void)WriteFanSetting(Page, &Record);
+}
+
+// Notify functions and listeners bring no page with them, so each page has its own.
+template <UINTN Index> EFI_STATUS OnCurveChecked(EFI_EVENT, VOID*) { return WriteFromBox(&gFanPage[Index], 1); }
+template <UINTN Index> EFI_STATUS OnCurveUnchecked(EFI_EVENT, VOID*) { return WriteFromBox(&gFanPage[Index], 0); }
+template <UINTN Index> VOID OnFrameDrop() { WriteFromFrameDrop(&gFanPage[Index]); }
+template <UINTN Index> VOID OnSliderDrop() { WriteFromSliderDrop(&gFanPage[Index]); }
+
+template <UINTN Index> constexpr FAN_PAGE_WRITERS WritersOf()
+{
+    return {OnCurveChecked<Index>, OnCurveUnchecked<Index>, OnFrameDrop<Index>, OnSliderDrop<Index>};
+}
+
+} // namespace
+
+constinit const FAN_PAGE_WRITERS gFanPageWriters[gFanItemCount] = {
+    WritersOf<0>(), WritersOf<1>(), WritersOf<2>(), WritersOf<3>(), WritersOf<4>(), WritersOf<5>(), WritersOf<6>(),
+};
+
+FAN_CURVE CurveOfSetting(const FAN_SETTING& Setting)
+{
+    return {{Setting.Column0, Setting.Column1, Setting.Column2, Setting.Column3},
+            {Setting.Level0, Setting.Level1, Setting.Level2, Setting.Level3}};
+}
+
+FAN_CURVE LegalizeCurve(const FAN_CURVE& Curve, UINT8 Columns, UINT8 Rows)
+{
+    FAN_CURVE Legal = {};
+    UINT8 LowestColumn = 1;
+    UINT8 LowestLevel = 1;
+    for (UINTN Node = 0; Node < gNodeCount; Node++) {
+        const UINT8 LastColumn = static_cast<UINT8>(Columns - (gNodeCount - 1 - Node));
+        Legal.Column[Node] = Clamp(Curve.Column[Node], LowestColumn, LastColumn);
+        Legal.Level[Node] = Clamp(Curve.Level[Node], LowestLevel, Rows);
+        LowestColumn = static_cast<UINT8>(Legal.Column[Node] + 1);
+        LowestLevel = Legal.Level[Node];
+    }
+    return Legal;
+}
+
+UINT8 LegalFixedLevel(UINT16 FixedLevel, UINT8 Rows) { return Clamp(static_cast<UINT8>(FixedLevel & 0xFF), 1, Rows); }
+
+VOID LoadNodeCells(const FAN_PAGE* Page, const CHAR16* const* DutyTable, UINT32* Cells)
+{
+    FAN_SETTING Setting = {};
+    const EFI_STATUS Status = ReadFanSetting(Page, &Setting);
+    const UINT8 Columns = CountStringTable(gTemperatureLabels);
+    const UINT8 Rows = CountStringTable(DutyTable);
+    const FAN_CURVE Curve =
+        Status == EFI_OUT_OF_RESOURCES ? gDefaultCurve : LegalizeCurve(CurveOfSetting(Setting), Columns, Rows);
+    for (UINTN Node = 0; Node < gNodeCount; Node++) {
+        Cells[Node] = static_cast<UINT32>((Rows - Curve.Level[Node]) * Columns + Curve.Column[Node] - 1);
+    }
+}
+
+EFI_STATUS BuildFanSetting(const FAN_PAGE* Page, UINT8 CurveOn, FAN_SETTING* Record)
+{
+    *Record = {};
+    const bool HasFrame = LayoutHasFrame(Page->Layout);
+    const bool HasSlider = LayoutHasSlider(Page->Layout);
+    if ((HasFrame && !PageHasFrame(Page)) || (HasSlider && !PageHasSlider(Page))) {
+        return EFI_NOT_READY;
+    }
+
+    Record->CurveEnabled = CurveOn;
+    if (HasFrame) {
+        PutCurve(LegalizeCurve(CurveOfFrame(Page->Frame), Page->Frame.Columns, Page->Frame.Rows), Record);
+    }
+    if (HasSlider) {
+        const SLIDER_COMPONENT& Slider = Page->Slider;
+        Record->FixedLevel = static_cast<UINT16>((Slider.Level < Slider.Rows ? Slider.Level : Slider.Rows - 1) + 1);
+    }
+    return EFI_SUCCESS;
+}
+
+VOID RestoreFanNodes(FAN_PAGE* Page)
+{
+    const UINT8 Kind = Page == FindFanPage(4) ? 1 : AskFanKind();
+    if (Kind == 1 && PageHasFrame(Page)) {
+        const FAN_CURVE Curve =
+            LegalizeCurve(CurveOfSetting(Page->Setting), Page->Frame.Columns, Page->Frame.Rows);
+        const UINT8 Places[] = {Curve.Column[3], Curve.Column[2], Curve.Column[1], Curve.Column[0],
+                                Curve.Level[0],  Curve.Level[1],  Curve.Level[2],  Curve.Level[3]};
+        (void)SetDragDropNodes(&Page->Frame, Places);
+    } else if (Kind == 0 && PageHasSlider(Page)) {
+        (void)SetSliderLevel(&Page->Slider, LegalFixedLevel(Page->Setting.FixedLevel, Page->Slider.Rows));
+    }
+}

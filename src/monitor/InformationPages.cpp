@@ -1,0 +1,191 @@
+#include "monitor/InformationPages.h"
+
+#include "graphics/GraphicProtocol.h"
+#include "shell/Board.h"
+#include "support/Library.h"
+
+namespace {
+
+constexpr CHAR8 gSourcePath[] = "monitor\\InformationPages.cpp";
+
+// A line without an item is always the text given here; the others take it when the board has none.
+constexpr UINT8 gNoItem = 0;
+
+struct PAGE_TEXT {
+    UINT8 Item; // ITEM_STRING
+    const CHAR16* Fallback;
+};
+
+constexpr PAGE_TEXT gSpacer = {gNoItem, u"        \n          "};
+constexpr PAGE_TEXT gButtonText = {STRING_OK, u"OK"};
+
+constexpr PAGE_TEXT gAboutLines[] = {
+    {STRING_ABOUT_MAKER, u"Ventara, made by Kestrin"},
+    {STRING_ABOUT_RIGHTS, u"            All rights reserved."},
+    {STRING_ABOUT_ADDRESS, u"            https://www.kestrin.example"},
+};
+
+constexpr PAGE_TEXT gHelpLines[] = {
+    {STRING_HELP_TEXT, u"You can set CPU or System target temperature \nand set Fan duty cycle."},
+    gSpacer,
+    {STRING_HELP_ESCAPE, u"ESC    : Exit"},
+    {STRING_HELP_FULL_SPEED, u"(F)key : All full speed."},
+    {STRING_HELP_DEFAULT, u"(D)key : All set default."},
+    {STRING_HELP_CANCEL, u"(C)key : All set cancel."},
+    gSpacer,
+};
+
+constexpr UINT16 gMostLines = sizeof(gHelpLines) / sizeof(gHelpLines[0]);
+
+struct INFORMATION_PAGE {
+    UINT32 X;
+    UINT32 Y;
+    const PAGE_TEXT* Lines;
+    UINT16 LineCount;
+};
+
+template <UINTN Count> constexpr INFORMATION_PAGE PageAt(UINT32 X, UINT32 Y, const PAGE_TEXT (&Lines)[Count])
+{
+    static_assert(Count <= gMostLines);
+    return {X, Y, Lines, Count};
+}
+
+constexpr INFORMATION_PAGE gAboutPage = PageAt(300, 240, gAboutLines);
+constexpr INFORMATION_PAGE gHelpPage = PageAt(300, 159, gHelpLines);
+
+constexpr UINT32 gWidthAsked = 295;
+constexpr UINT32 gHeightAsked = 137;
+
+constexpr UINT16 gFocusAtFirst = 1;
+constexpr UINT16 gModeAtFirst = 2;
+
+constexpr UINTN gCloseDelay = 300000; // microseconds
+
+// The page's strings as the service takes them: from the board, or ours.
+struct PAGE_STRINGS {
+    CHAR16* Lines[gMostLines];
+    CHAR16* Button;
+    CHAR16* FromPool[gMostLines + 1];
+    UINTN FromPoolCount;
+};
+
+CHAR16* FetchString(PAGE_STRINGS* Strings, const PAGE_TEXT& Text)
+{
+    CHAR16* Fetched = Text.Item == gNoItem ? nullptr : gHwService->GetItemString(gHwService, Text.Item);
+    if (Fetched == nullptr) {
+        return const_cast<CHAR16*>(Text.Fallback); // the service only reads it
+    }
+    Strings->FromPool[Strings->FromPoolCount++] = Fetched;
+    return Fetched;
+}
+
+VOID FetchStrings(const INFORMATION_PAGE& Page, PAGE_STRINGS* Strings)
+{
+    for (UINT16 Line = 0; Line < Page.LineCount; Line++) {
+        Strings->Lines[Line] = FetchString(Strings, Page.Lines[Line]);
+    }
+    Strings->Button = FetchString(Strings, gButtonText);
+}
+
+VOID FreeStrings(PAGE_STRINGS* Strings)
+{
+    for (UINTN I = 0; I < Strings->FromPoolCount; I++) {
+        FreePool(Strings->FromPool[I]);
+    }
+}
+
+// Reads or writes a rectangle of the display.
+VOID BltRect(const GUI_RECT& Rect, PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation)
+{
+    const bool ToBuffer = Operation == EfiBltVideoToBltBuffer;
+    (void)gGraphicsOutput->Blt(gGraphicsOutput, Buffer, Operation, ToBuffer ? Rect.X : 0, ToBuffer ? Rect.Y : 0,
+                               ToBuffer ? 0 : Rect.X, ToBuffer ? 0 : Rect.Y, Rect.Width, Rect.Height,
+                               Rect.Width * sizeof(PIXEL));
+}
+
+// One turn of the page's own loop. False when the page is to be closed. It only polls: the action that it runs in is at a
+// task priority at which nothing may wait.
+bool RunPageTurn(MESSAGE_BOX* Box)
+{
+    bool Open = true;
+    (void)gCursorService->SetCursorLimits(gScreenWidth, gScreenHeight);
+    (void)gCursorService->GetCursorState(&gGuiCore->PointerX, &gGuiCore->PointerY, &gGuiCore->PointerZ,
+                                         &gGuiCore->LeftButton, &gGuiCore->RightButton);
+    (void)gDrawPrimitives->UpdateMessageBox(Box, static_cast<UINTN>(gGuiCore->PointerX),
+                                            static_cast<UINTN>(gGuiCore->PointerY));
+    if (Box->ButtonFocus == 1 && gGuiCore->LeftButton == 1) {
+        Open = false;
+    }
+    EFI_INPUT_KEY Key = {};
+    (void)gST->ConIn->ReadKeyStroke(gST->ConIn, &Key);
+    if (Key.ScanCode == SCAN_ESC || Key.UnicodeChar == CHAR_CARRIAGE_RETURN) {
+        Open = false;
+    }
+    if (gGuiCore->RightButton == 1) {
+        Open = false;
+    }
+    (void)ComposeScreen(gGuiCore, nullptr, 0, 0, 0, 0);
+    return Open;
+}
+
+VOID RunPage(MESSAGE_BOX* Box, const GUI_RECT& Rect)
+{
+    const TEMPORARY<PIXEL> Under(static_cast<PIXEL*>(AllocatePool(Rect.BufferSize)));
+    const TEMPORARY<PIXEL> Shown(static_cast<PIXEL*>(AllocatePool(Rect.BufferSize)));
+    const TEMPORARY<MESSAGE_BOX> Copy(AllocateRecord<MESSAGE_BOX>());
+    if (!Under || !Shown || !Copy) {
+        // Without what is under the box the screen couldn't be given back.
+        REPORT("No memory for an information page");
+        return;
+    }
+
+    BltRect(Rect, Under.Data, EfiBltVideoToBltBuffer);
+    Box->ButtonFocus = gFocusAtFirst;
+    Box->ButtonMode = gModeAtFirst;
+    (void)gDrawPrimitives->DrawMessageBox(Box);
+    // The box becomes part of Screen, so that the pointer can move over it.
+    BltRect(Rect, Shown.Data, EfiBltVideoToBltBuffer);
+    (void)PasteBlt(Shown.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
+    gGuiCore->MouseState = NOEVENT;
+    CopyMem(Copy.Data, Box, sizeof(MESSAGE_BOX));
+
+    while (RunPageTurn(Copy.Data)) {
+    }
+
+    // The main loop must not take the right button that closed the page for its own.
+    gGuiCore->RightButton = 0;
+    gGuiCore->MouseState = NOEVENT;
+    (void)PasteBlt(Under.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
+    (void)ComposeScreen(gGuiCore, Under.Data, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    BltRect(Rect, Under.Data, EfiBltBufferToVideo);
+    (void)gBS->Stall(gCloseDelay);
+}
+
+EFI_STATUS ShowPage(const INFORMATION_PAGE& Page)
+{
+    PAGE_STRINGS Strings = {};
+    FetchStrings(Page, &Strings);
+
+    MESSAGE_BOX Box = {};
+    (void)gDrawPrimitives->CreateMessageBox(&Box, Page.X, Page.Y, gWidthAsked, gHeightAsked, Page.LineCount,
+                                            Strings.Lines, 1, &Strings.Button);
+    // The service settles the size; what of it lies off the screen isn't ours to keep.
+    const UINT32 MostWidth = gScreenWidth - Page.X;
+    const UINT32 MostHeight = gScreenHeight - Page.Y;
+    GUI_RECT Rect = {Page.X, Page.Y, Box.BoxWidth < MostWidth ? Box.BoxWidth : MostWidth,
+                     Box.BoxHeight < MostHeight ? Box.BoxHeight : MostHeight, 0};
+    Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
+    if (Rect.BufferSize != 0) {
+        RunPage(&Box, Rect);
+    } else {
+        REPORT("No message box for an information page");
+    }
+    FreeStrings(&Strings);
+    return EFI_SUCCESS;
+}
+
+} // namespace
+
+EFI_STATUS ShowAboutPage(EFI_EVENT, VOID*) { return ShowPage(gAboutPage); }
+
+EFI_STATUS ShowHelpPage(EFI_EVENT, VOID*) { return ShowPage(gHelpPage); }

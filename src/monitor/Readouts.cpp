@@ -1,0 +1,152 @@
+#include "monitor/Readouts.h"
+
+#include "graphics/Text.h"
+#include "gui/GUICore.h"
+#include "shell/Board.h"
+#include "support/Library.h"
+
+namespace {
+
+struct GAUGE_FACTS {
+    UINT32 X;
+    const CHAR16* Name; // in the registry; what the user reads is the string of the item
+};
+
+constexpr GAUGE_FACTS gGaugeFacts[gVoltageItemCount] = {
+    {69, u"CPU Core"},   {196, u"CPU I/O"}, {323, u"System/3.3V"}, {450, u"System/5V"},
+    {577, u"System/12V"}, {704, u"GPU"},     {831, u"DRAM"},
+};
+
+constexpr UINT32 gGaugeY = 624;
+constexpr UINT32 gGaugeWidth = 127;
+constexpr UINT32 gGaugeHeight = 81;
+
+// Boxes of the numbers.
+constexpr UINT32 gTemperatureX = 181;
+constexpr UINT32 gTemperatureY[gTemperatureItemCount] = {304, 341, 378};
+constexpr UINT32 gFanX[gFanItemCount] = {281, 380, 479, 578, 677, 776, 875};
+constexpr UINT32 gFanY = 189;
+
+// The rotations. The readouts read at every second step and rest at the others.
+constexpr UINT64 gReadoutSteps = 14;
+constexpr UINT64 gVoltageSteps = 8;
+
+UINT64 gReadoutStep;
+UINT64 gVoltageStep;
+
+struct READING {
+    EFI_STATUS Status;
+    UINT64 Value;
+    UINT8 Present;
+};
+
+READING ReadItem(UINTN Item)
+{
+    READING Reading = {};
+    Reading.Status =
+        gHwService->GetItemValue(gHwService, static_cast<UINT8>(Item), &Reading.Value, &Reading.Present);
+    return Reading;
+}
+
+VOID DrawReadout(UINT32 X, UINT32 Y, UINT64 Value, const PIXEL* Color)
+{
+    CHAR16 Text[gValueTextLength] = {u'0'};
+    if (Value != 0) {
+        ValueToString(Text, static_cast<INT64>(Value));
+    }
+    (void)DrawString(X, Y, Text, DRAW_STRING_BOX, Color, &gReadoutBackColor, gGuiCore);
+}
+
+// Drawn when this very reading says that the source is there.
+VOID UpdateTemperature(UINTN Source)
+{
+    const READING Reading = ReadItem(gFirstTemperatureItem + Source);
+    if (Reading.Present == 1) {
+        DrawReadout(gTemperatureX, gTemperatureY[Source], Reading.Value, &gReadoutColor);
+    }
+}
+
+// Drawn when the fan was there at the start. The number of the fan whose page is on top is the bright one.
+VOID UpdateFan(UINTN Fan)
+{
+    const UINTN Item = gFirstFanItem + Fan;
+    const READING Reading = ReadItem(Item);
+    if (gItemPresent[Item] == 1) {
+        const bool OnTop = gGlobalVariable.SelectedFanItem == Item;
+        DrawReadout(gFanX[Fan], gFanY, Reading.Value, OnTop ? &gReadoutSelectedColor : &gLabelColor);
+    }
+}
+
+} // namespace
+
+VOLTAGE_GAUGE* gVoltageGauge[gVoltageItemCount];
+
+VOID CreateVoltageGauges()
+{
+    for (UINTN Gauge = 0; Gauge < gVoltageItemCount; Gauge++) {
+        const UINTN Item = gFirstVoltageItem + Gauge;
+        if (gItemPresent[Item] != 1) {
+            continue;
+        }
+        const GAUGE_FACTS& Facts = gGaugeFacts[Gauge];
+        {
+            const TEMPORARY<CHAR16> Title(gHwService->GetItemString(gHwService, static_cast<UINT8>(Item)));
+            (void)CreateVoltageGauge(&gVoltageGauge[Gauge], Title.Data, static_cast<INT32>(Facts.X));
+        }
+        if (gVoltageGauge[Gauge] != nullptr && gGuiCore->Components != nullptr) {
+            const GUI_RECT Rect = {Facts.X, gGaugeY, gGaugeWidth, gGaugeHeight,
+                                   gGaugeWidth * gGaugeHeight * sizeof(PIXEL)};
+            (void)RegisterComponent(gGuiCore->Components, gVoltageGauge[Gauge], &Rect, _BLT_BUF,
+                                    &gVoltageGauge[Gauge]->Id, nullptr, nullptr, Facts.Name);
+        }
+    }
+}
+
+VOID UpdateReadouts()
+{
+    gReadoutStep++;
+    if (gReadoutStep >= gReadoutSteps) {
+        gReadoutStep = 0;
+        return;
+    }
+    if (gReadoutStep % 2 == 0) {
+        return;
+    }
+    const UINTN Place = gReadoutStep / 2;
+    if (Place < gTemperatureItemCount) {
+        UpdateTemperature(Place);
+    }
+    UpdateFan(Place);
+}
+
+VOID SampleVoltage()
+{
+    gVoltageStep++;
+    if (gVoltageStep >= gVoltageSteps) {
+        gVoltageStep = 0;
+        return;
+    }
+    const UINTN Gauge = gVoltageStep - 1;
+    const READING Reading = ReadItem(gFirstVoltageItem + Gauge);
+    if (Reading.Status == EFI_SUCCESS && Reading.Present == 1) {
+        (void)SetVoltageGaugeValue(gVoltageGauge[Gauge], static_cast<INT64>(Reading.Value));
+    }
+}
+
+VOID ValueToString(CHAR16* Buffer, INT64 Value)
+{
+    // The magnitude as unsigned: that of the lowest value has no place among the signed ones.
+    UINT64 Rest = static_cast<UINT64>(Value);
+    if (Value < 0) {
+        *Buffer++ = u'-';
+        Rest = 0 - Rest;
+    }
+    UINTN Length = 0;
+    for (UINT64 Digits = Rest; Digits != 0; Digits /= 10) {
+        Length++;
+    }
+    Buffer[Length] = 0;
+    for (; Rest != 0; Rest /= 10) {
+        Buffer[--Length] = static_cast<CHAR16>(u'0' + Rest % 10);
+    }
+}
