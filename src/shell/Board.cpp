@@ -1,0 +1,152 @@
+#include "shell/Board.h"
+
+#include "gui/GUICore.h"
+#include "support/Library.h"
+
+EFI_GRAPHICS_OUTPUT_PROTOCOL* gGraphicsOutput = nullptr;
+EFI_CPU_ARCH_PROTOCOL* gCpuArch = nullptr;
+IMAGE_DECODER_PROTOCOL* gImageDecoder = nullptr;
+CURSOR_SERVICE_PROTOCOL* gCursorService = nullptr;
+FLOAT_MATH_PROTOCOL* gFloatMath = nullptr;
+IMAGE_LOOKUP_PROTOCOL* gImageLookup = nullptr;
+HW_SERVICE_PROTOCOL* gHwService = nullptr;
+DRAW_PRIMITIVES_PROTOCOL* gDrawPrimitives = nullptr;
+IMAGE_SECTION_PROTOCOL* gImageSection = nullptr;
+GLOBAL_VARIABLE gGlobalVariable = {};
+UINT8 gItemPresent[gItemCount] = {};
+EFI_GRAPHICS_OUTPUT_BLT_PIXEL* gSavedScreen = nullptr;
+
+namespace {
+
+constexpr CHAR16 gSettingsName[] = u"GlobalVariable";
+constexpr EFI_GUID gSettingsGuid = {
+    0x1D1140CD, 0x3B1C, 0x4B04, {0xA3, 0xBE, 0xD8, 0xA9, 0x23, 0xE5, 0x73, 0xB8}};
+
+// Called with 10 and 0, as the service's own users do.
+constexpr UINTN gConfigureA = 10;
+constexpr UINTN gConfigureB = 0;
+
+// The order in which the items are asked whether they exist.
+constexpr UINT8 gPresenceOrder[] = {4, 5, 6, 7, 8, 9, 10, 0, 1, 2, 11, 12, 13, 14, 15, 16, 17};
+
+template <typename T> EFI_STATUS Locate(const EFI_GUID& Guid, T** Interface)
+{
+    return gBS->LocateProtocol(&Guid, nullptr, reinterpret_cast<VOID**>(Interface));
+}
+
+// What the display shows now, on the assumption of a linear 1024 by 768 frame buffer with rows back to back.
+EFI_STATUS SaveScreen()
+{
+    VOID* Block = nullptr;
+    const EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, gScreenBytes, &Block);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    SetMem(Block, gScreenBytes, 0);
+    CopyMem(Block, reinterpret_cast<const VOID*>(gGraphicsOutput->Mode->FrameBufferBase), gScreenBytes);
+    gSavedScreen = static_cast<EFI_GRAPHICS_OUTPUT_BLT_PIXEL*>(Block);
+    return EFI_SUCCESS;
+}
+
+// True when the variable exists, whatever its size: a question with no room is answered with the size it needs.
+EFI_STATUS ProbeSettings()
+{
+    UINTN Size = 0;
+    return gRT->GetVariable(gSettingsName, &gSettingsGuid, nullptr, &Size, nullptr);
+}
+
+// A variable of another size fails here or leaves part of the record unread; the record is then as good as none.
+VOID ReadSettings()
+{
+    UINTN Size = sizeof(gGlobalVariable);
+    const EFI_STATUS Status = gRT->GetVariable(gSettingsName, &gSettingsGuid, nullptr, &Size, &gGlobalVariable);
+    if (EfiError(Status) || Size != sizeof(gGlobalVariable)) {
+        gGlobalVariable = {};
+    }
+}
+
+} // namespace
+
+EFI_STATUS LocateProtocols()
+{
+    EFI_STATUS Status = Locate(gEfiGraphicsOutputProtocolGuid, &gGraphicsOutput);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = SaveScreen();
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gEfiCpuArchProtocolGuid, &gCpuArch);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gImageDecoderProtocolGuid, &gImageDecoder);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gCursorServiceProtocolGuid, &gCursorService);
+    if (EfiError(Status)) {
+        Status = Locate(gCursorServiceProtocol2Guid, &gCursorService);
+    }
+    if (EfiError(Status)) {
+        return Status;
+    }
+    VOID* Required = nullptr;
+    Status = Locate(gRequiredServiceProtocolGuid, &Required);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gFloatMathProtocolGuid, &gFloatMath);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gImageLookupProtocolGuid, &gImageLookup);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gImageDecoderProtocolGuid, &gImageDecoder);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gHwServiceProtocolGuid, &gHwService);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    (void)gHwService->Initialize(gHwService);
+    Status = Locate(gDrawPrimitivesProtocolGuid, &gDrawPrimitives);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    Status = Locate(gImageSectionProtocolGuid, &gImageSection);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    return gImageSection->Configure(gConfigureA, gConfigureB);
+}
+
+VOID LoadSettingsAndCapabilities()
+{
+    EFI_STATUS Status = ProbeSettings();
+    if (Status == EFI_NOT_FOUND) {
+        gGlobalVariable.SelectedFanItem = gFirstFanItem;
+        StoreSettings();
+        Status = ProbeSettings();
+    }
+    if (Status == EFI_BUFFER_TOO_SMALL) {
+        ReadSettings();
+    }
+
+    UINT8 Present = 0; // set once: an answer that leaves it alone repeats the one before
+    for (const UINT8 Item : gPresenceOrder) {
+        UINT64 Value = 0;
+        (void)gHwService->GetItemValue(gHwService, Item, &Value, &Present);
+        gItemPresent[Item] = Present;
+    }
+}
+
+VOID StoreSettings()
+{
+    (void)gRT->SetVariable(gSettingsName, &gSettingsGuid, EFI_VARIABLE_BOOTSERVICE_ACCESS, sizeof(gGlobalVariable),
+                           &gGlobalVariable);
+}

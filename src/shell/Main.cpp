@@ -1,0 +1,348 @@
+#include "shell/Main.h"
+
+#include "controls/CheckBox.h"
+#include "controls/DragDropFrame.h"
+#include "controls/LineChart.h"
+#include "controls/Slider.h"
+#include "fan/FanChart.h"
+#include "fan/FanLegend.h"
+#include "fan/FanPage.h"
+#include "graphics/Artwork.h"
+#include "graphics/BltFont.h"
+#include "graphics/GraphicProtocol.h"
+#include "gui/PageBar.h"
+#include "gui/PointerEngine.h"
+#include "monitor/AllFans.h"
+#include "monitor/Captions.h"
+#include "monitor/Readouts.h"
+#include "monitor/ScaleHighlights.h"
+#include "monitor/Scales.h"
+#include "shell/Board.h"
+#include "shell/CommandButtons.h"
+#include "shell/CommandLine.h"
+#include "shell/Ventaraframe.h"
+#include "support/Library.h"
+#include "support/Shell.h"
+#include "uefi/Hii.h"
+
+namespace {
+
+// Periods of the timers in units of 100 ns; a zero ends the table.
+constexpr UINT64 gTimerPeriods[] = {
+    50000000, // 5 s: nothing is tied to it
+    2000000,  // 200 ms: the sampling tick
+    20000000, // 2 s: nothing is tied to it
+    0,
+};
+constexpr UINTN gTimerCount = 4;
+static_assert(sizeof(gTimerPeriods) / sizeof(gTimerPeriods[0]) == gTimerCount);
+constexpr UINTN gTickIndex = 1;
+
+EFI_EVENT gEvents[gTimerCount] = {}; // the last stays empty: reaching it is what ends a wait at once
+EFI_EVENT gWaitArray[gTimerCount] = {};
+UINTN gEventCount = 0; // events of a wait, and the loop's running flag: the loop ends when it is 0
+UINTN gEventIndex = 0;
+UINT64 gGaugePaintStep = 0;
+
+constexpr UINT32 gFanBackdropInstance = 20;
+constexpr UINT32 gTempBackdropInstance = 21;
+constexpr UINT32 gFanScaleInstance = 9;
+constexpr UINT32 gTempScaleInstance = 10;
+constexpr UINT32 gTempCaptionInstance = 22;
+constexpr UINT32 gDutyCaptionInstance = 23;
+constexpr UINT32 gRpmCaptionInstance = 24;
+
+constexpr GUI_RECT gPanel = {274, 220, 690, 328, 690 * 328 * 4};
+
+constexpr UINTN gLastStall = 300000; // microseconds: the last picture stands a moment before the firmware goes on
+
+VOID CreateTimers()
+{
+    for (UINTN I = 0; gTimerPeriods[I] != 0; I++) {
+        (void)gBS->CreateEvent(EVT_TIMER, TPL_CALLBACK, nullptr, nullptr, &gEvents[I]);
+        (void)gBS->SetTimer(gEvents[I], TimerPeriodic, gTimerPeriods[I]);
+    }
+    for (UINTN I = 0; I < gTimerCount; I++) {
+        gWaitArray[I] = gEvents[I];
+    }
+    gEventCount = gTimerCount;
+}
+
+VOID CloseTimers()
+{
+    for (UINTN I = 0; gTimerPeriods[I] != 0; I++) {
+        if (gEvents[I] != nullptr) {
+            (void)gBS->CloseEvent(gEvents[I]);
+            gEvents[I] = nullptr;
+        }
+    }
+}
+
+VOID AddScaleListeners()
+{
+    AddDragDropListener(PaintScalesIdle, L_HOLD_TO_RELEASE);
+    AddDragDropListener(PaintScalesActive, L_HOLD);
+    AddSliderListener(PaintScalesIdle, L_HOLD_TO_RELEASE);
+    AddSliderListener(PaintScalesActive, L_HOLD);
+    AddDragDropListener(PaintCaptionsIdle, L_HOLD_TO_RELEASE);
+    AddDragDropListener(PaintCaptionsActive, L_HOLD);
+    AddSliderListener(PaintCaptionsIdle, L_HOLD_TO_RELEASE);
+    AddSliderListener(PaintCaptionsActive, L_HOLD);
+}
+
+VOID LoadCaptions()
+{
+    (void)LoadJpegBlt(gTempCaptionInstance, &gArtworkFileGuid, &gTempCaptionImage, &gTempCaptionWidth,
+                      &gTempCaptionHeight);
+    (void)LoadJpegBlt(gRpmCaptionInstance, &gArtworkFileGuid, &gRpmCaptionImage, &gRpmCaptionWidth,
+                      &gRpmCaptionHeight);
+    (void)LoadJpegBlt(gDutyCaptionInstance, &gArtworkFileGuid, &gDutyCaptionImage, &gDutyCaptionWidth,
+                      &gDutyCaptionHeight);
+}
+
+VOID ClearPanel()
+{
+    for (UINTN Row = 0; Row < gPanel.Height; Row++) {
+        FillPixels(gGuiCore->Screen + (gPanel.Y + Row) * gScreenWidth + gPanel.X, gPanel.Width, gPanelColor);
+    }
+}
+
+// Everything up to the first turn of the loop, in its fixed order.
+VOID StartConsole()
+{
+    CreateTimers();
+    CreateScreenFrame(&gArtworkFileGuid);
+    PasteScreenFrame();
+    (void)LoadJpegBlt(gFanBackdropInstance, &gArtworkFileGuid, &gFanReadoutBackdrop, &gFanReadoutBackdropWidth,
+                      &gFanReadoutBackdropHeight);
+    (void)LoadJpegBlt(gTempBackdropInstance, &gArtworkFileGuid, &gTempReadoutBackdrop, &gTempReadoutBackdropWidth,
+                      &gTempReadoutBackdropHeight);
+    LoadSettingsAndCapabilities();
+    CreateCommandButtons();
+    (void)CreateBltFont(&gFanScaleFont, gFanScaleInstance, &gArtworkFileGuid);
+    (void)CreateBltFont(&gTempScaleFont, gTempScaleInstance, &gArtworkFileGuid);
+    AddScaleListeners();
+    LoadCaptions();
+    CreateVoltageGauges();
+    CreateFanPages();
+    FreeScreenFrame();
+    ClearPanel();
+    (void)gGraphicsOutput->Blt(gGraphicsOutput, gGuiCore->Screen, EfiBltBufferToVideo, 0, 0, 0, 0, gScreenWidth,
+                               gScreenHeight, 0);
+    CopyMem(gGuiCore->Background, gGuiCore->Screen, gScreenBytes);
+    PaintFirstScreen();
+
+    gGuiCore->TimerPeriod = 0;
+    gGuiCore->PressDuration = 0;
+    gGuiCore->StartTicks = 0;
+    (void)gCpuArch->GetTimerValue(gCpuArch, 0, &gGuiCore->StartTicks, &gGuiCore->TimerPeriod);
+    gGuiCore->LastTicks = gGuiCore->StartTicks;
+}
+
+// One gauge in two ticks: at the odd values 1 to 13 gauges 0 to 6, and 14 ends the round.
+VOID StepGaugePainting()
+{
+    gGaugePaintStep++;
+    if (gGaugePaintStep >= 2 * gVoltageItemCount) {
+        gGaugePaintStep = 0;
+        return;
+    }
+    if (gGaugePaintStep % 2 == 1) {
+        const UINTN Gauge = gGaugePaintStep / 2;
+        (void)DrawVoltageGauge(gVoltageGauge[Gauge], 0, Gauge == gVoltageItemCount - 1 ? 1 : 0);
+    }
+}
+
+VOID OnTick()
+{
+    FanChartTick();
+    if (gGuiCore->LeftButton == 1) {
+        return; // the gauges stand still while the button is down
+    }
+    SampleVoltage();
+    StepGaugePainting();
+}
+
+using FAN_COMMAND = EFI_STATUS (*)(EFI_EVENT Event, VOID* Context);
+
+FAN_COMMAND CommandOfKey(CHAR16 Character)
+{
+    switch (Character) {
+    case u'f':
+    case u'F':
+        return AllFansFullSpeed;
+    case u'd':
+    case u'D':
+        return AllFansDefault;
+    case u'c':
+    case u'C':
+        return AllFansCancel;
+    default:
+        return nullptr;
+    }
+}
+
+VOID HandleKey()
+{
+    EFI_INPUT_KEY& Key = gGuiCore->Key;
+    (void)gST->ConIn->ReadKeyStroke(gST->ConIn, &Key);
+    if (Key.ScanCode == 0 && Key.UnicodeChar == 0) {
+        return;
+    }
+    if (Key.ScanCode == SCAN_ESC) {
+        gGuiCore->ExitRequested = 1;
+    }
+    const FAN_COMMAND Command = CommandOfKey(Key.UnicodeChar);
+    if (Command != nullptr) {
+        (void)Command(nullptr, nullptr);
+        RefreshFanLegend();
+    }
+    Key = {};
+}
+
+VOID TakeTurn()
+{
+    (void)gBS->WaitForEvent(gEventCount, gWaitArray, &gEventIndex);
+    (void)ScanPointerTargets();
+    UpdatePointer();
+    UpdateReadouts();
+    (void)DragDropFrameDispatch();
+    UpdateScaleHighlights();
+    (void)SliderStep();
+    if (gEventIndex == gTickIndex) {
+        OnTick();
+    }
+    HandleKey();
+    if (gGuiCore->ExitRequested == 1 || gGuiCore->RightButton == 1) {
+        gEventCount = 0;
+    }
+}
+
+VOID DestroyFanControls()
+{
+    for (FAN_PAGE& Page : gFanPage) {
+        if (Page.ItemId >= 4 && Page.ItemId <= 8) {
+            (void)DestroyDragDropFrame(&Page.Frame);
+        }
+    }
+    for (FAN_PAGE& Page : gFanPage) {
+        if (Page.ItemId >= 5) {
+            (void)DestroySlider(&Page.Slider);
+        }
+    }
+    for (FAN_PAGE& Page : gFanPage) {
+        (void)DestroyLineChart(Page.Chart);
+        Page.Chart = nullptr;
+    }
+    for (CHECK_BOX_COMPONENT*& Radio : gTemperatureRadio) {
+        (void)DestroyCheckBox(Radio);
+        Radio = nullptr;
+    }
+    for (FAN_PAGE& Page : gFanPage) {
+        (void)DestroyCheckBox(Page.CheckBox);
+        Page.CheckBox = nullptr;
+    }
+    (void)DestroyPageBar(gFanPageBar);
+    gFanPageBar = nullptr;
+    (void)DestroyPageBar(gTemperaturePageBar);
+    gTemperaturePageBar = nullptr;
+    DestroyCommandButtons();
+    for (FAN_PAGE& Page : gFanPage) {
+        DestroyButton(Page.Tab);
+        Page.Tab = nullptr;
+    }
+}
+
+VOID FreePictures()
+{
+    ReleasePool(gLegendActive);
+    ReleasePool(gLegendInactive);
+    ReleasePool(gTempCaptionImage);
+    ReleasePool(gRpmCaptionImage);
+    ReleasePool(gDutyCaptionImage);
+    ReleasePool(gFanReadoutBackdrop);
+    ReleasePool(gTempReadoutBackdrop);
+    ReleasePool(gPanelTitle);
+}
+
+VOID StopConsole()
+{
+    CloseTimers();
+    for (VOLTAGE_GAUGE*& Gauge : gVoltageGauge) {
+        (void)DestroyVoltageGauge(Gauge);
+        Gauge = nullptr;
+    }
+    DestroyFanControls();
+    (void)DestroyBltFont(gFanScaleFont);
+    gFanScaleFont = nullptr;
+    (void)DestroyBltFont(gTempScaleFont);
+    gTempScaleFont = nullptr;
+    FreePictures();
+    if (gShellConsole && gST->ConOut != nullptr) {
+        (void)gST->ConOut->ClearScreen(gST->ConOut);
+    }
+    StoreSettings();
+    (void)DestroyGuiCore();
+    ReleasePool(gSavedScreen);
+    (void)gBS->Stall(gLastStall);
+}
+
+} // namespace
+
+extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable)
+{
+    RunLibraryConstructors(ImageHandle, SystemTable);
+    const EFI_STATUS Status = MonitorMain(ImageHandle, SystemTable);
+    RunLibraryDestructors(ImageHandle);
+    return Status;
+}
+
+VOID RunLibraryConstructors(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable)
+{
+    gImageHandle = ImageHandle;
+    gST = SystemTable;
+    gBS = SystemTable->BootServices;
+    gRT = SystemTable->RuntimeServices;
+
+    static constexpr const EFI_GUID* HiiProtocols[] = {
+        &gEfiHiiStringProtocolGuid, &gEfiHiiDatabaseProtocolGuid, &gEfiHiiConfigRoutingProtocolGuid,
+        &gEfiHiiFontProtocolGuid,   &gEfiHiiImageProtocolGuid,
+    };
+    for (const EFI_GUID* Guid : HiiProtocols) {
+        VOID* Interface = nullptr;
+        (void)gBS->LocateProtocol(Guid, nullptr, &Interface);
+    }
+    (void)BindShellProtocols();
+}
+
+VOID RunLibraryDestructors(EFI_HANDLE)
+{
+    ReleaseShellProtocols();
+}
+
+EFI_STATUS MonitorMain(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable)
+{
+    gST = SystemTable;
+    gBS = SystemTable->BootServices;
+    gRT = SystemTable->RuntimeServices;
+    gImageHandle = ImageHandle;
+
+    if (EfiError(LocateProtocols())) {
+        ReleasePool(gSavedScreen);
+        return EFI_PROTOCOL_ERROR;
+    }
+    if (!ParseCommandLine()) {
+        ReleasePool(gSavedScreen);
+        return EFI_SUCCESS;
+    }
+    if (EfiError(CreateGuiCore())) {
+        ReleasePool(gSavedScreen);
+        return EFI_PROTOCOL_ERROR;
+    }
+    StartConsole();
+    while (gEventCount != 0) {
+        TakeTurn();
+    }
+    StopConsole();
+    return EFI_SUCCESS;
+}

@@ -1,0 +1,16 @@
+// The application: entry point, start-up, the loop that runs until the user leaves, and the teardown. It draws nothing and
+// knows nothing of fans: it calls the other units in a fixed order, and that order is its contract.
+#pragma once
+
+#include "uefi/SystemTable.h"
+
+// What the firmware calls. Gives back what MonitorMain gave.
+extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);
+
+// Keeps the firmware's tables, looks up the HII protocols and binds the shell.
+VOID RunLibraryConstructors(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);
+VOID RunLibraryDestructors(EFI_HANDLE ImageHandle);
+
+// EFI_PROTOCOL_ERROR, with nothing drawn and everything given back, when a service is missing or the GUI can't be built;
+// EFI_SUCCESS after the user has left.
+EFI_STATUS MonitorMain(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);

@@ -1,0 +1,300 @@
+#include "shell/Ventaraframe.h"
+
+#include "controls/VoltageGauge.h"
+#include "fan/FanLegend.h"
+#include "fan/FanPage.h"
+#include "graphics/Artwork.h"
+#include "graphics/GraphicProtocol.h"
+#include "graphics/Text.h"
+#include "gui/PageBar.h"
+#include "gui/PointerEngine.h"
+#include "monitor/Captions.h"
+#include "monitor/Readouts.h"
+#include "monitor/Scales.h"
+#include "shell/Board.h"
+#include "shell/CommandButtons.h"
+#include "support/Library.h"
+
+SCREEN_FRAME* gScreenFrame = nullptr;
+
+namespace {
+
+constexpr CHAR8 gSourcePath[] = "shell\\Ventaraframe.cpp";
+
+constexpr UINT32 gFrameX = 43;
+constexpr UINT32 gFrameY = 36;
+constexpr UINT32 gLowerCornerInstance = 2;
+constexpr UINT32 gUpperCornerInstance = 3;
+constexpr UINT32 gFrameInstance = 4;
+
+// Size of the plain frame that stands in for a missing picture: it covers every fixed element.
+constexpr UINT32 gPlainFrameWidth = 916;
+constexpr UINT32 gPlainFrameHeight = 670;
+
+constexpr UINT32 gGaugeCaptionX = 69;
+constexpr UINT32 gGaugeCaptionY = 600;
+
+constexpr UINT32 gTemperatureUnitX = 221;
+constexpr UINT32 gTemperatureUnitY[gTemperatureItemCount] = {304, 341, 378};
+constexpr CHAR16 gTemperatureUnit[] = u"\u00F8C";
+
+constexpr UINT32 gFanUnitX[gFanItemCount] = {321, 420, 519, 618, 717, 816, 915};
+constexpr UINT32 gFanUnitY = 189;
+constexpr CHAR16 gFanUnit[] = u" RPM";
+
+struct CORNER {
+    UINT32 Instance;
+    bool Upper;
+};
+
+// A failed reading of the picture is skipped without a word, a failed decoding is reported.
+// Both steps give the status of the last thing that they did.
+EFI_STATUS LoadFramePicture(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, UINT8 SectionType)
+{
+    TEMPORARY<VOID> Stored;
+    UINTN StoredSize = 0;
+    EFI_STATUS Status =
+        gImageSection->GetArtworkSection(gFrameInstance, &Stored.Data, &StoredSize, FileGuid, &SectionType);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    PIXEL* Decoded = nullptr;
+    UINTN DecodedSize = 0;
+    UINT32 Height = 0;
+    UINT32 Width = 0;
+    UINT32 PixelsPerRow = 0;
+    Status = gImageDecoder->ConvertJPEGToUgaBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize), &Decoded,
+                                                 &DecodedSize, &Height, &Width, &PixelsPerRow);
+    if (EfiError(Status) || Decoded == nullptr || Width == 0 || Height == 0 || PixelsPerRow < Width) {
+        FreePool(Decoded);
+        REPORT("ConvertJPEGToUgaBltA Fail");
+        REPORT("LocatePool Fail");
+        return EfiError(Status) ? Status : EFI_UNSUPPORTED;
+    }
+    ReleasePool(Stored.Data);
+    Status = CropBlt(&Frame->Picture, Width, Height, PixelsPerRow, Decoded);
+    FreePool(Decoded);
+    if (!EfiError(Status)) {
+        Frame->Width = Width;
+        Frame->Height = Height;
+    }
+    return Status;
+}
+
+EFI_STATUS CopySavedScreen(SCREEN_FRAME* Frame)
+{
+    VOID* Block = nullptr;
+    const EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, gScreenBytes, &Block);
+    if (EfiError(Status)) {
+        REPORT("LocatePool Fail");
+        return Status;
+    }
+    Frame->FullScreen = static_cast<PIXEL*>(Block);
+    CopyMem(Frame->FullScreen, gSavedScreen, gScreenBytes);
+    return EFI_SUCCESS;
+}
+
+// Without the stored picture a plain panel keeps the console usable; its place and size cover every fixed element.
+EFI_STATUS MakePlainPicture(SCREEN_FRAME* Frame)
+{
+    Frame->Picture = AllocateArray<PIXEL>(static_cast<UINTN>(gPlainFrameWidth) * gPlainFrameHeight);
+    if (Frame->Picture == nullptr) {
+        REPORT("LocatePool Fail");
+        return EFI_OUT_OF_RESOURCES;
+    }
+    Frame->Width = gPlainFrameWidth;
+    Frame->Height = gPlainFrameHeight;
+    FillPixels(Frame->Picture, Frame->Width * Frame->Height, gPanelColor);
+    return EFI_SUCCESS;
+}
+
+// Where the corner has the key colour, what lies under it on the old screen shows through.
+VOID FillCorner(PIXEL* Corner, const PIXEL* Under, UINTN Count)
+{
+    for (UINTN I = 0; I < Count; I++) {
+        if (SameColor(Corner[I], gKeyColor)) {
+            Corner[I] = Under[I];
+        }
+    }
+}
+
+VOID PutBlock(SCREEN_FRAME* Frame, const PIXEL* Block, UINT32 Width, UINT32 Height, UINTN X, UINTN Y)
+{
+    for (UINTN Row = 0; Row < Height; Row++) {
+        CopyMem(Frame->Picture + (Y + Row) * Frame->Width + X, Block + Row * Width, Width * sizeof(PIXEL));
+    }
+}
+
+// One pass for a pair of corners: the stored left one and its mirror image.
+EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const CORNER& Corner)
+{
+    const UINT8 SectionType = EFI_SECTION_RAW;
+    TEMPORARY<VOID> Stored;
+    UINTN StoredSize = 0;
+    EFI_STATUS Status =
+        gImageSection->GetArtworkSection(Corner.Instance, &Stored.Data, &StoredSize, FileGuid, &SectionType);
+    if (EfiError(Status)) {
+        return EFI_SUCCESS; // the corners stay as the frame's picture has them
+    }
+    TEMPORARY<PIXEL> Left;
+    UINTN LeftSize = 0;
+    UINT32 Height = 0;
+    UINT32 Width = 0;
+    Status = gImageDecoder->ConvertBmpToGopBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize),
+                                                &Left.Data, &LeftSize, &Height, &Width);
+    if (EfiError(Status) || !Left) {
+        if (Corner.Upper) {
+            REPORT("ConvertBmpToGopBltA Fail");
+        }
+        return EFI_SUCCESS;
+    }
+    ReleasePool(Stored.Data);
+    if (Width == 0 || Height == 0 || Width > Frame->Width || Height > Frame->Height) {
+        return EFI_SUCCESS; // no such corner fits this frame
+    }
+
+    const UINTN Count = static_cast<UINTN>(Width) * Height;
+    TEMPORARY<PIXEL> Right;
+    (void)MirrorBlt(Left.Data, &Right.Data, static_cast<INT32>(Width), static_cast<INT32>(Height));
+    const TEMPORARY<PIXEL> UnderLeft(AllocateZeroArray<PIXEL>(Count));
+    const TEMPORARY<PIXEL> UnderRight(AllocateZeroArray<PIXEL>(Count));
+    if (!Right || !UnderLeft || !UnderRight) {
+        return EFI_OUT_OF_RESOURCES;
+    }
+    const UINTN FromTop = Corner.Upper ? 0 : Frame->Height - Height;
+    const UINTN FromLeft = Frame->Width - Width;
+    (void)ExtractBlt(UnderLeft.Data, Width, Height, Frame->FullScreen, gScreenWidth, gScreenHeight,
+                     static_cast<INT32>(Frame->Y + FromTop), static_cast<INT32>(Frame->X));
+    (void)ExtractBlt(UnderRight.Data, Width, Height, Frame->FullScreen, gScreenWidth, gScreenHeight,
+                     static_cast<INT32>(Frame->Y + FromTop), static_cast<INT32>(Frame->X + FromLeft));
+    FillCorner(Left.Data, UnderLeft.Data, Count);
+    FillCorner(Right.Data, UnderRight.Data, Count);
+    PutBlock(Frame, Left.Data, Width, Height, 0, FromTop);
+    PutBlock(Frame, Right.Data, Width, Height, FromLeft, FromTop);
+    return EFI_SUCCESS;
+}
+
+VOID FreeFrame(SCREEN_FRAME* Frame)
+{
+    if (Frame != nullptr) {
+        FreePool(Frame->Picture);
+        FreePool(Frame->FullScreen);
+        FreePool(Frame);
+    }
+}
+
+VOID DrawText(UINT32 X, UINT32 Y, const CHAR16* Text, const PIXEL& Color, const PIXEL& Ground)
+{
+    (void)DrawString(X, Y, Text, DRAW_STRING_KEYED, &Color, &Ground, gGuiCore);
+}
+
+BTN_COMPONENT* TabOfFan(UINT8 ItemId)
+{
+    const FAN_PAGE* Page = FindFanPage(ItemId);
+    return Page == nullptr ? nullptr : Page->Tab;
+}
+
+CHECK_BOX_COMPONENT* RadioOfSource(UINT8 ItemId)
+{
+    return gTemperatureRadio[ItemId];
+}
+
+} // namespace
+
+VOID CreateScreenFrame(const EFI_GUID* FileGuid)
+{
+    SCREEN_FRAME* Frame = AllocateZeroRecord<SCREEN_FRAME>();
+    if (Frame == nullptr) {
+        REPORT("LocatePool Fail");
+        return;
+    }
+    Frame->X = gFrameX;
+    Frame->Y = gFrameY;
+
+    VOID* Probe = nullptr;
+    UINTN ProbeSize = 0;
+    const EFI_STATUS ProbeStatus = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_RAW, &Probe, &ProbeSize);
+    FreePool(Probe);
+
+    EFI_STATUS Status =
+        LoadFramePicture(Frame, FileGuid, EfiError(ProbeStatus) ? EFI_SECTION_PE32 : EFI_SECTION_RAW);
+    EFI_STATUS LastStatus = Status;
+    if (EfiError(Status)) {
+        Status = MakePlainPicture(Frame);
+    }
+    if (!EfiError(Status)) {
+        Status = CopySavedScreen(Frame);
+        if (EfiError(Status)) {
+            LastStatus = Status;
+        }
+    }
+    if (EfiError(LastStatus)) {
+        REPORT("LocatePool Fail");
+    }
+    if (EfiError(Status)) {
+        // Nothing to lay the picture on: it goes onto the bare saved screen without its corners.
+        gScreenFrame = Frame;
+        return;
+    }
+    LastStatus = MergeCorners(Frame, FileGuid, {gUpperCornerInstance, true});
+    if (EfiError(LastStatus)) {
+        REPORT("ConvertBmpToGopBltA Fail");
+    }
+    (void)MergeCorners(Frame, FileGuid, {gLowerCornerInstance, false});
+    gScreenFrame = Frame;
+}
+
+VOID PasteScreenFrame()
+{
+    if (gScreenFrame == nullptr || gScreenFrame->FullScreen == nullptr) {
+        (void)PasteBlt(gSavedScreen, gScreenWidth, gScreenHeight, 0, 0, gGuiCore->Screen);
+    } else {
+        (void)PasteBlt(gScreenFrame->FullScreen, gScreenWidth, gScreenHeight, 0, 0, gGuiCore->Screen);
+    }
+    if (gScreenFrame != nullptr && gScreenFrame->Picture != nullptr) {
+        (void)PasteBlt(gScreenFrame->Picture, gScreenFrame->Width, gScreenFrame->Height, gScreenFrame->X,
+                       gScreenFrame->Y, gGuiCore->Screen);
+    }
+}
+
+VOID FreeScreenFrame()
+{
+    FreeFrame(gScreenFrame);
+    gScreenFrame = nullptr;
+}
+
+VOID PaintFirstScreen()
+{
+    for (UINTN I = 0; I < gVoltageItemCount; I++) {
+        (void)DrawVoltageGauge(gVoltageGauge[I], 1, I == gVoltageItemCount - 1 ? 1 : 0);
+    }
+    PaintScalesIdle();
+    PaintCaptionsIdle();
+    SelectInitialPage({TabOfFan, RadioOfSource});
+    PaintCommandButtons();
+
+    CHAR16* Caption = gHwService->GetItemString(gHwService, STRING_GAUGE_CAPTION);
+    DrawText(gGaugeCaptionX, gGaugeCaptionY, Caption, gHeadingColor, gHeadingBackColor);
+    FreePool(Caption);
+
+    CHAR16* Title = gHwService->GetItemString(gHwService, STRING_PANEL_TITLE);
+    if (Title != nullptr) {
+        (void)StringToBlt(&gHeadingColor, &gPanelColor, &gPanelTitle, &gPanelTitleWidth, &gPanelTitleHeight, Title);
+    }
+    DrawText(gPanelTitleX, gPanelTitleY, Title, gHeadingColor, gHeadingBackColor);
+    FreePool(Title);
+
+    for (UINTN Source = 0; Source < gTemperatureItemCount; Source++) {
+        if (gItemPresent[gFirstTemperatureItem + Source] == 1) {
+            DrawText(gTemperatureUnitX, gTemperatureUnitY[Source], gTemperatureUnit, gLabelColor, gLabelBackColor);
+        }
+    }
+    for (UINTN Fan = 0; Fan < gFanItemCount; Fan++) {
+        if (gItemPresent[gFirstFanItem + Fan] == 1) {
+            DrawText(gFanUnitX[Fan], gFanUnitY, gFanUnit, gLabelColor, gLabelBackColor);
+        }
+    }
+    (void)CreateFanLegend();
+    AddDragDropListener(RefreshFanLegend, L_HOLD_TO_RELEASE);
+    AddSliderListener(RefreshFanLegend, L_HOLD_TO_RELEASE);
+}
