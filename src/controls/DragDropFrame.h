@@ -14,7 +14,6 @@
 #include "graphics/Palette.h"
 #include "gui/GUICore.h"
 
-constexpr UINT32 gNodeCount = 4;
 constexpr UINT8 gNoActiveNode = 4; // ActiveNode while no node is in hand
 
 // One cell of the grid. The cell (column c, row r) has the index Columns x r + c.
@@ -75,7 +74,7 @@ extern DRAG_REPORT gFrameDragReport;
 // usable ones the nodes are plain blocks. NodeCells are four cell indices, node 0 first; a node whose index is no cell
 // stands one cell up and right of the node before. Paints nothing. EFI_BUFFER_TOO_SMALL when there is no pool for the
 // cells or a picture: the record then has no component, and every operation on it is without effect. EFI_SUCCESS for a
-// null frame.
+// null frame, EFI_INVALID_PARAMETER for an empty table.
 EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* DutyLabels, const EFI_GUID* FileGuid,
                                UINT32 Instance, const UINT32* NodeCells);
 

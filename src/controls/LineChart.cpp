@@ -1,0 +1,342 @@
+#include "controls/LineChart.h"
+
+#include "graphics/GraphicProtocol.h"
+#include "shell/Board.h"
+#include "support/Library.h"
+
+constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
+constexpr UINT32 gGridLineCount = 10;
+constexpr INT32 gTemperatureMaximum = 100; // degrees
+constexpr INT32 gRpmMaximum = 7000;        // revolutions a minute
+
+constexpr CHAR16 gRpmVariableName[] = u"LineChartRPM";
+constexpr CHAR16 gTemperatureVariableName[] = u"LineChartTempature"; // spelled so on purpose
+
+constexpr CHAR8 gSourcePath[] = "src\\controls\\LineChart.cpp";
+
+// --- Creation ---
+
+static FLOAT_WORD Quotient(INT64 A, INT64 B)
+{
+    return gFloatMath->FloatDivide(gFloatMath->IntToFloat(A), gFloatMath->IntToFloat(B));
+}
+
+// t x From + u x To, in whole numbers.
+static UINT8 MixColor(FLOAT_WORD T, UINT8 From, FLOAT_WORD U, UINT8 To)
+{
+    const FLOAT_WORD Sum = gFloatMath->FloatAdd(gFloatMath->FloatMultiply(T, gFloatMath->IntToFloat(From)),
+                                                gFloatMath->FloatMultiply(U, gFloatMath->IntToFloat(To)));
+    return static_cast<UINT8>(gFloatMath->FloatToInt(Sum));
+}
+
+static UINT8 ScaleColor(UINT8 Value, FLOAT_WORD Factor)
+{
+    return static_cast<UINT8>(
+        gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->IntToFloat(Value), Factor)));
+}
+
+// Builds both tables of a series: its colour at the top entry, fading to black towards entry 0.
+static bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color)
+{
+    const UINT32 Count = Chart->Rect.Height + 1;
+    Series->Gradient = AllocateZeroArray<PIXEL>(Count);
+    Series->BlendGradient = AllocateZeroArray<PIXEL>(Count);
+    if (Series->Gradient == nullptr || Series->BlendGradient == nullptr) {
+        return false;
+    }
+    const FLOAT_WORD One = gFloatMath->IntToFloat(1);
+    for (UINT32 K = Count; K > 0; K--) {
+        const FLOAT_WORD T = Quotient(K, Count);
+        const FLOAT_WORD U = gFloatMath->FloatSubtract(One, T);
+        PIXEL* Entry = &Series->Gradient[K - 1];
+        Entry->Blue = MixColor(T, Color.Blue, U, gBlackPixel.Blue);
+        Entry->Green = MixColor(T, Color.Green, U, gBlackPixel.Green);
+        Entry->Red = MixColor(T, Color.Red, U, gBlackPixel.Red);
+
+        // Red is scaled by the complement, which is a little less.
+        PIXEL* Blend = &Series->BlendGradient[K - 1];
+        Blend->Blue = ScaleColor(Entry->Blue, Chart->BlendFactor);
+        Blend->Green = ScaleColor(Entry->Green, Chart->BlendFactor);
+        Blend->Red = ScaleColor(Entry->Red, Chart->BlendComplement);
+    }
+    return true;
+}
+
+static bool AllocateSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series)
+{
+    Series->Layer = static_cast<PIXEL*>(AllocatePool(Chart->Rect.BufferSize));
+    Series->Samples = AllocateZeroArray<UINT32>(Chart->Rect.Width);
+    return Series->Layer != nullptr && Series->Samples != nullptr;
+}
+
+static UINTN HistorySize(const LINE_CHART* Chart)
+{
+    return Chart->Rect.Width * sizeof(UINT32);
+}
+
+static VOID StoreHistory(const CHAR16* Name, const LINE_CHART* Chart, const LINE_CHART_SERIES& Series)
+{
+    (void)gRT->SetVariable(Name, &Series.VariableGuid, EFI_VARIABLE_BOOTSERVICE_ACCESS, HistorySize(Chart),
+                           Series.Samples);
+}
+
+// Takes up the history that the variable holds, or makes the variable. A variable that is longer than the chart is asked
+// for with the chart's own size, which the firmware refuses: the history then starts empty.
+static VOID LoadHistory(const CHAR16* Name, const LINE_CHART* Chart, LINE_CHART_SERIES* Series)
+{
+    UINTN Size = 0;
+    EFI_STATUS Status = gRT->GetVariable(Name, &Series->VariableGuid, nullptr, &Size, nullptr);
+    if (Status == EFI_NOT_FOUND) {
+        StoreHistory(Name, Chart, *Series);
+        Size = 0;
+        Status = gRT->GetVariable(Name, &Series->VariableGuid, nullptr, &Size, nullptr);
+    }
+    if (Status != EFI_BUFFER_TOO_SMALL) {
+        return;
+    }
+    if (Size > HistorySize(Chart)) {
+        Size = HistorySize(Chart);
+    }
+    (void)gRT->GetVariable(Name, &Series->VariableGuid, nullptr, &Size, Series->Samples);
+}
+
+static VOID FreeChart(LINE_CHART* Chart)
+{
+    FreePool(Chart->Rpm.Layer);
+    FreePool(Chart->Temperature.Layer);
+    FreePool(Chart->Pixels);
+    FreePool(Chart->Rpm.Samples);
+    FreePool(Chart->Temperature.Samples);
+    FreePool(Chart->Rpm.Gradient);
+    FreePool(Chart->Rpm.BlendGradient);
+    FreePool(Chart->Temperature.Gradient);
+    FreePool(Chart->Temperature.BlendGradient);
+    FreePool(Chart);
+}
+
+static bool RectOnScreen(const GUI_RECT* Rect)
+{
+    return Rect->Width > 0 && Rect->Height > 0 && Rect->Width <= gScreenWidth && Rect->Height <= gScreenHeight &&
+           Rect->X <= gScreenWidth - Rect->Width && Rect->Y <= gScreenHeight - Rect->Height;
+}
+
+static bool BuildChart(LINE_CHART* Chart)
+{
+    Chart->Temperature.Maximum = gTemperatureMaximum;
+    Chart->Rpm.Maximum = gRpmMaximum;
+    const FLOAT_WORD Factor = Quotient(128, 255);
+    Chart->BlendFactor = static_cast<UINT32>(Factor);
+    Chart->BlendComplement =
+        static_cast<UINT32>(gFloatMath->FloatSubtract(gFloatMath->IntToFloat(1), Chart->BlendFactor));
+    Chart->Pixels = static_cast<PIXEL*>(AllocatePool(Chart->Rect.BufferSize));
+    if (Chart->Pixels == nullptr) {
+        return false;
+    }
+    SetMem(Chart->Pixels, Chart->Rect.BufferSize, gPanelByte);
+    return BuildGradients(Chart, &Chart->Rpm, gChartRpmColor) &&
+           BuildGradients(Chart, &Chart->Temperature, gChartTemperatureColor) && AllocateSeries(Chart, &Chart->Rpm) &&
+           AllocateSeries(Chart, &Chart->Temperature);
+}
+
+EFI_STATUS CreateLineChart(LINE_CHART** Chart, const GUI_RECT* Rect, const EFI_GUID* RpmGuid,
+                           const EFI_GUID* TemperatureGuid)
+{
+    *Chart = nullptr;
+    if (!RectOnScreen(Rect)) {
+        REPORT("No place (CreateLineChart)");
+        return EFI_INVALID_PARAMETER;
+    }
+    LINE_CHART* New = AllocateZeroRecord<LINE_CHART>();
+    if (New == nullptr) {
+        REPORT("AllocatePool Fail (CreateLineChart)");
+        return EFI_OUT_OF_RESOURCES;
+    }
+    New->Rect = *Rect;
+    New->Rect.BufferSize = static_cast<UINT64>(Rect->Width) * Rect->Height * sizeof(PIXEL);
+    New->Rpm.VariableGuid = *RpmGuid;
+    New->Temperature.VariableGuid = *TemperatureGuid;
+    if (!BuildChart(New)) {
+        REPORT("AllocatePool Fail (CreateLineChart)");
+        FreeChart(New);
+        return EFI_OUT_OF_RESOURCES;
+    }
+    LoadHistory(gRpmVariableName, New, &New->Rpm);
+    LoadHistory(gTemperatureVariableName, New, &New->Temperature);
+    *Chart = New;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS DestroyLineChart(LINE_CHART* Chart)
+{
+    if (Chart == nullptr) {
+        return EFI_NOT_FOUND;
+    }
+    StoreHistory(gRpmVariableName, Chart, Chart->Rpm);
+    StoreHistory(gTemperatureVariableName, Chart, Chart->Temperature);
+    FreeChart(Chart);
+    return EFI_SUCCESS;
+}
+
+// --- Samples ---
+
+static UINT32 StoredSample(UINT64 Value)
+{
+    const UINT32 Sample = static_cast<UINT32>(Value);
+    return Sample == 0 ? 1 : Sample;
+}
+
+EFI_STATUS PushLineChartSample(LINE_CHART* Chart, UINT64 Rpm, UINT64 Temperature)
+{
+    if (Chart == nullptr) {
+        return EFI_NOT_FOUND;
+    }
+    Chart->Rpm.Samples[Chart->Rect.Width - 1] = StoredSample(Rpm);
+    Chart->Temperature.Samples[Chart->Rect.Width - 1] = StoredSample(Temperature);
+    return EFI_SUCCESS;
+}
+
+static UINT32 LimitSample(UINT32 Sample, INT32 Minimum, INT32 Maximum)
+{
+    const INT64 Value = Sample;
+    return Value < Minimum ? static_cast<UINT32>(Minimum) : Value > Maximum ? static_cast<UINT32>(Maximum) : Sample;
+}
+
+// One column of a layer, from its top pixel down. Height is that of the column's point, Previous that of the column
+// before; a sample above the scale gives a height above the top row. A vertical run joins the two in this column, but
+// none rises out of a column without a point, and none falls in the first column.
+static VOID PlotColumn(PIXEL* Pixel, const PIXEL* Gradient, UINT32 Width, UINT32 Top, INT64 Height, INT64 Previous,
+                       bool First, PIXEL Line)
+{
+    for (UINT32 I = Top; I > 0; I--, Pixel += Width) {
+        if (I > Height) {
+            if (I < Previous && !First) {
+                *Pixel = Line;
+            } else {
+                Pixel->Reserved = LINE_CHART_ABOVE;
+            }
+        } else if (I < Height && (I <= Previous || Previous == 0)) {
+            *Pixel = Gradient[I];
+            Pixel->Reserved = LINE_CHART_FILL;
+        } else {
+            *Pixel = Line;
+        }
+    }
+}
+
+VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, UINT32 Width, UINT32 Height,
+                         INT32 Maximum, INT32 Minimum, UINT32 Color)
+{
+    const INT64 Span = static_cast<INT64>(Maximum) - Minimum;
+    const FLOAT_WORD Range = gFloatMath->IntToFloat(Span < 0 ? -Span : Span);
+    const FLOAT_WORD Scale = gFloatMath->IntToFloat(Height);
+    PIXEL Line = __builtin_bit_cast(PIXEL, Color);
+    Line.Reserved = LINE_CHART_LINE;
+
+    INT64 Previous = Height;
+    for (UINT32 Column = 0; Column < Width; Column++) {
+        // The height comes from the sample before any limit.
+        const FLOAT_WORD Sample = gFloatMath->IntToFloat(Samples[Column]);
+        const INT64 Point =
+            gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->FloatDivide(Sample, Range), Scale));
+        Samples[Column] = LimitSample(Samples[Column], Minimum, Maximum);
+        PlotColumn(Layer + Column, Gradient, Width, Height, Point, Previous, Column == 0, Line);
+        if (Column + 1 < Width) {
+            Samples[Column] = Samples[Column + 1];
+        }
+        Previous = Point;
+    }
+}
+
+// --- Painting ---
+
+static VOID DrawGrid(LINE_CHART* Chart)
+{
+    const UINT32 Step = Chart->Rect.Height / gGridLineCount;
+    if (Step == 0) {
+        return;
+    }
+    for (UINT32 Row = 0; Row < Chart->Rect.Height; Row += Step) {
+        FillPixels(Chart->Pixels + static_cast<UINTN>(Row) * Chart->Rect.Width, Chart->Rect.Width, gChartGridColor);
+    }
+}
+
+static VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color)
+{
+    PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Chart->Rect.Width, Chart->Rect.Height,
+                        Series->Maximum, Series->Minimum, PixelWord(Color));
+}
+
+static VOID ComposePixel(PIXEL* Pixel, PIXEL Plotted, PIXEL Blend, PIXEL Color)
+{
+    if (Plotted.Reserved == LINE_CHART_FILL) {
+        Pixel->Blue = static_cast<UINT8>(Blend.Blue + Pixel->Blue / 2);
+        Pixel->Green = static_cast<UINT8>(Blend.Green + Pixel->Green / 2);
+        Pixel->Red = static_cast<UINT8>(Blend.Red + Pixel->Red / 2);
+    } else if (Plotted.Reserved == LINE_CHART_LINE) {
+        *Pixel = Color;
+    }
+}
+
+// Lays both layers over the picture. Where the areas overlap, temperature lies on top of speed.
+static VOID ComposeLayers(LINE_CHART* Chart)
+{
+    PIXEL* Pixel = Chart->Pixels;
+    const PIXEL* Rpm = Chart->Rpm.Layer;
+    const PIXEL* Temperature = Chart->Temperature.Layer;
+    for (UINT32 I = Chart->Rect.Height; I > 0; I--) {
+        const PIXEL RpmBlend = Chart->Rpm.BlendGradient[I];
+        const PIXEL TemperatureBlend = Chart->Temperature.BlendGradient[I];
+        for (UINT32 Column = 0; Column < Chart->Rect.Width; Column++) {
+            ComposePixel(Pixel, *Rpm++, RpmBlend, gChartRpmColor);
+            ComposePixel(Pixel, *Temperature++, TemperatureBlend, gChartTemperatureColor);
+            Pixel++;
+        }
+    }
+}
+
+// Paints columns First to Last of the row that lies FromBottom rows above the chart's lower edge, as far as there are any.
+static VOID DrawMarkRow(LINE_CHART* Chart, UINT32 FromBottom, INT64 First, INT64 Last)
+{
+    const INT64 Width = Chart->Rect.Width;
+    First = First < 0 ? 0 : First;
+    Last = Last >= Width ? Width - 1 : Last;
+    if (FromBottom > Chart->Rect.Height || First > Last) {
+        return;
+    }
+    PIXEL* Row = Chart->Pixels + static_cast<UINTN>(Chart->Rect.Height - FromBottom) * Chart->Rect.Width;
+    FillPixels(Row + First, static_cast<UINTN>(Last - First + 1), gChartMarkColor);
+}
+
+// A wedge that leans left and stands on a foot line on the bottom row.
+static VOID DrawMark(LINE_CHART* Chart)
+{
+    const INT64 Middle = static_cast<INT64>(Chart->Rect.Width / 10) * 9;
+    for (UINT32 FromBottom = 6; FromBottom > 1; FromBottom--) {
+        DrawMarkRow(Chart, FromBottom, Middle + FromBottom - 6, Middle);
+    }
+    DrawMarkRow(Chart, 1, Middle - 5, Middle + 10);
+}
+
+EFI_STATUS DrawLineChart(LINE_CHART* Chart)
+{
+    if (Chart == nullptr) {
+        return EFI_NOT_FOUND;
+    }
+    DrawGrid(Chart);
+    PlotSeries(Chart, &Chart->Rpm, gChartRpmColor);
+    PlotSeries(Chart, &Chart->Temperature, gChartTemperatureColor);
+    ComposeLayers(Chart);
+    DrawMark(Chart);
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS ShowLineChart(LINE_CHART* Chart)
+{
+    if (Chart == nullptr) {
+        return EFI_NOT_FOUND;
+    }
+    const GUI_RECT& Rect = Chart->Rect;
+    const EFI_STATUS Status = PasteBlt(Chart->Pixels, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
+    (void)ComposeScreen(gGuiCore, Chart->Pixels, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    return Status;
+}

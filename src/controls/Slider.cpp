@@ -1,0 +1,377 @@
+#include "controls/Slider.h"
+
+#include "controls/GridImage.h"
+#include "controls/Labels.h"
+#include "graphics/Artwork.h"
+#include "graphics/GraphicProtocol.h"
+#include "gui/PointerEngine.h"
+#include "support/Library.h"
+#include "support/Print.h"
+
+constexpr UINT32 gThumbSection = 26;
+constexpr UINT32 gThumbPitch = 40; // from one place of the thumb to the next, and the height of a plain thumb
+constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
+
+constexpr UINTN gNameLength = 128;     // characters of a component's name
+constexpr UINTN gNameFormatSize = 128; // bytes of it that the format may fill
+
+constexpr CHAR8 gSourcePath[] = "src\\controls\\Slider.cpp";
+
+UINT8 gSliderDragging = 0;
+DRAG_REPORT gSliderDragReport = {};
+
+static INT64 gSliderDragStartX = 0;
+static INT64 gSliderDragStartY = 0;
+// The thumb's distance from the control's top as last worked out. It survives from drag to drag, of whatever slider.
+static INT64 gSliderOffset = 0;
+
+// Screen row of the thumb's top for the slider's level. A level that doesn't exist lands off the control.
+static UINT32 ThumbTop(const SLIDER_COMPONENT* Slider)
+{
+    return Slider->Rect.Y + (static_cast<UINT32>(Slider->Rows) - Slider->Level) * gThumbPitch - gThumbPitch;
+}
+
+// The thumb's picture, or a plain block where the file has none that fits. Without pool the thumb can be dragged all the
+// same and isn't seen.
+static VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 Rows)
+{
+    UINT32 Width = 0;
+    UINT32 Height = 0;
+    (void)LoadBmpBlt(gThumbSection, FileGuid, &Slider->ThumbImage, &Width, &Height);
+    if (Slider->ThumbImage == nullptr || !GridFitsScreen(Width, static_cast<UINT64>(Height) * Rows + 1) ||
+        Height == 0) {
+        REPORT("No usable picture (CreateSlider)");
+        ReleasePool(Slider->ThumbImage);
+        Width = gGridCellWidth;
+        Height = gThumbPitch;
+        Slider->ThumbImage = AllocateArray<PIXEL>(static_cast<UINTN>(Width) * Height);
+        if (Slider->ThumbImage != nullptr) {
+            FillPixels(Slider->ThumbImage, static_cast<UINTN>(Width) * Height, gSliderMarkColor);
+        }
+    }
+    Slider->ThumbRect.Width = Width;
+    Slider->ThumbRect.Height = Height;
+    Slider->ThumbRect.BufferSize = static_cast<UINT64>(Width) * Height * sizeof(PIXEL);
+}
+
+// Registers one of the two components. Its name carries the id that comes out of it, and so is written afterwards.
+static VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, UINT32 Kind, UINT32* IdOut,
+                               EFI_EVENT SecondaryEvent, CHAR16** NameOut, const CHAR16* Stem)
+{
+    CHAR16* Name = AllocateArray<CHAR16>(gNameLength);
+    if (Name != nullptr) {
+        (void)FormatUnicodeText(Name, gNameFormatSize, u"N/A");
+    }
+    *NameOut = Name;
+    if (gGuiCore->Components != nullptr) {
+        (void)RegisterComponent(gGuiCore->Components, Slider, Rect, Kind, IdOut, Slider->PrimaryEvent, SecondaryEvent,
+                                Name);
+    }
+    if (Name != nullptr) {
+        (void)FormatUnicodeText(Name, gNameFormatSize, u"%s%d", Stem, static_cast<INT32>(*IdOut));
+    }
+}
+
+EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT16 Level)
+{
+    if (Slider == nullptr) {
+        return EFI_SUCCESS;
+    }
+    SetMem(Slider, sizeof(*Slider), 0);
+    Slider->Columns = CountStringTable(gTemperatureLabels);
+    Slider->Rows = CountStringTable(gDutyLabels6);
+    LoadThumb(Slider, FileGuid, Slider->Rows);
+
+    Slider->CellWidth = gGridCellWidth;
+    Slider->CellHeight = static_cast<UINT16>(Slider->ThumbRect.Height);
+    GUI_RECT& Rect = Slider->Rect;
+    Rect.X = gGridX;
+    Rect.Y = gGridY;
+    Rect.Width = static_cast<UINT32>(Slider->Columns) * Slider->CellWidth + 1;
+    Rect.Height = static_cast<UINT32>(Slider->Rows) * Slider->CellHeight + 1;
+    Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
+
+    Slider->GridImage = static_cast<PIXEL*>(AllocatePool(Rect.BufferSize));
+    if (Slider->GridImage == nullptr) {
+        REPORT("AllocatePool Fail (CreateSlider)");
+        return EFI_BUFFER_TOO_SMALL;
+    }
+    Slider->Canvas = static_cast<PIXEL*>(AllocatePool(Rect.BufferSize));
+    if (Slider->Canvas == nullptr) {
+        REPORT("AllocatePool Fail (CreateSlider)");
+        return EFI_BUFFER_TOO_SMALL;
+    }
+    Slider->PlainImage = static_cast<PIXEL*>(AllocatePool(Rect.BufferSize));
+    if (Slider->PlainImage == nullptr) {
+        REPORT("AllocatePool Fail (CreateSlider)");
+        return EFI_BUFFER_TOO_SMALL;
+    }
+    // Until its first painting the canvas, from which a chart may start, shows the plain panel.
+    SetMem(Slider->Canvas, Rect.BufferSize, gPanelByte);
+    PaintGridImage(Slider->GridImage, Rect.Width, Rect.Height, Slider->CellWidth, Slider->CellHeight);
+    FillPixels(Slider->PlainImage, static_cast<UINTN>(Rect.Width) * Rect.Height, gPanelColor);
+
+    (void)gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderEvent, Slider, &Slider->PrimaryEvent);
+    (void)gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderRefresh, Slider,
+                           &Slider->SecondaryEvent);
+
+    Slider->Level = Level;
+    Slider->ThumbRect.X = Rect.X;
+    Slider->ThumbRect.Y = ThumbTop(Slider);
+    RegisterSliderPart(Slider, &Slider->ThumbRect, _SLIDER_COMPONENT, &Slider->ThumbId, nullptr, &Slider->ThumbName,
+                       u"CtrlBox_");
+    RegisterSliderPart(Slider, &Rect, _BLT_BUF, &Slider->FrameId, Slider->SecondaryEvent, &Slider->FrameName,
+                       u"SliderFrame_");
+    Slider->HoverHandler = OnSliderEvent;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS DestroySlider(SLIDER_COMPONENT* Slider)
+{
+    if (Slider == nullptr) {
+        return EFI_SUCCESS;
+    }
+    ReleasePool(Slider->GridImage);
+    ReleasePool(Slider->PlainImage);
+    ReleasePool(Slider->Canvas);
+    ReleasePool(Slider->ThumbImage);
+    ReleasePool(Slider->FrameName);
+    ReleasePool(Slider->ThumbName);
+    EFI_STATUS Status = EFI_SUCCESS;
+    EFI_EVENT* const Events[] = {&Slider->PrimaryEvent, &Slider->SecondaryEvent};
+    for (EFI_EVENT* Event : Events) {
+        if (*Event != nullptr) {
+            Status = CancelAndCloseEvent(*Event);
+            *Event = nullptr;
+        }
+    }
+    return Status;
+}
+
+// Brings the thumb, in the record and in the registry, to the place of the slider's level.
+static EFI_STATUS MoveThumb(SLIDER_COMPONENT* Slider)
+{
+    GUI_COMPONENT* Thumb = nullptr;
+    const EFI_STATUS Status = FindComponent(gGuiCore->Components, static_cast<UINT16>(Slider->ThumbId), &Thumb);
+    // A registration that found no pool leaves an id that belongs to another component, or to none.
+    if (EfiError(Status) || Thumb == nullptr || Thumb->Owner != Slider || Thumb->Kind != _SLIDER_COMPONENT) {
+        return EFI_NOT_FOUND;
+    }
+    Thumb->Rect.Y = ThumbTop(Slider);
+    Slider->ThumbRect.Y = Thumb->Rect.Y;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS SetSliderLevel(SLIDER_COMPONENT* Slider, UINT8 LevelPlusOne)
+{
+    if (Slider == nullptr) {
+        return EFI_NOT_FOUND;
+    }
+    Slider->Level = static_cast<UINT16>(LevelPlusOne - 1);
+    return MoveThumb(Slider);
+}
+
+EFI_STATUS SetSliderPosition(SLIDER_COMPONENT* Slider, UINT16 Offset)
+{
+    if (Slider == nullptr) {
+        return EFI_NOT_FOUND;
+    }
+    UINT32 RowsDown = (Offset + gThumbPitch) / gThumbPitch;
+    if ((Offset + gThumbPitch) % gThumbPitch >= gThumbPitch / 2) {
+        RowsDown++;
+    }
+    Slider->Level = static_cast<UINT16>(Slider->Rows - RowsDown);
+    return MoveThumb(Slider);
+}
+
+static EFI_STATUS ShowSliderCanvas(SLIDER_COMPONENT* Slider)
+{
+    const GUI_RECT& Rect = Slider->Rect;
+    (void)PasteBlt(Slider->Canvas, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
+    return ComposeScreen(gGuiCore, Slider->Canvas, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+}
+
+static VOID OverlayThumb(SLIDER_COMPONENT* Slider, INT32 Offset)
+{
+    if (Slider->ThumbImage == nullptr) {
+        return;
+    }
+    (void)OverlayBlt(Slider->ThumbImage, static_cast<INT32>(Slider->ThumbRect.Width),
+                     static_cast<INT32>(Slider->ThumbRect.Height), Slider->Canvas, Slider->Rect.Width,
+                     Slider->Rect.Height, 0, Offset, &gKeyColor, &gKeyColor, 1);
+}
+
+// False for a slider whose creation didn't get as far as its three pictures.
+static bool SliderCanPaint(const SLIDER_COMPONENT* Slider)
+{
+    return Slider != nullptr && Slider->GridImage != nullptr && Slider->PlainImage != nullptr &&
+           Slider->Canvas != nullptr;
+}
+
+EFI_STATUS RefreshSlider(SLIDER_COMPONENT* Slider)
+{
+    if (!SliderCanPaint(Slider)) {
+        return EFI_NOT_FOUND;
+    }
+    CopyMem(Slider->Canvas, Slider->PlainImage, Slider->Rect.BufferSize);
+    const INT32 Distance = static_cast<INT32>(Slider->Rect.Y - Slider->ThumbRect.Y);
+    OverlayThumb(Slider, Distance < 0 ? -Distance : Distance);
+    return ShowSliderCanvas(Slider);
+}
+
+EFI_STATUS OnSliderRefresh(EFI_EVENT, VOID* Context)
+{
+    (void)RefreshSlider(static_cast<SLIDER_COMPONENT*>(Context));
+    return EFI_NOT_FOUND;
+}
+
+EFI_STATUS OnSliderEvent(EFI_EVENT, VOID* Context)
+{
+    SLIDER_COMPONENT* Slider = static_cast<SLIDER_COMPONENT*>(Context);
+    const bool Live = (Slider->Inverted != 0) != (Slider->Linked != 0);
+    if (gSliderDragging != 0 || gGuiCore->MouseState != L_HOLD || !Live || gGuiCore->HitId != Slider->ThumbId) {
+        return EFI_NOT_FOUND;
+    }
+    gGuiCore->TargetId = static_cast<UINT16>(Slider->ThumbId);
+    gGuiCore->Target = Slider;
+    gGuiCore->TargetKind = _SLIDER_COMPONENT;
+    return EFI_SUCCESS;
+}
+
+static VOID ReportSliderDrag(const SLIDER_COMPONENT* Slider, INT64 Offset)
+{
+    if (Slider->Rect.X == 0 || Slider->Rect.Y == 0) {
+        gSliderDragReport = {};
+        return;
+    }
+    gSliderDragReport = {
+        .RelX = 0,
+        .RelY = static_cast<UINT16>(Offset),
+        .AbsX = static_cast<UINT16>(Slider->Rect.X),
+        .AbsY = static_cast<UINT16>(Slider->Rect.Y + Offset),
+        .CellWidth = Slider->CellWidth,
+        .CellHeight = Slider->CellHeight,
+    };
+}
+
+// The picture of a drag, with the thumb's top Offset pixels below the control's. Without pool for the column's mark the
+// picture of the turn before stays.
+static VOID PaintSliderDrag(SLIDER_COMPONENT* Slider, INT64 Offset)
+{
+    if (!SliderCanPaint(Slider)) {
+        return;
+    }
+    const GUI_RECT& Rect = Slider->Rect;
+    CopyMem(Slider->Canvas, Slider->GridImage, Rect.BufferSize);
+    if (!MarkRectangle(Slider->Canvas, Rect.Width, Rect.Height, 0, 0, gGridCellWidth, Slider->Rows * gThumbPitch,
+                       gSliderMarkColor)) {
+        return;
+    }
+    const INT64 GuideRow = Slider->ThumbRect.Height / 2 + Offset;
+    if (GuideRow >= 0 && GuideRow < Rect.Height) {
+        FillPixels(Slider->Canvas + GuideRow * Rect.Width, Rect.Width, gSliderMarkColor);
+    }
+    OverlayThumb(Slider, static_cast<INT32>(Offset));
+    (void)ShowSliderCanvas(Slider);
+    ReportSliderDrag(Slider, Offset);
+}
+
+static INT64 Limit(INT64 Value, INT64 Least, INT64 Most)
+{
+    return Value < Least ? Least : Value > Most ? Most : Value;
+}
+
+// Works out gSliderOffset from the pointer. On the exact lines around the column, and beyond the band at its sides, the
+// offset stays.
+static VOID FollowPointer(const SLIDER_COMPONENT* Slider, INT64 DeltaY)
+{
+    const INT64 Left = Slider->Rect.X;
+    const INT64 Right = Left + gGridCellWidth;
+    const INT64 Top = Slider->Rect.Y;
+    const INT64 Band = static_cast<INT64>(Slider->Rows) * gThumbPitch;
+    const INT64 Most = Band - gThumbPitch;
+    // Level stays during the drag, so this is where the thumb stood when it began.
+    const INT64 Start = Most - static_cast<INT64>(Slider->Level) * gThumbPitch;
+    const INT64 X = gGuiCore->PointerX;
+    const INT64 Y = gGuiCore->PointerY;
+
+    if (X != Left && X != Right && Y > Top && Y < Top + Band) {
+        gSliderOffset = Limit(Start + DeltaY, 0, Most);
+    } else if (X > Left && X < Right && Y > Top + Band) {
+        gSliderOffset = Most;
+    } else if (X > Left && X < Right && Y < Top) {
+        gSliderOffset = 0;
+    }
+}
+
+static VOID BeginSliderDrag(SLIDER_COMPONENT* Slider)
+{
+    Slider->Dragging = 1;
+    gSliderDragging = 1;
+    gSliderDragStartX = gGuiCore->PointerX;
+    gSliderDragStartY = gGuiCore->PointerY;
+    (void)FireSliderListeners(L_HOLD);
+}
+
+static VOID MoveSliderDrag(SLIDER_COMPONENT* Slider)
+{
+    gDragLock = 1;
+    const GUI_RECT& Rect = Slider->Rect;
+    const GUI_RECT& Thumb = Slider->ThumbRect;
+    const INT64 DeltaX = gGuiCore->PointerX - gSliderDragStartX;
+    const INT64 DeltaY = gGuiCore->PointerY - gSliderDragStartY;
+    const INT64 Left = Thumb.X + DeltaX;
+    const INT64 Top = Thumb.Y + DeltaY;
+    // A thumb narrower than its column isn't followed while all of it is inside the column.
+    if (Left > Rect.X && Top > Rect.Y && Left + Thumb.Width < static_cast<INT64>(Rect.X) + Slider->CellWidth &&
+        Top + Thumb.Height < static_cast<INT64>(Rect.Y) + Slider->CellHeight * Slider->Rows) {
+        return;
+    }
+    FollowPointer(Slider, DeltaY);
+    PaintSliderDrag(Slider, gSliderOffset);
+}
+
+static VOID EndSliderDrag(SLIDER_COMPONENT* Slider)
+{
+    gDragLock = 0;
+    (void)SetSliderPosition(Slider, static_cast<UINT16>(gSliderOffset));
+    (void)RefreshSlider(Slider);
+    if (Slider->Dragging == 1) {
+        Slider->Dragging = 0;
+        gSliderDragging = 0;
+    }
+    gSliderDragStartX = 0;
+    gSliderDragStartY = 0;
+    ClearTarget();
+    gSliderDragReport.RelX = 0;
+    gSliderDragReport.RelY = 0;
+    gSliderDragReport.AbsX = 0;
+    gSliderDragReport.AbsY = 0;
+    (void)FireSliderListeners(L_HOLD_TO_RELEASE);
+}
+
+EFI_STATUS SliderStep()
+{
+    if (gGuiCore->TargetKind != _SLIDER_COMPONENT || gGuiCore->Target == nullptr) {
+        gSliderDragging = 0;
+        return EFI_NOT_FOUND;
+    }
+    SLIDER_COMPONENT* Slider = static_cast<SLIDER_COMPONENT*>(gGuiCore->Target);
+    switch (gGuiCore->MouseState) {
+    case L_HOLD:
+        if (Slider->Dragging == 0) {
+            BeginSliderDrag(Slider);
+        } else {
+            MoveSliderDrag(Slider);
+        }
+        break;
+    case NOEVENT:
+    case L_HOLD_TO_RELEASE:
+    case L_CLICK:
+        EndSliderDrag(Slider);
+        break;
+    default:
+        break;
+    }
+    return EFI_NOT_FOUND;
+}
