@@ -1,0 +1,319 @@
+"""A machine under QEMU that a test drives as a person would: looks at its screen, moves its mouse, presses its keys.
+
+    with Machine(image) as machine:
+        machine.wait_for("ventara: first screen")
+        machine.click(790, 90)
+        picture = machine.look()
+
+Progress is read from the machine's debug log, into which the starter and the board driver write.
+"""
+import json
+import os
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools"))
+import qemu  # noqa: E402
+
+WIDTH = 1024
+HEIGHT = 768
+
+
+class Picture:
+    """A screen: width, height and the pixels, three bytes each, red first, row after row."""
+
+    def __init__(self, width, height, pixels):
+        self.width = width
+        self.height = height
+        self.pixels = pixels
+
+    @staticmethod
+    def from_ppm(data):
+        fields = data.split(None, 4)  # "P6", width, height, 255; then one white space and the pixels
+        width, height = int(fields[1]), int(fields[2])
+        return Picture(width, height, data[len(data) - 3 * width * height:])
+
+    @staticmethod
+    def load(path):
+        """A PPM file, or any picture that pngtopnm-like tools aren't needed for: PNG of 8-bit RGB or RGBA."""
+        with open(path, "rb") as file:
+            data = file.read()
+        if data.startswith(b"P6"):
+            return Picture.from_ppm(data)
+        return _read_png(data)
+
+    def at(self, x, y):
+        start = 3 * (y * self.width + x)
+        return tuple(self.pixels[start:start + 3])
+
+    def crop(self, x, y, width, height):
+        rows = [self.pixels[3 * ((y + row) * self.width + x):3 * ((y + row) * self.width + x + width)]
+                for row in range(height)]
+        return Picture(width, height, b"".join(rows))
+
+    def same(self, other):
+        return (self.width, self.height, self.pixels) == (other.width, other.height, other.pixels)
+
+    def differences(self, other, without=()):
+        """Pixels that differ, as (x, y), outside the rectangles (x, y, width, height) given."""
+        if (self.width, self.height) != (other.width, other.height):
+            raise ValueError(f"{self.width} by {self.height} against {other.width} by {other.height}")
+        found = []
+        for y in range(self.height):
+            row = slice(3 * y * self.width, 3 * (y + 1) * self.width)
+            mine, theirs = self.pixels[row], other.pixels[row]
+            if mine == theirs:
+                continue
+            for x in range(self.width):
+                if mine[3 * x:3 * x + 3] != theirs[3 * x:3 * x + 3] and not any(
+                        left <= x < left + width and top <= y < top + height for left, top, width, height in without):
+                    found.append((x, y))
+        return found
+
+    def bounds_of_differences(self, other, without=()):
+        """The smallest rectangle around what differs, as (x, y, width, height); None if nothing does."""
+        return bounds(self.differences(other, without))
+
+    def save(self, path):
+        with open(path, "wb") as file:
+            file.write(b"P6\n%d %d\n255\n" % (self.width, self.height) + self.pixels)
+
+
+def bounds(points):
+    if not points:
+        return None
+    left, right = min(x for x, _ in points), max(x for x, _ in points)
+    top, bottom = min(y for _, y in points), max(y for _, y in points)
+    return left, top, right - left + 1, bottom - top + 1
+
+
+def _read_png(data):
+    import struct
+    import zlib
+    at, packed, header = 8, b"", None
+    while at < len(data):
+        length, kind = struct.unpack(">I4s", data[at:at + 8])
+        if kind == b"IHDR":
+            header = struct.unpack(">IIBBBBB", data[at + 8:at + 21])
+        elif kind == b"IDAT":
+            packed += data[at + 8:at + 8 + length]
+        at += length + 12
+    width, height, depth, colour, _, _, interlaced = header
+    if depth != 8 or colour not in (2, 6) or interlaced:
+        raise ValueError("only 8-bit RGB and RGBA pictures without interlacing are read")
+    size = 3 if colour == 2 else 4
+    raw, stride = zlib.decompress(packed), width * size
+    before, rows = bytearray(stride), []
+    for y in range(height):
+        kind = raw[y * (stride + 1)]
+        row = bytearray(raw[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
+        for i in range(stride):
+            left = row[i - size] if i >= size else 0
+            above = before[i]
+            corner = before[i - size] if i >= size else 0
+            if kind == 1:
+                row[i] = (row[i] + left) & 255
+            elif kind == 2:
+                row[i] = (row[i] + above) & 255
+            elif kind == 3:
+                row[i] = (row[i] + (left + above) // 2) & 255
+            elif kind == 4:
+                guess = left + above - corner
+                distances = (abs(guess - left), abs(guess - above), abs(guess - corner))
+                row[i] = (row[i] + (left, above, corner)[distances.index(min(distances))]) & 255
+        rows.append(bytes(row) if size == 3 else b"".join(bytes(row[4 * x:4 * x + 3]) for x in range(width)))
+        before = row
+    return Picture(width, height, b"".join(rows))
+
+
+class Machine:
+    """One boot of an image. Always closed, and with it its QEMU, also when a test fails."""
+
+    def __init__(self, image, pointer="ps2", memory=256, accel=None, firmware=None, show_log=True):
+        self.folder = tempfile.mkdtemp(prefix="ventara-boot-")
+        self.show_log = show_log
+        self.process = None
+        self.qmp = None
+        self.position = None  # where the console's pointer is, once it is known
+        self.mark = 0  # the debug log is waited in from here on
+        try:
+            arguments = qemu.make_arguments(image, self.folder, memory=memory, pointer=pointer,
+                                            accel=accel or os.environ.get("VENTARA_ACCEL", "tcg"), firmware=firmware)
+            # QEMU ends with the test even if the test is killed.
+            self.process = subprocess.Popen(arguments + ["-display", "none"], stdin=subprocess.DEVNULL,
+                                            stderr=subprocess.PIPE, text=True, preexec_fn=_die_with_parent)
+            self._connect()
+        except BaseException:
+            self.close()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, kind, value, trace):
+        if kind is not None and self.show_log:
+            print("debug log of the machine:\n" + self.log(), file=sys.stderr)
+        self.close()
+
+    def close(self):
+        if self.qmp is not None:
+            self.qmp.close()
+            self.qmp = None
+        if self.process is not None:
+            self.process.kill()
+            self.process.communicate()
+            self.process = None
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    # --- The machine's control socket ---
+
+    def _connect(self):
+        path = os.path.join(self.folder, "qmp.sock")
+        deadline = time.monotonic() + 20
+        while True:
+            if self.process.poll() is not None:
+                raise RuntimeError(f"QEMU ended: {self.process.stderr.read()}")
+            connection = socket.socket(socket.AF_UNIX)
+            try:
+                connection.connect(path)
+                break
+            except OSError:
+                connection.close()
+                if time.monotonic() > deadline:
+                    raise
+                time.sleep(0.05)
+        connection.settimeout(60)
+        self.qmp = connection
+        self._lines = connection.makefile("r", encoding="utf-8")
+        self._lines.readline()
+        self.command("qmp_capabilities")
+
+    def command(self, name, **arguments):
+        message = {"execute": name}
+        if arguments:
+            message["arguments"] = arguments
+        self.qmp.sendall((json.dumps(message) + "\n").encode())
+        while True:
+            line = self._lines.readline()
+            if not line:
+                raise RuntimeError("QEMU closed its socket")
+            answer = json.loads(line)
+            if "return" in answer:
+                return answer["return"]
+            if "error" in answer:
+                raise RuntimeError(f"{name}: {answer['error']['desc']}")
+
+    # --- Progress ---
+
+    def log(self):
+        try:
+            with open(os.path.join(self.folder, "debug.log"), encoding="latin-1") as file:
+                return file.read()
+        except FileNotFoundError:
+            return ""
+
+    def wait_for(self, text, timeout=120):
+        """Waits until the log holds the text behind what was waited for last; gives the rest of its line."""
+        deadline = time.monotonic() + timeout
+        while True:
+            log = self.log()
+            found = log.find(text, self.mark)
+            end = log.find("\n", found) if found >= 0 else -1
+            if end >= 0:
+                self.mark = end + 1
+                return log[found + len(text):end]
+            if self.process.poll() is not None:
+                raise RuntimeError(f"QEMU ended: {self.process.stderr.read()}")
+            if time.monotonic() > deadline:
+                raise TimeoutError(f"no {text!r} within {timeout} s")
+            time.sleep(0.05)
+
+    # --- Screen ---
+
+    def look(self):
+        path = os.path.join(self.folder, "screen.ppm")
+        self.command("screendump", filename=path)
+        with open(path, "rb") as file:
+            return Picture.from_ppm(file.read())
+
+    def look_until(self, wanted, timeout=20, what="the picture wanted"):
+        """Looks until wanted(picture) holds; gives that picture."""
+        deadline = time.monotonic() + timeout
+        while True:
+            picture = self.look()
+            if wanted(picture):
+                return picture
+            if time.monotonic() > deadline:
+                raise TimeoutError(f"the screen didn't show {what} within {timeout} s")
+            time.sleep(0.1)
+
+    # --- Keyboard ---
+
+    def key(self, *names):
+        """One stroke of the key, or of the keys together, by QEMU's names: "esc", "ret", "f"."""
+        self.command("send-key", keys=[{"type": "qcode", "data": name} for name in names])
+        time.sleep(0.2)
+
+    # --- Mouse ---
+
+    def _input(self, *events):
+        self.command("input-send-event", events=list(events))
+
+    def move_by(self, x, y):
+        """Moves the mouse by that many counts, in steps that one PS/2 packet holds."""
+        while x or y:
+            step_x, step_y = max(-100, min(100, x)), max(-100, min(100, y))
+            self._input({"type": "rel", "data": {"axis": "x", "value": step_x}},
+                        {"type": "rel", "data": {"axis": "y", "value": step_y}})
+            x, y = x - step_x, y - step_y
+            time.sleep(0.02)  # the guest's poll takes each packet before the next one comes
+
+    def home(self):
+        """Runs the pointer into the top left corner, whatever its place: the only one that is known without looking."""
+        self.move_by(-2 * WIDTH, -2 * HEIGHT)
+        time.sleep(0.3)
+        self.position = (0, 0)
+
+    def move_to(self, x, y):
+        """Puts the console's pointer on a pixel. One count of the mouse moves it by one pixel."""
+        self.home()
+        self.move_by(x, y)
+        time.sleep(0.3)
+        self.position = (x, y)
+
+    def drag_to(self, x, y):
+        """Moves on from where move_to has put the pointer, without homing, so that held buttons drag."""
+        self.move_by(x - self.position[0], y - self.position[1])
+        time.sleep(0.3)
+        self.position = (x, y)
+
+    def move_tablet(self, x, y):
+        """For a machine with a tablet: puts the pointer on a pixel at once."""
+        self._input({"type": "abs", "data": {"axis": "x", "value": (x * 0x7FFF + WIDTH // 2) // (WIDTH - 1)}},
+                    {"type": "abs", "data": {"axis": "y", "value": (y * 0x7FFF + HEIGHT // 2) // (HEIGHT - 1)}})
+        time.sleep(0.3)
+        self.position = (x, y)
+
+    def button(self, name, down):
+        self._input({"type": "btn", "data": {"button": name, "down": down}})
+
+    def press(self, name="left", hold=0.08):
+        """Presses and releases a button where the pointer stands. A press of under 0.185 s counts as a click."""
+        self.button(name, True)
+        time.sleep(hold)
+        self.button(name, False)
+        time.sleep(0.3)
+
+    def click(self, x, y, name="left"):
+        self.move_to(x, y)
+        self.press(name)
+
+
+def _die_with_parent():
+    import ctypes
+    ctypes.CDLL("libc.so.6").prctl(1, signal.SIGKILL)

@@ -1,0 +1,109 @@
+#!/usr/bin/env python3
+"""Boots ventara.img in QEMU with OVMF, in a window or without one.
+
+The firmware's variable store is copied for every run, and the image is written to a snapshot that is thrown away, so
+that nothing of a run stays behind.
+"""
+import argparse
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+
+FIRMWARE_PAIRS = (
+    ("/usr/share/OVMF/OVMF_CODE_4M.fd", "/usr/share/OVMF/OVMF_VARS_4M.fd"),
+    ("/usr/share/OVMF/OVMF_CODE.fd", "/usr/share/OVMF/OVMF_VARS.fd"),
+    ("/usr/share/edk2/x64/OVMF_CODE.4m.fd", "/usr/share/edk2/x64/OVMF_VARS.4m.fd"),
+    ("/usr/share/edk2/ovmf/OVMF_CODE.fd", "/usr/share/edk2/ovmf/OVMF_VARS.fd"),
+)
+
+# What stands for a mouse. PS/2 is in every machine; a tablet gives the window a pointer without grabbing it.
+POINTERS = {
+    "ps2": [],
+    "tablet": ["-device", "qemu-xhci", "-device", "usb-tablet"],
+    "mouse": ["-device", "qemu-xhci", "-device", "usb-mouse"],
+}
+
+
+class MissingTool(Exception):
+    pass
+
+
+def find_qemu():
+    path = shutil.which("qemu-system-x86_64")
+    if path is None:
+        raise MissingTool("qemu-system-x86_64 isn't installed: apt-get install qemu-system-x86")
+    return path
+
+
+def find_firmware():
+    """The code image and the variable store of OVMF."""
+    for code, variables in FIRMWARE_PAIRS:
+        if os.path.isfile(code) and os.path.isfile(variables):
+            return code, variables
+    raise MissingTool("OVMF, the firmware for QEMU, isn't installed: apt-get install ovmf")
+
+
+def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", firmware=None):
+    """The command line up to what shows the display. folder takes the copied variable store and the logs."""
+    code, variables = firmware or find_firmware()
+    store = os.path.join(folder, "variables.fd")
+    shutil.copyfile(variables, store)
+    os.chmod(store, 0o600)
+    return [
+        find_qemu(), "-machine", f"q35,accel={accel}", "-m", str(memory), "-nodefaults", "-no-user-config", "-vga", "std",
+        "-drive", f"if=pflash,format=raw,unit=0,readonly=on,file={code}",
+        "-drive", f"if=pflash,format=raw,unit=1,file={store}",
+        "-drive", f"if=ide,format=raw,snapshot=on,file={image}",
+        "-debugcon", f"file:{os.path.join(folder, 'debug.log')}", "-global", "isa-debugcon.iobase=0x402",
+        "-serial", f"file:{os.path.join(folder, 'serial.log')}",
+        "-qmp", f"unix:{os.path.join(folder, 'qmp.sock')},server=on,wait=off",
+        *POINTERS[pointer],
+    ]
+
+
+def find_display(qemu):
+    """The window that this QEMU can open."""
+    listed = subprocess.run([qemu, "-display", "help"], capture_output=True, text=True, check=False).stdout.split()
+    for name in ("gtk", "sdl"):
+        if name in listed:
+            return name
+    raise MissingTool("this QEMU can't open a window: apt-get install qemu-system-gui, or use --headless")
+
+
+def main():
+    root = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+    parser = argparse.ArgumentParser(prog="ventara qemu", description=__doc__)
+    parser.add_argument("--image", default=os.path.join(root, "build", "ventara.img"), metavar="FILE",
+                        help="the disk image (default: build/ventara.img)")
+    parser.add_argument("--memory", type=int, default=256, metavar="MIB", help="memory in MiB (default: 256)")
+    parser.add_argument("--accel", default="tcg", metavar="NAME",
+                        help="accelerator: tcg works everywhere, kvm is faster where it works (default: tcg)")
+    parser.add_argument("--pointer", choices=sorted(POINTERS), default=None,
+                        help="the machine's pointing device (default: tablet with a window, ps2 without)")
+    parser.add_argument("--headless", action="store_true",
+                        help="no window: QMP socket, debug log and serial log in a folder, which is printed")
+    options = parser.parse_args()
+    if not os.path.isfile(options.image):
+        sys.exit(f"{options.image} isn't there: make it with ./ventara image")
+    pointer = options.pointer or ("ps2" if options.headless else "tablet")
+    try:
+        with tempfile.TemporaryDirectory(prefix="ventara-qemu-") as folder:
+            arguments = make_arguments(options.image, folder, memory=options.memory, accel=options.accel,
+                                       pointer=pointer)
+            if options.headless:
+                arguments += ["-display", "none"]
+                for name in ("qmp.sock", "debug.log", "serial.log"):
+                    print(os.path.join(folder, name), flush=True)
+            else:
+                arguments += ["-display", find_display(arguments[0])]
+            sys.exit(subprocess.run(arguments, check=False).returncode)
+    except MissingTool as problem:
+        sys.exit(str(problem))
+    except KeyboardInterrupt:
+        sys.exit(130)
+
+
+if __name__ == "__main__":
+    main()
