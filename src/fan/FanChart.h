@@ -9,9 +9,9 @@
 // SelectedFanItem follow the selected tab, and gives that fan's chart its sample.
 VOID FanChartTick();
 
-// One sample and repaint of the page's chart, which starts over from the picture of the control beneath. While a node or
-// the thumb is held the chart stays off the display, as the drag repaints the same rectangle. Nothing happens on a page
-// that lacks the chart or the control.
+// One sample and repaint of the page's chart, which starts over from the picture of the control beneath. While a node
+// or the thumb is held the chart stays off the display, as the drag repaints the same rectangle. Nothing happens on a
+// page that lacks the chart or the control.
 VOID UpdateFanChart(FAN_PAGE* Page);
 
 // Select action of the temperature radios; Context is the radio's PAGE_BAR_ENTRY. The entry's index becomes

@@ -30,11 +30,11 @@ constexpr UINT32 gPanelTitleY = 232;
 EFI_STATUS CreateFanLegend();
 
 // Makes SelectedFanItem follow the selected tab, and draws the legend of that fan. Called whenever something may have
-// changed the curve or the page on top: as a listener and plainly in the first form, as a notify function in the second,
-// which uses neither argument and returns EFI_SUCCESS.
+// changed the curve or the page on top: as a listener and plainly in the first form, as a notify function in the
+// second, which uses neither argument and returns EFI_SUCCESS.
 VOID RefreshFanLegend();
 EFI_STATUS RefreshFanLegend(EFI_EVENT Event, VOID* Context);
 
-// Draws title, box and the four rows of the frame's nodes. Scale 1 takes the duty labels of 8 rows, 0 those of 6. Active
-// is the state of the page's box. A node off the labels leaves its text out.
+// Draws title, box and the four rows of the frame's nodes. Scale 1 takes the duty labels of 8 rows, 0 those of 6.
+// Active is the state of the page's box. A node off the labels leaves its text out.
 VOID DrawFanLegend(UINT8 Scale, UINT8 Active, const DRAGDROP_COMPONENT* Frame);

@@ -54,8 +54,8 @@ extern FAN_PAGE gFanPage[gFanItemCount];
 // One a temperature source, null for a source that isn't present.
 extern CHECK_BOX_COMPONENT* gTemperatureRadio[gTemperatureItemCount];
 
-// Pictures under a fan's and under a temperature's readout. Loaded by the shell before the pages are built, and freed by
-// it.
+// Pictures under a fan's and under a temperature's readout. Loaded by the shell before the pages are built, and freed
+// by it.
 extern PIXEL* gFanReadoutBackdrop;
 extern UINT32 gFanReadoutBackdropWidth;
 extern UINT32 gFanReadoutBackdropHeight;

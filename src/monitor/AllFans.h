@@ -1,8 +1,8 @@
 // The commands on all fans at once: Full speed, Default and Cancel, by button or by key.
 //
-// A command goes to the service at once, and the controls of all pages are brought into line with it. The page on top is
-// repainted; the others show the new state when they next come up. RefreshFanLegend follows every command: the button's
-// listener calls it after a click, the main loop after a key.
+// A command goes to the service at once, and the controls of all pages are brought into line with it. The page on top
+// is repainted; the others show the new state when they next come up. RefreshFanLegend follows every command: the
+// button's listener calls it after a click, the main loop after a key.
 #pragma once
 
 #include "uefi/SystemTable.h"

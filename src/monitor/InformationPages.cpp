@@ -103,8 +103,8 @@ VOID BltRect(const GUI_RECT& Rect, PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERAT
                                Rect.Width * sizeof(PIXEL));
 }
 
-// One turn of the page's own loop. False when the page is to be closed. It only polls: the action that it runs in is at a
-// task priority at which nothing may wait.
+// One turn of the page's own loop. False when the page is to be closed. It only polls: the action that it runs in is at
+// a task priority at which nothing may wait.
 bool RunPageTurn(MESSAGE_BOX* Box)
 {
     bool Open = true;

@@ -1,8 +1,8 @@
-// The scales around the chart panel. At rest the panel shows running lines: degrees at the left, RPM at the right. While
-// a node or a thumb is dragged the same rectangle is an editor: duty at the left, degrees along the foot.
+// The scales around the chart panel. At rest the panel shows running lines: degrees at the left, RPM at the right.
+// While a node or a thumb is dragged the same rectangle is an editor: duty at the left, degrees along the foot.
 //
-// The painters are listeners: the idle ones for the end of a drag, the active ones for its begin. They paint only around
-// the panel's controls, on Screen and display, and erase from Background.
+// The painters are listeners: the idle ones for the end of a drag, the active ones for its begin. They paint only
+// around the panel's controls, on Screen and display, and erase from Background.
 #pragma once
 
 #include "graphics/BltFont.h"
