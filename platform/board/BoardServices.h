@@ -35,16 +35,16 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
 // Takes every interface away and gives all memory back; refused with the firmware's status while one is in use.
 EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle);
 
-// For scripts, FanItem being 4 to 10, and any record being taken as it is. The record that the board holds for a fan; it
-// counts as no change of the console's, so that RestoreFanSettings, which goes back to what the board held at the last
-// Initialize, brings back this record.
+// For scripts; FanItem is 4 to 10, and any record is taken as it is.
+// The record that the board holds for a fan. RestoreFanSettings goes back to what the board held at the last Initialize,
+// but this counts as no change of the console's, so it brings back this record.
 EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting);
 // The record that LoadDefaultFanSettings brings back.
 EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting);
 // The record that the board holds now.
 EFI_STATUS ReadBoardSetting(UINT8 FanItem, FAN_SETTING* Setting);
 
-// For tests: the records that the board has refused since it was installed because they break the contract, and in words
-// why the last one was refused; null when none was.
+// For tests: how many records the board has refused since it was installed because they break the contract, and in
+// words why it refused the last one; null when it refused none.
 UINT64 BoardContractFaults();
 const CHAR8* LastBoardContractFault();

@@ -157,7 +157,7 @@ VOID DrawButtonOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& S
                 State.ButtonWidth, State.ButtonHeight, gOutline);
 }
 
-// Draws one row with its left upper corner at (X, Y), cut to Width by Height. Passed over where the font has no picture.
+// Draws one row with its left upper corner at (X, Y), cut to Width by Height; nothing where the font has no picture.
 VOID DrawRow(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const TEXT_ROW& Row, const PIXEL& Background, UINTN X, UINTN Y,
              UINTN Width, UINTN Height) {
     const EFI_HII_FONT_PROTOCOL* Font = LocateService<EFI_HII_FONT_PROTOCOL>(gEfiHiiFontProtocolGuid);

@@ -1,8 +1,8 @@
 // Message boxes: a dark panel with lines of text and one button, drawn straight onto the display.
 //
-// Everything that a box needs between the calls is in its 72-byte record, so a copy of the record serves as well as the
-// first, and a box that is no longer wanted is simply forgotten. The table of lines and all strings are the caller's and
-// stay where they are until DrawMessageBox has returned; after it no string is looked at any more.
+// Everything that a box needs between the calls is in its 72-byte record, so a copy of the record serves as well as
+// the first, and a box that is no longer wanted is simply forgotten. The table of lines and all strings are the
+// caller's and stay where they are until DrawMessageBox has returned; after it no string is looked at any more.
 #pragma once
 
 #include "shell/Services.h"

@@ -9,8 +9,9 @@ constexpr UINT64 gMaximumSteps = 200;
 constexpr INT32 gFullDuty = 1000;
 constexpr INT32 gFullLoad = 1000;
 
-// How a source heats and cools. Its temperature strives for Ambient + Heat * (1 - Cooling * airflow), Heat lying between
-// the two by the load, so it stays within 30 and 80 degrees whatever the fans do. All in thousandths but the last.
+// How a source heats and cools. Its temperature strives for Ambient + Heat * (1 - Cooling * airflow), where the load
+// sets Heat between the two ends, so it stays within 30 and 80 degrees whatever the fans do. Temperatures and Cooling
+// are in thousandths.
 struct SOURCE_FACTS {
     INT32 Ambient;
     INT32 IdleHeat;

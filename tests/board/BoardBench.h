@@ -40,8 +40,9 @@ struct BOARD_BENCH {
     // The picture the font gives: of the text's own size, or wide with the text's size in the row information.
     bool WidePictures = true;
 
-    BOARD_BENCH() : Pixels(Width * Height, PIXEL{.Blue = 0x56, .Green = 0x34, .Red = 0x12, .Reserved = 0}) {
+    BOARD_BENCH() {
         Current = this;
+        Wipe();
         BootServices.AllocatePool = Allocate;
         BootServices.FreePool = Free;
         BootServices.LocateProtocol = Locate;
@@ -54,6 +55,11 @@ struct BOARD_BENCH {
     ~BOARD_BENCH() { Current = nullptr; }
     BOARD_BENCH(const BOARD_BENCH&) = delete;
     BOARD_BENCH& operator=(const BOARD_BENCH&) = delete;
+
+    // Every pixel of the display to Untouched.
+    void Wipe() {
+        Pixels.assign(Width * Height, PIXEL{.Blue = 0x56, .Green = 0x34, .Red = 0x12, .Reserved = 0});
+    }
 
     UINT32 At(UINTN X, UINTN Y) const { return Rgb(Pixels[Y * Width + X]); }
 

@@ -1,6 +1,7 @@
 // The services as the console finds them: installed in a firmware, driven through the protocols and a clock.
 #include "platform/board/ArtworkPack.h"
 #include "platform/board/BoardServices.h"
+#include "platform/board/Thermal.h"
 #include "tests/board/BoardBench.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,18 @@ UINT64 gNow;
 UINT64 Clock() { return gNow; }
 
 constexpr UINT64 gSecond = 1000000;
+
+// A pack of one section, number 5 of the artwork file.
+struct TEST_PACK {
+    ARTWORK_PACK_HEADER Header = {.Signature = {'V', 'T', 'R', 'P', 'A', 'C', 'K', '1'}, .Count = 1, .Reserved = 0};
+    ARTWORK_PACK_ENTRY Entry = {.File = ARTWORK_FILE_MAIN,
+                                .SectionType = EFI_SECTION_RAW,
+                                .Reserved = 0,
+                                .Instance = 5,
+                                .Offset = sizeof(ARTWORK_PACK_HEADER) + sizeof(ARTWORK_PACK_ENTRY),
+                                .Size = 4};
+    UINT8 Bytes[4] = {1, 2, 3, 4};
+};
 
 struct TEST_POINTER : POINTER_SOURCE {
     INT64 X = 0;
@@ -25,7 +38,7 @@ class Board : public testing::Test {
 protected:
     BOARD_BENCH Bench;
     TEST_POINTER Pointer = {};
-    ARTWORK_PACK_HEADER Pack = {.Signature = {'V', 'T', 'R', 'P', 'A', 'C', 'K', '1'}, .Count = 0, .Reserved = 0};
+    TEST_PACK Pack;
     EFI_HANDLE Handle = nullptr;
     HW_SERVICE_PROTOCOL* Hardware = nullptr;
 
@@ -123,7 +136,7 @@ TEST_F(Board, EveryServiceOfTheConsoleIsInstalledOnce) {
 TEST_F(Board, AnUnknownNameOrADamagedPackIsRefused) {
     EXPECT_EQ(TryInstall("fullest"), EFI_INVALID_PARAMETER);
     EXPECT_EQ(TryInstall(""), EFI_INVALID_PARAMETER);
-    Pack.Count = 1;
+    Pack.Entry.Offset++; // the section now ends beyond the pack
     EXPECT_EQ(TryInstall("full"), EFI_INVALID_PARAMETER);
     EXPECT_TRUE(Bench.Installed.empty());
 }
@@ -323,6 +336,50 @@ TEST_F(Board, ACurveTakesItsFanUpWithTheTemperature) {
         }
     }
     EXPECT_TRUE(SeenCool);
+}
+
+TEST_F(Board, ACurveIsStraightBetweenItsNodesAndLevelBeyondThem) {
+    FAN_SETTING Setting = {};
+    Setting.CurveEnabled = 1;
+    Setting.Column0 = 1; // 40 degrees
+    Setting.Column1 = 3; // 50
+    Setting.Column2 = 4; // 55
+    Setting.Column3 = 8; // 75
+    Setting.Level0 = 1;
+    Setting.Level1 = 3;
+    Setting.Level2 = 3;
+    Setting.Level3 = 6;
+    struct CASE {
+        INT32 MilliDegrees;
+        INT32 OfEight; // thousandths
+        INT32 OfSix;
+    };
+    const CASE Cases[] = {{20000, 125, 500}, {40000, 125, 500}, {45000, 250, 600}, {50000, 375, 700},
+                          {54000, 375, 700}, {65000, 562, 850}, {75000, 750, 1000}, {90000, 750, 1000}};
+    for (const CASE& Case : Cases) {
+        EXPECT_EQ(DutyOfCurve(&Setting, CONTROL_CURVE8, Case.MilliDegrees), Case.OfEight) << Case.MilliDegrees;
+        EXPECT_EQ(DutyOfCurve(&Setting, CONTROL_CURVE6, Case.MilliDegrees), Case.OfSix) << Case.MilliDegrees;
+    }
+}
+
+TEST_F(Board, ArtworkThatAScriptHasReplacedIsForgottenWithTheServices) {
+    const UINT8 Type = EFI_SECTION_RAW;
+    const auto Get = [&] {
+        auto* Sections = Bench.Find<IMAGE_SECTION_PROTOCOL>(gImageSectionProtocolGuid);
+        VOID* Data = nullptr;
+        UINTN Size = 0;
+        const EFI_STATUS Status = Sections->GetArtworkSection(5, &Data, &Size, &gArtworkFileGuid, &Type);
+        if (!EfiError(Status)) {
+            (void)Bench.BootServices.FreePool(Data);
+        }
+        return Status;
+    };
+    Install("full");
+    EXPECT_EQ(Get(), EFI_SUCCESS);
+    OverrideArtwork(5, nullptr, 0);
+    EXPECT_TRUE(EfiError(Get()));
+    Install("full");
+    EXPECT_EQ(Get(), EFI_SUCCESS);
 }
 
 TEST_F(Board, CancelGoesBackToWhatWasHeldAtTheConsolesStart) {

@@ -160,7 +160,7 @@ TEST_F(MessageBoxes, ABoxNeverReachesBeyondTheScreen) {
         EXPECT_EQ(All.Right, Case.X + Box.BoxWidth);
         EXPECT_EQ(All.Bottom, Case.Y + Box.BoxHeight);
         EXPECT_FALSE(Bench.BltOutside);
-        std::fill(Bench.Pixels.begin(), Bench.Pixels.end(), PIXEL{.Blue = 0x56, .Green = 0x34, .Red = 0x12, .Reserved = 0});
+        Bench.Wipe();
     }
     EXPECT_EQ(Create(1024, 0, 10, 10, {}), EFI_INVALID_PARAMETER);
     EXPECT_EQ(Create(0, 768, 10, 10, {}), EFI_INVALID_PARAMETER);
@@ -207,6 +207,9 @@ TEST_F(MessageBoxes, AFragmentOfTheRestingButtonIsMendedInTheTurnAfterAMoveOnThe
     Bench.Pixels[Press.Top * BOARD_BENCH::Width + Press.Left] = PIXEL{};
     (void)UpdateMessageBox(&Box, Press.Left + 9, Press.Top + 9);
     EXPECT_EQ(Bench.At(Press.Left, Press.Top), Hover);
+    // Drawn once more, the whole box shows its button at rest.
+    Draw();
+    EXPECT_NE(Bench.At(Press.Left, Press.Top), Hover);
 }
 
 TEST_F(MessageBoxes, WithoutAFontOrPoolTheBoxComesWithoutText) {
