@@ -36,8 +36,8 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
 EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle);
 
 // For scripts; FanItem is 4 to 10, and any record is taken as it is.
-// The record that the board holds for a fan. RestoreFanSettings goes back to what the board held at the last Initialize,
-// but this counts as no change of the console's, so it brings back this record.
+// The record that the board holds for a fan. RestoreFanSettings goes back to what the board held at the last
+// Initialize, but this counts as no change of the console's, so it brings back this record.
 EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting);
 // The record that LoadDefaultFanSettings brings back.
 EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting);
