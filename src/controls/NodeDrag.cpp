@@ -1,0 +1,240 @@
+#include "controls/DragDropFrame.h"
+#include "controls/FrameParts.h"
+#include "controls/GridImage.h"
+#include "graphics/GraphicProtocol.h"
+#include "gui/PointerEngine.h"
+#include "shell/Board.h"
+#include "support/Library.h"
+
+UINT8 gDragging = 0;
+DRAG_REPORT gFrameDragReport = {};
+
+static INT64 gDragStartX = 0;
+static INT64 gDragStartY = 0;
+// Top left corner of the dragged picture at its last drawing, relative to the frame. They keep their values between
+// drags, of whatever frame.
+static INT64 gDragFrameX = 0;
+static INT64 gDragFrameY = 0;
+
+// Works out the limits of the node in hand from its neighbours' cells: it stays right of the node before and left of the
+// node after, and passes neither of their rows.
+static VOID SetDragDropNodeLimits(DRAGDROP_COMPONENT* Frame)
+{
+    const UINT32 Number = Frame->ActiveNode;
+    const GUI_RECT& Rect = Frame->Rect;
+    const UINT32 HalfWidth = Frame->CellWidth / 2u;
+    const UINT32 HalfHeight = Frame->CellHeight / 2u;
+    DD_FRAME_NODE& Node = Frame->Nodes[Number];
+
+    Node.Left = Rect.X;
+    Node.Bottom = Rect.Y + Rect.Height;
+    if (Number > 0) {
+        Node.Left = Frame->Nodes[Number - 1].CenterX + HalfWidth;
+        Node.Bottom = Frame->Nodes[Number - 1].CenterY + HalfHeight;
+    }
+    Node.Right = Rect.X + Rect.Width;
+    Node.Top = Rect.Y;
+    if (Number < gNodeCount - 1) {
+        Node.Right = Frame->Nodes[Number + 1].CenterX - HalfWidth;
+        Node.Top = Frame->Nodes[Number + 1].CenterY - HalfHeight;
+    }
+}
+
+// Drops the node in hand into the cell under (X, Y), frame coordinates, unless another node stands there.
+static EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
+{
+    const DD_FRAME_CELL* Cell =
+        CellAt(Frame, static_cast<UINT8>(X / Frame->CellWidth + Frame->Columns * (Y / Frame->CellHeight)));
+    GUI_COMPONENT* Component = nullptr;
+    if (EfiError(FindNodeComponent(Frame, Frame->Nodes[Frame->ActiveNode], &Component))) {
+        return EFI_NOT_FOUND;
+    }
+    if (Cell == nullptr) {
+        return EFI_SUCCESS;
+    }
+    for (UINT32 I = 0; I < gNodeCount; I++) {
+        const DD_FRAME_NODE& Other = Frame->Nodes[I];
+        if (I != Frame->ActiveNode && Other.CenterX == Cell->X && Other.CenterY == Cell->Y &&
+            Other.Column == Cell->Column && Other.Row == Cell->Row) {
+            return EFI_SUCCESS;
+        }
+    }
+    MoveNode(Frame, &Frame->Nodes[Frame->ActiveNode], Component, *Cell);
+    return EFI_SUCCESS;
+}
+
+static UINT32 Distance(UINT32 A, UINT32 B)
+{
+    return A > B ? A - B : B - A;
+}
+
+// The lines that lead from the centre of the dragged picture to the frame's two scales.
+static VOID DrawGuideLines(DRAGDROP_COMPONENT* Frame, POINT Place, PIXEL Color)
+{
+    const INT64 CenterX = Place.X + Frame->CellWidth / 2;
+    const INT64 CenterY = Place.Y + Frame->CellHeight / 2;
+    const UINTN Width = Frame->Rect.Width;
+    const UINTN Height = Frame->Rect.Height;
+    if (CenterX < 0 || CenterY < 0 || CenterX >= static_cast<INT64>(Width) || CenterY >= static_cast<INT64>(Height)) {
+        return;
+    }
+    const UINTN X = static_cast<UINTN>(CenterX);
+    const UINTN Y = static_cast<UINTN>(CenterY);
+    (void)gDrawPrimitives->DrawLine(Frame->WorkImage, Width, Height, X, Y, X, Height - 1, 1, PixelWord(Color));
+    (void)gDrawPrimitives->DrawLine(Frame->WorkImage, Width, Height, 1, Y, X, Y, 1, PixelWord(Color));
+}
+
+// The picture of a drag, with the top left corner of the node in hand at Place. A node over which the pointer passes is
+// not drawn in that turn.
+static VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
+{
+    const DD_FRAME_NODE& Active = Frame->Nodes[Frame->ActiveNode];
+    const PIXEL Color = gNodeColor[Frame->ActiveNode];
+    const GUI_RECT& Rect = Frame->Rect;
+    CopyMem(Frame->WorkImage, Frame->GridImage, Rect.BufferSize);
+    (void)MarkRectangle(Frame->WorkImage, Rect.Width, Rect.Height, static_cast<INT32>(Active.Left - Rect.X),
+                        static_cast<INT32>(Active.Top - Rect.Y), Distance(Active.Right, Active.Left),
+                        Distance(Active.Bottom, Active.Top), Color);
+    for (const DD_FRAME_NODE& Node : Frame->Nodes) {
+        if (Node.Id != gGuiCore->HitId && &Node != &Active) {
+            OverlayNode(Frame, Node, RestingPlace(Frame, Node));
+        }
+    }
+    DrawGuideLines(Frame, Place, Color);
+    OverlayNode(Frame, Active, Place);
+    ShowWorkImage(Frame);
+    gFrameDragReport = {
+        .RelX = static_cast<UINT16>(Place.X < 0 ? -Place.X : Place.X),
+        .RelY = static_cast<UINT16>(Place.Y < 0 ? -Place.Y : Place.Y),
+        .AbsX = static_cast<UINT16>(Rect.X + Place.X),
+        .AbsY = static_cast<UINT16>(Rect.Y + Place.Y),
+        .CellWidth = Frame->CellWidth,
+        .CellHeight = Frame->CellHeight,
+    };
+}
+
+EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
+{
+    DRAGDROP_COMPONENT* Frame = static_cast<DRAGDROP_COMPONENT*>(Context);
+    if (gDragging == 1 || gGuiCore->MouseState != L_HOLD || !FrameIsLive(Frame)) {
+        return EFI_NOT_FOUND;
+    }
+    for (UINT8 I = 0; I < gNodeCount; I++) {
+        if (Frame->Nodes[I].Id == gGuiCore->HitId) {
+            gGuiCore->TargetId = static_cast<UINT16>(Frame->Nodes[I].Id);
+            gGuiCore->Target = Frame;
+            gGuiCore->TargetKind = _DRAGDROP_COMPONENT;
+            Frame->ActiveNode = I;
+            return EFI_SUCCESS;
+        }
+    }
+    return EFI_NOT_FOUND;
+}
+
+static INT64 Limit(INT64 Value, INT64 Least, INT64 Most)
+{
+    return Value < Least ? Least : Value > Most ? Most : Value;
+}
+
+// Where to draw the node in hand for the pointer's present place, in frame coordinates: the wanted place while the whole
+// picture is inside the limits; along one of their sides while the pointer is beyond that side alone; else where it was.
+static POINT DragPlace(const DRAGDROP_COMPONENT* Frame)
+{
+    const DD_FRAME_NODE& Node = Frame->Nodes[Frame->ActiveNode];
+    const INT64 PointerX = gGuiCore->PointerX;
+    const INT64 PointerY = gGuiCore->PointerY;
+    const POINT Base = RestingPlace(Frame, Node);
+    const INT64 WantX = Base.X + PointerX - gDragStartX;
+    const INT64 WantY = Base.Y + PointerY - gDragStartY;
+    const INT64 MinX = static_cast<INT64>(Node.Left) - Frame->Rect.X;
+    const INT64 MaxX = static_cast<INT64>(Node.Right) - Frame->Rect.X - Frame->CellWidth;
+    const INT64 MinY = static_cast<INT64>(Node.Top) - Frame->Rect.Y;
+    const INT64 MaxY = static_cast<INT64>(Node.Bottom) - Frame->Rect.Y - Frame->CellHeight;
+
+    if (WantX > MinX && WantX < MaxX && WantY > MinY && WantY < MaxY) {
+        return {WantX, WantY};
+    }
+    const bool InsideX = PointerX > Node.Left && PointerX < Node.Right;
+    const bool InsideY = PointerY > Node.Top && PointerY < Node.Bottom;
+    if (InsideX && InsideY) {
+        return {Limit(WantX, MinX, MaxX), Limit(WantY, MinY, MaxY)};
+    }
+    if (InsideY && (PointerX < Node.Left || PointerX > Node.Right)) {
+        return {PointerX < Node.Left ? MinX : MaxX, Limit(WantY, MinY, MaxY)};
+    }
+    if (InsideX && (PointerY < Node.Top || PointerY > Node.Bottom)) {
+        return {Limit(WantX, MinX, MaxX), PointerY < Node.Top ? MinY : MaxY};
+    }
+    return {gDragFrameX, gDragFrameY};
+}
+
+static VOID BeginNodeDrag(DRAGDROP_COMPONENT* Frame)
+{
+    Frame->DragStarted = 1;
+    gDragging = 1;
+    gDragStartX = gGuiCore->PointerX;
+    gDragStartY = gGuiCore->PointerY;
+    (void)FireDragDropListeners(L_HOLD);
+}
+
+static VOID MoveNodeDrag(DRAGDROP_COMPONENT* Frame)
+{
+    gDragLock = 1;
+    const POINT Place = DragPlace(Frame);
+    gDragFrameX = Place.X;
+    gDragFrameY = Place.Y;
+    DrawDragDropDrag(Frame, Place);
+}
+
+static VOID EndNodeDrag(DRAGDROP_COMPONENT* Frame)
+{
+    gDragLock = 0;
+    // A press too short for a drag leaves the node where it was.
+    if (gGuiCore->MouseState != L_CLICK) {
+        (void)SnapDragDropNode(Frame, gDragFrameX + Frame->CellWidth / 2, gDragFrameY + Frame->CellHeight / 2);
+    }
+    RepaintDragDropFrame(Frame);
+    Frame->ActiveNode = gNoActiveNode;
+    ClearTarget();
+    gDragStartX = 0;
+    gDragStartY = 0;
+    gFrameDragReport.RelX = 0;
+    gFrameDragReport.RelY = 0;
+    gFrameDragReport.AbsX = 0;
+    gFrameDragReport.AbsY = 0;
+    (void)FireDragDropListeners(L_HOLD_TO_RELEASE);
+    if (Frame->DragStarted == 1) {
+        Frame->DragStarted = 0;
+        gDragging = 0;
+    }
+}
+
+EFI_STATUS DragDropFrameDispatch()
+{
+    DRAGDROP_COMPONENT* Frame = nullptr;
+    if (gGuiCore->TargetKind == _DRAGDROP_COMPONENT) {
+        Frame = static_cast<DRAGDROP_COMPONENT*>(gGuiCore->Target);
+    }
+    if (!FrameIsWhole(Frame) || Frame->ActiveNode >= gNoActiveNode) {
+        gDragging = 0;
+        return EFI_NOT_FOUND;
+    }
+    switch (gGuiCore->MouseState) {
+    case L_HOLD:
+        SetDragDropNodeLimits(Frame);
+        if (Frame->DragStarted == 0) {
+            BeginNodeDrag(Frame);
+        } else {
+            MoveNodeDrag(Frame);
+        }
+        break;
+    case NOEVENT:
+    case L_HOLD_TO_RELEASE:
+    case L_CLICK:
+        EndNodeDrag(Frame);
+        break;
+    default:
+        break;
+    }
+    return EFI_NOT_FOUND;
+}
