@@ -37,7 +37,7 @@ struct PICTURE {
 };
 
 // The corners are cut from the frame's own picture, so that they can't differ from it.
-constexpr int gCornerSide = 24;
+constexpr int gCornerSide = 20;
 
 constexpr PICTURE gPictures[] = {
     {ARTWORK_FILE_MAIN, 2, "frame", FORMAT::Bmp, gCornerSide, true},
@@ -141,7 +141,8 @@ BYTES StorePicture(const RGB_IMAGE& Image, FORMAT Format) {
     BYTES Bytes;
     const int Written =
         Format == FORMAT::Jpeg
-            ? stbi_write_jpg_to_func(AppendBytes, &Bytes, Image.Width, Image.Height, 3, Image.Pixels.data(), gJpegQuality)
+            ? stbi_write_jpg_to_func(AppendBytes, &Bytes, Image.Width, Image.Height, 3, Image.Pixels.data(),
+                                     gJpegQuality)
             : stbi_write_bmp_to_func(AppendBytes, &Bytes, Image.Width, Image.Height, 3, Image.Pixels.data());
     if (Written == 0) {
         Fail("can't encode a picture");

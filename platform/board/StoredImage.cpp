@@ -1,14 +1,20 @@
 #include "platform/board/StoredImage.h"
 #include "platform/board/ArtworkPool.h"
+#include "platform/board/JpegMarkers.h"
 
 // The library asks for blocks through these. When the pool says no, it reports a damaged picture like any other, so the
 // shortage is noted here.
 static bool gPoolRanOut = false;
 
+// The blocks are cleared: a JPEG that uses a table which it hasn't defined finds an empty one.
 static VOID* AllocateForImage(size_t Size) {
-    VOID* Block = AllocateArtworkPool(Size);
+    auto* Block = static_cast<UINT8*>(AllocateArtworkPool(Size));
     if (Block == nullptr) {
         gPoolRanOut = true;
+        return nullptr;
+    }
+    for (size_t Index = 0; Index < Size; Index++) {
+        Block[Index] = 0;
     }
     return Block;
 }
@@ -33,17 +39,6 @@ static VOID* AllocateForImage(size_t Size) {
 
 static_assert(gMaxImageSide == STBI_MAX_DIMENSIONS);
 
-// The library fills a picture that ends too early with gray. A whole JPEG ends with its end mark (padding may follow),
-// and inside the coded data those two bytes can't stand.
-static bool HasJpegEnd(const UINT8* Image, UINT32 ImageSize) {
-    for (UINT32 Index = ImageSize; Index >= 2; Index--) {
-        if (Image[Index - 2] == 0xFF && Image[Index - 1] == 0xD9) {
-            return true;
-        }
-    }
-    return false;
-}
-
 static UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count) {
     UINT64 Value = 0;
     for (UINTN Index = 0; Index < Count; Index++) {
@@ -52,7 +47,7 @@ static UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count) {
     return Value;
 }
 
-// The same for a BMP without compression: all its rows have to be there.
+// The library fills a BMP that ends too early with zeros: all its rows have to be there.
 static bool HasBmpRows(const UINT8* Image, UINT32 ImageSize, UINT32 Width, UINT32 Height) {
     constexpr UINT32 SmallestHeaders = 26;
     constexpr UINT64 OldInfoHeaderSize = 12; // that form has 16-bit sides, so its depth stands earlier
@@ -78,6 +73,9 @@ EFI_STATUS ReadStoredImage(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT3
     if (ImageSize > 0x7FFFFFFF || !IsFormat(Format, Image, ImageSize)) {
         return EFI_UNSUPPORTED;
     }
+    if (Format == STORED_IMAGE_JPEG && !CheckJpegMarkers(Image, ImageSize)) {
+        return EFI_VOLUME_CORRUPTED;
+    }
     gPoolRanOut = false;
     const int Size = static_cast<int>(ImageSize);
     int PictureWidth = 0;
@@ -92,9 +90,7 @@ EFI_STATUS ReadStoredImage(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT3
     if (PictureWidth <= 0 || PictureHeight <= 0 || ColumnCount > gMaxImageSide || RowCount > gMaxImageSide) {
         return EFI_UNSUPPORTED;
     }
-    const bool Whole = Format == STORED_IMAGE_JPEG ? HasJpegEnd(Image, ImageSize)
-                                                   : HasBmpRows(Image, ImageSize, ColumnCount, RowCount);
-    if (!Whole) {
+    if (Format == STORED_IMAGE_BMP && !HasBmpRows(Image, ImageSize, ColumnCount, RowCount)) {
         return EFI_VOLUME_CORRUPTED;
     }
     UINT8* Colors = stbi_load_from_memory(Image, Size, &PictureWidth, &PictureHeight, &Channels, 3);
