@@ -350,6 +350,25 @@ VOID RunPageStep(FAN_PAGE* Page, PAGE_STEP Step)
     }
 }
 
+// What the event group of a page's links of one kind would run, in the order of the links.
+VOID RunBoxLinks(FAN_PAGE* Page)
+{
+    const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
+    const FAN_PAGE_WRITERS& Writers = gFanPageWriters[IndexOfFanPage(Page)];
+    const bool Checked = PageBoxIsChecked(Page);
+    for (UINTN Step = 0; Step < Layout.StepCount; Step++) {
+        if (Layout.Steps[Step] == LINK_WRITE_CHECKED && Checked) {
+            (void)Writers.OnCurveChecked(nullptr, nullptr);
+        } else if (Layout.Steps[Step] == LINK_WRITE_UNCHECKED && !Checked) {
+            (void)Writers.OnCurveUnchecked(nullptr, nullptr);
+        } else if (Layout.Steps[Step] == LINK_SHOW_FRAME && Checked && PageHasFrame(Page)) {
+            (void)OnDragDropRefresh(nullptr, &Page->Frame);
+        } else if (Layout.Steps[Step] == LINK_SHOW_SLIDER && !Checked && PageHasSlider(Page)) {
+            (void)OnSliderRefresh(nullptr, &Page->Slider);
+        }
+    }
+}
+
 // The tab's text: the layout's blanks, then the fan's name. Null without memory: the tab then shows no text.
 CHAR16* BuildTabText(const CHAR16* Prefix, const CHAR16* Name)
 {
@@ -437,6 +456,21 @@ FAN_PAGE* FanPageOnTop()
         }
     }
     return nullptr;
+}
+
+VOID ApplyFanBox(FAN_PAGE* Page)
+{
+    if (Page->CheckBox == nullptr) {
+        return;
+    }
+    // Outside a click the box keeps its links' events quiet.
+    const UINT32 MouseState = gGuiCore->MouseState;
+    gGuiCore->MouseState = NOEVENT;
+    (void)SetCheckBoxState(nullptr, Page->CheckBox);
+    gGuiCore->MouseState = MouseState;
+    if (MouseState == L_CLICK) {
+        RunBoxLinks(Page);
+    }
 }
 
 UINT8 AskFanKind() { return gHwService->GetFanKind(gHwService, gFanKindItem); }

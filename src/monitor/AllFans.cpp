@@ -67,14 +67,6 @@ VOID DrawBox(FAN_PAGE* Page)
     }
 }
 
-// Carries the new state to the box's links and components. During a button's action this also runs the page's writers.
-VOID ApplyBox(FAN_PAGE* Page)
-{
-    if (Page->CheckBox != nullptr) {
-        (void)SetCheckBoxState(nullptr, Page->CheckBox);
-    }
-}
-
 VOID RepaintSlider(FAN_PAGE* Page)
 {
     if (PageHasSlider(Page)) {
@@ -97,11 +89,11 @@ VOID RepaintPageOnTop(UINT8 Kind, bool IsCancel)
         break;
     case SHARE_HELD_SLIDER:
         DrawBox(Page);
-        ApplyBox(Page);
+        ApplyFanBox(Page);
         break;
     case SHARE_BOX_SLIDER:
         DrawBox(Page);
-        ApplyBox(Page);
+        ApplyFanBox(Page);
         // After Full speed and Default the slider is repainted even over a frame that has come to the front; the next
         // tick of the chart brings the right control back. That is meant.
         if (Page->Layout == FAN_LAYOUT_CURVE6_SLIDER && !(IsCancel && PageBoxIsChecked(Page))) {
