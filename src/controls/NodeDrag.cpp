@@ -1,4 +1,5 @@
 #include "controls/DragDropFrame.h"
+
 #include "controls/FrameParts.h"
 #include "controls/GridImage.h"
 #include "graphics/GraphicProtocol.h"
@@ -40,11 +41,21 @@ static VOID SetDragDropNodeLimits(DRAGDROP_COMPONENT* Frame)
     }
 }
 
+// The cell under (X, Y), frame coordinates, or null when there is none.
+static const DD_FRAME_CELL* CellUnder(const DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
+{
+    const INT64 Column = X / Frame->CellWidth;
+    const INT64 Row = Y / Frame->CellHeight;
+    if (X < 0 || Y < 0 || Column >= Frame->Columns || Row >= Frame->Rows) {
+        return nullptr;
+    }
+    return CellAt(Frame, static_cast<UINT8>(Column + Frame->Columns * Row));
+}
+
 // Drops the node in hand into the cell under (X, Y), frame coordinates, unless another node stands there.
 static EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
 {
-    const DD_FRAME_CELL* Cell =
-        CellAt(Frame, static_cast<UINT8>(X / Frame->CellWidth + Frame->Columns * (Y / Frame->CellHeight)));
+    const DD_FRAME_CELL* Cell = CellUnder(Frame, X, Y);
     GUI_COMPONENT* Component = nullptr;
     if (EfiError(FindNodeComponent(Frame, Frame->Nodes[Frame->ActiveNode], &Component))) {
         return EFI_NOT_FOUND;
