@@ -1,0 +1,188 @@
+#include "platform/firmware/pointer/MachinePointer.h"
+
+#include "platform/firmware/Clock.h"
+#include "platform/firmware/Ports.h"
+#include "platform/firmware/Report.h"
+#include "platform/firmware/pointer/ProtocolPointers.h"
+#include "platform/firmware/pointer/Ps2Mouse.h"
+#include "platform/firmware/pointer/UsbPointers.h"
+
+namespace {
+
+constexpr UINTN gDefaultWidth = 1024;
+constexpr UINTN gDefaultHeight = 768;
+
+// Reports taken in one read, so that a fast mouse isn't left behind by a slow turn of the console's loop.
+constexpr UINTN gReportsPerRead = 16;
+
+// The kinds of devices, each with its buttons as it last reported them.
+enum KIND : UINT8 { KIND_PROTOCOL, KIND_USB, KIND_PS2, KIND_COUNT };
+
+struct MACHINE_POINTER {
+    POINTER_SOURCE Source; // first, so that a pointer to it is a pointer to the whole
+    INT64 X;
+    INT64 Y;
+    INT64 Width;
+    INT64 Height;
+    UINT8 Left[KIND_COUNT];
+    UINT8 Right[KIND_COUNT];
+    bool InUse; // between the console's first read and its close
+    PS2_MOUSE Ps2;
+};
+
+EFI_BOOT_SERVICES* gBoot;
+MACHINE_POINTER gPointer;
+
+INT64 Clamp(INT64 Value, INT64 Limit) { return Value < 0 ? 0 : Value >= Limit ? Limit - 1 : Value; }
+
+// Moves the pointer and keeps the buttons; true when the kind's buttons changed.
+bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Change)
+{
+    if (Change->Absolute) {
+        Pointer->X = (Change->X * (Pointer->Width - 1) + gFullScale / 2) / gFullScale;
+        Pointer->Y = (Change->Y * (Pointer->Height - 1) + gFullScale / 2) / gFullScale;
+    } else {
+        Pointer->X += Change->X;
+        Pointer->Y += Change->Y;
+    }
+    Pointer->X = Clamp(Pointer->X, Pointer->Width);
+    Pointer->Y = Clamp(Pointer->Y, Pointer->Height);
+    bool ButtonsChanged = Pointer->Left[Kind] != Change->Left || Pointer->Right[Kind] != Change->Right;
+    Pointer->Left[Kind] = Change->Left;
+    Pointer->Right[Kind] = Change->Right;
+    return ButtonsChanged;
+}
+
+bool PollKind(MACHINE_POINTER* Pointer, KIND Kind, UINT64 Now, POINTER_CHANGE* Change)
+{
+    switch (Kind) {
+    case KIND_PROTOCOL:
+        return PollProtocolPointers(Now, Change);
+    case KIND_USB:
+        return PollUsbPointers(Now, Change);
+    case KIND_PS2: {
+        if (FirmwareDrivesPs2Mouse()) {
+            return false;
+        }
+        // The keyboard's driver polls the same controller from a timer; it is kept out while bytes are looked at.
+        EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
+        bool Reported = PollPs2Mouse(&Pointer->Ps2, Now, Change);
+        gBoot->RestoreTPL(Level);
+        return Reported;
+    }
+    case KIND_COUNT:
+        break;
+    }
+    return false;
+}
+
+VOID BeginUse(MACHINE_POINTER* Pointer, UINT64 Now)
+{
+    Pointer->InUse = true;
+    // Looks for the firmware's own devices first, which may be the mouse at the keyboard controller.
+    POINTER_CHANGE Change;
+    (void)PollProtocolPointers(Now, &Change);
+    if (!FirmwareDrivesPs2Mouse()) {
+        EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
+        StartPs2Mouse(&Pointer->Ps2, Now);
+        gBoot->RestoreTPL(Level);
+    }
+    // The console reads the pointer for the first time when its first screen is complete.
+    Report("ventara: first screen\n");
+}
+
+VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* Right)
+{
+    auto* Pointer = reinterpret_cast<MACHINE_POINTER*>(This);
+    UINT64 Now = ReadMicroseconds();
+    if (!Pointer->InUse) {
+        BeginUse(Pointer, Now);
+    }
+    bool ButtonsChanged = false;
+    for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
+        // A change of buttons is left to be seen before the next report is taken: a short press isn't lost.
+        for (UINTN Count = 0; Count < gReportsPerRead && !ButtonsChanged; Count++) {
+            POINTER_CHANGE Change = {};
+            bool Reported = PollKind(Pointer, static_cast<KIND>(Kind), Now, &Change);
+            // Without a report too: a device that is gone has its buttons up.
+            ButtonsChanged = ApplyChange(Pointer, static_cast<KIND>(Kind), &Change);
+            if (!Reported) {
+                break;
+            }
+        }
+    }
+    *X = Pointer->X;
+    *Y = Pointer->Y;
+    *Left = 0;
+    *Right = 0;
+    for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
+        *Left |= Pointer->Left[Kind];
+        *Right |= Pointer->Right[Kind];
+    }
+}
+
+VOID SetPointerLimits(POINTER_SOURCE* This, UINTN Width, UINTN Height)
+{
+    auto* Pointer = reinterpret_cast<MACHINE_POINTER*>(This);
+    if (Width == 0 || Height == 0 || Width > 0xFFFF || Height > 0xFFFF) {
+        return;
+    }
+    Pointer->Width = static_cast<INT64>(Width);
+    Pointer->Height = static_cast<INT64>(Height);
+    Pointer->X = Clamp(Pointer->X, Pointer->Width);
+    Pointer->Y = Clamp(Pointer->Y, Pointer->Height);
+}
+
+// The next start finds the pointer in the middle again, and no button down.
+VOID ResetPointer(MACHINE_POINTER* Pointer)
+{
+    Pointer->InUse = false;
+    Pointer->X = Pointer->Width / 2;
+    Pointer->Y = Pointer->Height / 2;
+    for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
+        Pointer->Left[Kind] = 0;
+        Pointer->Right[Kind] = 0;
+    }
+}
+
+VOID EndPointer(POINTER_SOURCE* This)
+{
+    auto* Pointer = reinterpret_cast<MACHINE_POINTER*>(This);
+    if (!Pointer->InUse) {
+        return;
+    }
+    EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
+    StopPs2Mouse(&Pointer->Ps2);
+    gBoot->RestoreTPL(Level);
+    ResetPointer(Pointer);
+    Report("ventara: pointer closed\n");
+}
+
+}
+
+EFI_STATUS OpenMachinePointer(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image, POINTER_SOURCE** Source)
+{
+    gBoot = SystemTable->BootServices;
+    gPointer = {};
+    gPointer.Source = {.Read = ReadPointer, .SetLimits = SetPointerLimits, .Close = EndPointer};
+    gPointer.Width = gDefaultWidth;
+    gPointer.Height = gDefaultHeight;
+    ResetPointer(&gPointer);
+    constexpr PS2_PORTS Ports = {.Read = ReadPort, .Write = WritePort};
+    InitializePs2Mouse(&gPointer.Ps2, &Ports);
+    OpenProtocolPointers(SystemTable);
+    EFI_STATUS Status = OpenUsbPointers(SystemTable, Image);
+    if (EfiError(Status)) {
+        CloseProtocolPointers();
+        return Status;
+    }
+    *Source = &gPointer.Source;
+    return EFI_SUCCESS;
+}
+
+VOID CloseMachinePointer()
+{
+    EndPointer(&gPointer.Source);
+    CloseUsbPointers();
+    CloseProtocolPointers();
+}
