@@ -4,7 +4,8 @@
 //   MakePack --sheet PACK-FILE SHEET.png  shows every picture of a pack at double size, as it decodes
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
