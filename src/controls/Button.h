@@ -4,7 +4,8 @@
 // the listeners of type 2. A button that joins a page bar hands its component over: it then gets its frames from the
 // bar, and the events below stop being signalled for it.
 //
-// Create it, join a callback with SetButtonCallback, and paint frame 0 when the screen is built: creation paints nothing.
+// Create it, join a callback with SetButtonCallback, and paint frame 0 when the screen is built: creation paints
+// nothing.
 #pragma once
 
 #include "graphics/Palette.h"
@@ -59,10 +60,10 @@ struct _BTN_COMPONENT {
 };
 using BTN_COMPONENT = struct _BTN_COMPONENT;
 
-// Makes a button from the JPEG section ImageId of the file and registers its component. Title may be null and is copied.
-// (X, Y) is its place on the screen, (TextX, TextY) the caption's offset inside a frame. The status is that of creating
-// the second event. Without pool for the record, or without a picture that fits the screen at that place, ButtonOut
-// becomes null and the status is an error; without pool for the captions the button shows the bare picture.
+// Makes a button from the JPEG section ImageId of the file and registers its component. Title may be null and is
+// copied. (X, Y) is its place on the screen, (TextX, TextY) the caption's offset inside a frame. The status is that of
+// creating the second event. Without pool for the record, or without a picture that fits the screen at that place,
+// ButtonOut becomes null and the status is an error; without pool for the captions the button shows the bare picture.
 EFI_STATUS CreateButton(BTN_COMPONENT** ButtonOut, const EFI_GUID* FileGuid, UINT32 ImageId, const CHAR16* Title,
                         UINT32 X, UINT32 Y, UINT16 TextX, UINT16 TextY);
 
@@ -76,9 +77,9 @@ VOID PaintButton(INT32 Frame, BTN_COMPONENT* Button);
 // creating the event; a null button or another slot does nothing and gives EFI_INVALID_PARAMETER.
 EFI_STATUS SetButtonCallback(BTN_COMPONENT* Button, EFI_EVENT_NOTIFY Notify, UINT32 Slot);
 
-// Adds a listener, which runs Notify with the button as context. One signal reaches all listeners of a type, so they all
-// run at a click. A Type above 3 gets a place in the list and no event. EFI_OUT_OF_RESOURCES for a null button or without
-// pool, else the status of creating the event.
+// Adds a listener, which runs Notify with the button as context. One signal reaches all listeners of a type, so they
+// all run at a click. A Type above 3 gets a place in the list and no event. EFI_OUT_OF_RESOURCES for a null button or
+// without pool, else the status of creating the event.
 EFI_STATUS AddButtonListener(BTN_COMPONENT* Button, UINT32 Type, EFI_EVENT_NOTIFY Notify);
 
 // Notify function of slot 4 and the button's hover handler; Context is the button. EFI_NOT_FOUND, with nothing changed,

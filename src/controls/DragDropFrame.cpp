@@ -234,8 +234,8 @@ EFI_STATUS FindNodeComponent(DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Nod
     if (EfiError(Status)) {
         return Status;
     }
-    const bool Ours = *Component != nullptr && (*Component)->Owner == Frame && (*Component)->Kind == _DRAGDROP_COMPONENT;
-    return Ours ? EFI_SUCCESS : EFI_NOT_FOUND;
+    const GUI_COMPONENT* Found = *Component;
+    return Found != nullptr && Found->Owner == Frame && Found->Kind == _DRAGDROP_COMPONENT ? EFI_SUCCESS : EFI_NOT_FOUND;
 }
 
 VOID MoveNode(const DRAGDROP_COMPONENT* Frame, DD_FRAME_NODE* Node, GUI_COMPONENT* Component,

@@ -1,11 +1,11 @@
 // A drag-and-drop frame: a grid of temperature columns and duty rows, on which four numbered nodes stand as a rising
 // curve. The user moves a node with the mouse; the frame confines it between its neighbours and drops it into the cell
-// under its centre. What the nodes mean for a fan is the page's business: a drag-and-drop listener of the pointer engine
-// is told 0 when a drag begins and 4 when it ends.
+// under its centre. What the nodes mean for a fan is the page's business: a drag-and-drop listener of the pointer
+// engine is told 0 when a drag begins and 4 when it ends.
 //
-// At rest WorkImage holds the nodes on plain panel colour, the ground on which the page's chart draws. During a drag the
-// frame shows the grid, the limits of the node in hand, and two guide lines. Only a live frame shows its nodes and lets
-// them be picked up: one whose Linked differs from Inverted as a truth value.
+// At rest WorkImage holds the nodes on plain panel colour, the ground on which the page's chart draws. During a drag
+// the frame shows the grid, the limits of the node in hand, and two guide lines. Only a live frame shows its nodes and
+// lets them be picked up: one whose Linked differs from Inverted as a truth value.
 //
 // The record belongs to the caller. DragDropFrameDispatch runs in every turn of the main loop.
 #pragma once

@@ -1,5 +1,5 @@
-// What a drag tells the scales beside the grid: where the dragged thing is. Written at every drawing of a drag; the four
-// position fields are cleared when it ends, the cell's size stays.
+// What a drag tells the scales beside the grid: where the dragged thing is. Written at every drawing of a drag; the
+// four position fields are cleared when it ends, the cell's size stays.
 #pragma once
 
 #include "uefi/Base.h"

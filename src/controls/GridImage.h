@@ -12,8 +12,8 @@ constexpr UINT16 gGridCellWidth = 30;
 // Whether a control of that size, placed as all grids are, lies on the screen and has any pixel.
 bool GridFitsScreen(UINT64 Width, UINT64 Height);
 
-// Fills a Width x Height picture with cells of gCellColor behind lines of gPanelColor: two pixels at the top and left of
-// every cell, and what of the next line the picture has room for at its right and bottom.
+// Fills a Width x Height picture with cells of gCellColor behind lines of gPanelColor: two pixels at the top and left
+// of every cell, and what of the next line the picture has room for at its right and bottom.
 VOID PaintGridImage(PIXEL* Image, UINT32 Width, UINT32 Height, UINT32 CellWidth, UINT32 CellHeight);
 
 // Marks a rectangle of a picture: mixes 20% of Color over it and frames it with a line of Color, one pixel wide. What

@@ -80,8 +80,8 @@ static VOID StoreHistory(const CHAR16* Name, const LINE_CHART* Chart, const LINE
                            Series.Samples);
 }
 
-// Takes up the history that the variable holds, or makes the variable. A variable that is longer than the chart is asked
-// for with the chart's own size, which the firmware refuses: the history then starts empty.
+// Takes up the history that the variable holds, or makes the variable. A variable that is longer than the chart is
+// asked for with the chart's own size, which the firmware refuses: the history then starts empty.
 static VOID LoadHistory(const CHAR16* Name, const LINE_CHART* Chart, LINE_CHART_SERIES* Series)
 {
     UINTN Size = 0;
@@ -294,7 +294,8 @@ static VOID ComposeLayers(LINE_CHART* Chart)
     }
 }
 
-// Paints columns First to Last of the row that lies FromBottom rows above the chart's lower edge, as far as there are any.
+// Paints columns First to Last of the row that lies FromBottom rows above the chart's lower edge, as far as there are
+// any.
 static VOID DrawMarkRow(LINE_CHART* Chart, UINT32 FromBottom, INT64 First, INT64 Last)
 {
     const INT64 Width = Chart->Rect.Width;

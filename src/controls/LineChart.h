@@ -1,10 +1,10 @@
 // A line chart: the recent history of a fan's speed and of the temperature as two filled curves that scroll from right
 // to left, laid on the rectangle of a page's frame or slider.
 //
-// It isn't in the registry and takes no pointer events. On each sampling tick its page fills Pixels with the picture that
-// lies under the chart, then calls PushLineChartSample, DrawLineChart and, when the chart is to be seen, ShowLineChart.
-// Drawing adds to what Pixels holds and moves the history one column on. The history outlives the console within a boot
-// in firmware variables.
+// It isn't in the registry and takes no pointer events. On each sampling tick its page fills Pixels with the picture
+// that lies under the chart, then calls PushLineChartSample, DrawLineChart and, when the chart is to be seen,
+// ShowLineChart. Drawing adds to what Pixels holds and moves the history one column on. The history outlives the
+// console within a boot in firmware variables.
 #pragma once
 
 #include "graphics/Palette.h"
@@ -46,8 +46,8 @@ EFI_STATUS CreateLineChart(LINE_CHART** Chart, const GUI_RECT* Rect, const EFI_G
 // Stores both histories and frees everything, the record included. EFI_NOT_FOUND for a null chart.
 EFI_STATUS DestroyLineChart(LINE_CHART* Chart);
 
-// Enters the newest samples, the low 32 bits of each. A 0 is stored as 1, so that a reading of zero differs from an empty
-// history. EFI_NOT_FOUND for a null chart.
+// Enters the newest samples, the low 32 bits of each. A 0 is stored as 1, so that a reading of zero differs from an
+// empty history. EFI_NOT_FOUND for a null chart.
 EFI_STATUS PushLineChartSample(LINE_CHART* Chart, UINT64 Rpm, UINT64 Temperature);
 
 // Draws grid, curves and mark into Pixels and moves the history one column on. EFI_NOT_FOUND for a null chart.

@@ -17,8 +17,8 @@ static INT64 gDragStartY = 0;
 static INT64 gDragFrameX = 0;
 static INT64 gDragFrameY = 0;
 
-// Works out the limits of the node in hand from its neighbours' cells: it stays right of the node before and left of the
-// node after, and passes neither of their rows.
+// Works out the limits of the node in hand from its neighbours' cells: it stays right of the node before and left of
+// the node after, and passes neither of their rows.
 static VOID SetDragDropNodeLimits(DRAGDROP_COMPONENT* Frame)
 {
     const UINT32 Number = Frame->ActiveNode;
@@ -147,8 +147,9 @@ static INT64 Limit(INT64 Value, INT64 Least, INT64 Most)
     return Value < Least ? Least : Value > Most ? Most : Value;
 }
 
-// Where to draw the node in hand for the pointer's present place, in frame coordinates: the wanted place while the whole
-// picture is inside the limits; along one of their sides while the pointer is beyond that side alone; else where it was.
+// Where to draw the node in hand for the pointer's present place, in frame coordinates: the wanted place while the
+// whole picture is inside the limits; along one of their sides while the pointer is beyond that side alone; else where
+// it was.
 static POINT DragPlace(const DRAGDROP_COMPONENT* Frame)
 {
     const DD_FRAME_NODE& Node = Frame->Nodes[Frame->ActiveNode];

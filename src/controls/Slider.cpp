@@ -31,8 +31,8 @@ static UINT32 ThumbTop(const SLIDER_COMPONENT* Slider)
     return Slider->Rect.Y + (static_cast<UINT32>(Slider->Rows) - Slider->Level) * gThumbPitch - gThumbPitch;
 }
 
-// The thumb's picture, or a plain block where the file has none that fits. Without pool the thumb can be dragged all the
-// same and isn't seen.
+// The thumb's picture, or a plain block where the file has none that fits. Without pool the thumb can be dragged all
+// the same and isn't seen.
 static VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 Rows)
 {
     UINT32 Width = 0;

@@ -2,8 +2,8 @@
 //
 // At rest it shows the thumb on a plain panel. While the thumb is dragged the grid comes up, the thumb's column is
 // tinted and framed, and a guide line leads from the thumb across the whole width; on release the thumb snaps to the
-// nearest row. The slider knows only its Level. Who wants to know of a change is a slider listener of the pointer engine,
-// told 0 when a drag begins and 4 when it ends.
+// nearest row. The slider knows only its Level. Who wants to know of a change is a slider listener of the pointer
+// engine, told 0 when a drag begins and 4 when it ends.
 //
 // The record belongs to the caller; CreateSlider fills it. SliderStep runs in every turn of the main loop.
 #pragma once
@@ -52,8 +52,8 @@ EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT
 // slider has no event.
 EFI_STATUS DestroySlider(SLIDER_COMPONENT* Slider);
 
-// Sets the level, counted from 1 as the board's service counts it, and moves the thumb. Doesn't paint. 0 gives the level
-// 65535, which is nowhere. EFI_NOT_FOUND if the thumb has no component; the level is changed all the same.
+// Sets the level, counted from 1 as the board's service counts it, and moves the thumb. Doesn't paint. 0 gives the
+// level 65535, which is nowhere. EFI_NOT_FOUND if the thumb has no component; the level is changed all the same.
 EFI_STATUS SetSliderLevel(SLIDER_COMPONENT* Slider, UINT8 LevelPlusOne);
 
 // The same for a distance in pixels from the control's top: the nearest level, half-way the lower one.
@@ -65,8 +65,8 @@ EFI_STATUS RefreshSlider(SLIDER_COMPONENT* Slider);
 // RefreshSlider as a notify function: of SecondaryEvent, and of a page's target. Always EFI_NOT_FOUND.
 EFI_STATUS OnSliderRefresh(EFI_EVENT Event, VOID* Context);
 
-// Notify function of PrimaryEvent and hover handler: takes the thumb in hand when it was pressed and the slider is live.
-// EFI_NOT_FOUND, with nothing changed, in any other case.
+// Notify function of PrimaryEvent and hover handler: takes the thumb in hand when it was pressed and the slider is
+// live. EFI_NOT_FOUND, with nothing changed, in any other case.
 EFI_STATUS OnSliderEvent(EFI_EVENT Event, VOID* Context);
 
 // One step of the drag under way, if there is one. Always EFI_NOT_FOUND.

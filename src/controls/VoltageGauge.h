@@ -33,10 +33,11 @@ EFI_STATUS CreateVoltageGauge(VOLTAGE_GAUGE** Gauge, const CHAR16* Title, INT32 
 // Frees everything, the record included. EFI_NOT_FOUND for a null gauge.
 EFI_STATUS DestroyVoltageGauge(VOLTAGE_GAUGE* Gauge);
 
-// Stores a reading in millivolts, without painting. EFI_NOT_FOUND, with nothing changed, for a value outside the gauge's
-// range or a null gauge.
+// Stores a reading in millivolts, without painting. EFI_NOT_FOUND, with nothing changed, for a value outside the
+// gauge's range or a null gauge.
 EFI_STATUS SetVoltageGaugeValue(VOLTAGE_GAUGE* Gauge, INT64 Value);
 
-// Paints the gauge. FirstPaint 1 shows it empty and sets the value to 0; Last 1 draws the closing line at the right, for
-// the gauge at the row's end. An unchanged value keeps the picture and sends it again. EFI_SUCCESS, for a null gauge too.
+// Paints the gauge. FirstPaint 1 shows it empty and sets the value to 0; Last 1 draws the closing line at the right,
+// for the gauge at the row's end. An unchanged value keeps the picture and sends it again. EFI_SUCCESS, for a null
+// gauge too.
 EFI_STATUS DrawVoltageGauge(VOLTAGE_GAUGE* Gauge, UINT8 FirstPaint, UINT8 Last);
