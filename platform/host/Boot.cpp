@@ -1,0 +1,123 @@
+#include "platform/host/Boot.h"
+
+#include <cstdlib>
+
+#include "platform/host/ConsoleTables.h"
+#include "platform/host/FirmwareTables.h"
+
+BOOT* gBoot = nullptr;
+
+namespace {
+
+constexpr UINT64 gSystemTableSignature = 0x5453595320494249;
+constexpr UINT32 gRevision = 0x00020046; // 2.70
+CHAR16 gFirmwareVendor[] = u"Ventara hosted firmware";
+
+UINT64 ReadMicroseconds() { return gBoot->Clock.Microseconds(); }
+
+VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* Right)
+{
+    const POINTER_STATE& State = reinterpret_cast<HOST_POINTER*>(This)->State;
+    *X = State.X;
+    *Y = State.Y;
+    *Left = State.Left;
+    *Right = State.Right;
+}
+
+} // namespace
+
+BOOT::BOOT(const BOOT_OPTIONS& Options)
+    : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), mOptions(Options)
+{
+    if (gBoot != nullptr) {
+        std::abort(); // the tables' functions could only serve one of the two
+    }
+    gBoot = this;
+    Trace.Clock = &Clock;
+    Consoles.Echo = Options.EchoConsoles;
+    Pointer.Source = {.Read = ReadPointer, .SetLimits = nullptr, .Close = nullptr};
+    for (const EFI_GUID& Guid : Options.Hidden) {
+        Handles.Hide(Guid);
+    }
+
+    FillBootServices(&mFirmwareBootServices);
+    FillRuntimeServices(&mFirmwareRuntimeServices);
+    mConsoleBootServices = mFirmwareBootServices;
+    mConsoleRuntimeServices = mFirmwareRuntimeServices;
+    CoverBootServices(&mConsoleBootServices);
+    CoverRuntimeServices(&mConsoleRuntimeServices);
+    for (UINTN At = 0; At < 4; At++) {
+        FillTextOutput(&mTextOutputs[At], At % 2 == 1);
+    }
+    FillTextInput(&mTextInputs[0]);
+    mTextInputs[1] = mTextInputs[0];
+    CoverTextOutput(&mTextOutputs[2]);
+    CoverTextOutput(&mTextOutputs[3]);
+    CoverTextInput(&mTextInputs[1]);
+
+    FirmwareTable = {};
+    FirmwareTable.Hdr = {gSystemTableSignature, gRevision, sizeof(EFI_SYSTEM_TABLE), 0, 0};
+    FirmwareTable.FirmwareVendor = gFirmwareVendor;
+    FirmwareTable.FirmwareRevision = 1;
+    FirmwareTable.ConIn = &mTextInputs[0];
+    FirmwareTable.ConOut = &mTextOutputs[0];
+    FirmwareTable.StdErr = &mTextOutputs[1];
+    FirmwareTable.RuntimeServices = &mFirmwareRuntimeServices;
+    FirmwareTable.BootServices = &mFirmwareBootServices;
+    ConsoleTable = FirmwareTable;
+    ConsoleTable.ConIn = &mTextInputs[1];
+    ConsoleTable.ConOut = &mTextOutputs[2];
+    ConsoleTable.StdErr = &mTextOutputs[3];
+    ConsoleTable.RuntimeServices = &mConsoleRuntimeServices;
+    ConsoleTable.BootServices = &mConsoleBootServices;
+
+    Protocols.Install(Handles, &Display.Mode);
+    Machine.InstallDevices(Handles, Options.WithNetwork);
+}
+
+BOOT::~BOOT()
+{
+    RemoveBoard();
+    gBoot = nullptr;
+}
+
+EFI_STATUS BOOT::InstallBoard()
+{
+    BOARD_OPTIONS Wanted = {};
+    Wanted.Name = mOptions.Board.c_str();
+    Wanted.Seed = mOptions.Seed;
+    Wanted.Generation = mOptions.Generation;
+    Wanted.Microseconds = ReadMicroseconds;
+    Wanted.Pointer = &Pointer.Source;
+    Wanted.ArtworkPack = mOptions.ArtworkPack;
+    Wanted.ArtworkPackSize = mOptions.ArtworkPackSize;
+    return InstallBoardServices(&FirmwareTable, &Wanted, &mBoardHandle);
+}
+
+VOID BOOT::RemoveBoard()
+{
+    if (mBoardHandle == nullptr) {
+        return;
+    }
+    const EFI_STATUS Status = UninstallBoardServices(mBoardHandle);
+    mBoardHandle = nullptr;
+    if (EfiError(Status)) {
+        Complaints.Add("the board's services couldn't be taken away: %llx", Status);
+    }
+    for (const POOL_BLOCK& Block : Pool.Held(0)) {
+        Complaints.Add("the board's services left %s", DescribeBlock(Block).c_str());
+    }
+}
+
+EFI_HANDLE BOOT::BeginStart()
+{
+    Trace.Start++;
+    Pool.BeginStart(Trace.Start);
+    Crossing.BeginStart(Trace);
+    EFI_HANDLE Image = nullptr;
+    // A loaded image has a protocol that says so; nobody here asks for more of it than that it is there.
+    constexpr EFI_GUID LoadedImageGuid = {
+        0x5B1B31A1, 0x9562, 0x11D2, {0x8E, 0x3F, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
+    (void)Handles.Install(&Image, &LoadedImageGuid, nullptr);
+    return Image;
+}

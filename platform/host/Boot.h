@@ -1,0 +1,103 @@
+// One boot of the hosted machine: everything that a firmware owns from power-on to reset, and the system tables in front
+// of it.
+//
+// There are two tables over the same firmware. FirmwareTable is for those who belong to it, such as the board's services.
+// ConsoleTable is for the console: each call through it is counted and traced, and can be made to fail, and the protocols
+// found through it stand in front of the true ones.
+//
+//     BOOT Boot({.Board = "small"});
+//     if (!EfiError(Boot.InstallBoard())) { Status = Main(Boot.BeginStart(), &Boot.ConsoleTable); }
+//
+// The tables' functions carry no context, so a process has one boot at a time; the next may begin when it is gone.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/board/BoardServices.h"
+#include "platform/host/BoardProxy.h"
+#include "platform/host/Clock.h"
+#include "platform/host/Complaints.h"
+#include "platform/host/Consoles.h"
+#include "platform/host/Crossing.h"
+#include "platform/host/Display.h"
+#include "platform/host/Events.h"
+#include "platform/host/FirmwareProtocols.h"
+#include "platform/host/Handles.h"
+#include "platform/host/Machine.h"
+#include "platform/host/Pool.h"
+#include "platform/host/Trace.h"
+#include "platform/host/Variables.h"
+
+struct BOOT_OPTIONS {
+    std::string Board = "full";
+    UINT64 Seed = 1;
+    UINT8 Generation = 0;
+    bool VirtualClock = true;
+    bool WithNetwork = false;  // a network card among the device paths
+    bool EchoConsoles = false; // ConOut and StdErr reach the program's own streams
+    std::vector<EFI_GUID> Hidden; // protocols that aren't there
+    const UINT8* ArtworkPack = nullptr; // the pack that the build made, or a test's own
+    UINTN ArtworkPackSize = 0;
+};
+
+struct POINTER_STATE {
+    INT64 X = 0;
+    INT64 Y = 0;
+    UINT8 Left = 0;
+    UINT8 Right = 0;
+};
+
+// The pointer source that the board's cursor service reads.
+struct HOST_POINTER {
+    POINTER_SOURCE Source; // first, so that the source's address is the record's
+    POINTER_STATE State;
+};
+
+struct BOOT {
+    COMPLAINTS Complaints;
+    CLOCK Clock;
+    POOL Pool;
+    HANDLES Handles;
+    EVENTS Events;
+    VARIABLES Variables;
+    DISPLAY Display;
+    MACHINE Machine;
+    CONSOLES Consoles;
+    HOST_POINTER Pointer;
+    TRACE Trace;
+    CROSSING Crossing;
+    FIRMWARE_PROTOCOLS Protocols;
+    BOARD_PROXY Board;
+
+    EFI_SYSTEM_TABLE FirmwareTable;
+    EFI_SYSTEM_TABLE ConsoleTable;
+
+    explicit BOOT(const BOOT_OPTIONS& Options);
+    BOOT(const BOOT&) = delete;
+    BOOT& operator=(const BOOT&) = delete;
+    ~BOOT();
+
+    // Installs the board's services of the options. Their status: EFI_INVALID_PARAMETER for an unknown board.
+    EFI_STATUS InstallBoard();
+    // Takes them away again; what they leave in the pool is complained of. The boot's end does it too.
+    VOID RemoveBoard();
+    // A handle for a console that is about to start, and the count of its start: pool, turns and events count anew.
+    EFI_HANDLE BeginStart();
+
+    UINT64 MonotonicCount = 0;
+    const BOOT_OPTIONS& Options() const { return mOptions; }
+
+private:
+    BOOT_OPTIONS mOptions;
+    EFI_HANDLE mBoardHandle = nullptr;
+    EFI_BOOT_SERVICES mFirmwareBootServices = {};
+    EFI_BOOT_SERVICES mConsoleBootServices = {};
+    EFI_RUNTIME_SERVICES mFirmwareRuntimeServices = {};
+    EFI_RUNTIME_SERVICES mConsoleRuntimeServices = {};
+    EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mTextOutputs[4] = {};
+    EFI_SIMPLE_TEXT_INPUT_PROTOCOL mTextInputs[2] = {};
+};
+
+// The boot that the tables' functions work on; null between two boots.
+extern BOOT* gBoot;

@@ -1,0 +1,188 @@
+#include "platform/host/CommandLine.h"
+
+#include <charconv>
+
+namespace {
+
+bool ParseNumber(const std::string& Word, UINT64 Lowest, UINT64 Highest, UINT64* Value)
+{
+    const char* Last = Word.data() + Word.size();
+    const auto [End, Error] = std::from_chars(Word.data(), Last, *Value);
+    return Error == std::errc() && End == Last && *Value >= Lowest && *Value <= Highest;
+}
+
+std::string ListBoards()
+{
+    std::string List;
+    for (UINTN At = 0; At < gBoardNameCount; At++) {
+        List += (At == 0 ? "" : ", ") + std::string(gBoardNames[At]);
+    }
+    return List;
+}
+
+// Each option takes its value, or an empty one where it has none, and gives what it expected, or an empty text.
+using OPTION_PARSER = std::string (*)(const std::string& Value, COMMAND& Command);
+
+struct OPTION_FACTS {
+    const char* Name;
+    const char* ValueName; // null: the option has no value
+    const char* Help;
+    OPTION_PARSER Parse;
+};
+
+std::string ParseCount(const std::string& Value, UINT64* Count)
+{
+    return ParseNumber(Value, 1, ~UINT64{0}, Count) ? "" : "a number of at least 1";
+}
+
+const OPTION_FACTS gOptions[] = {
+    {"--board", "NAME", "the simulated board",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         Command.Session.Board = Value;
+         for (UINTN At = 0; At < gBoardNameCount; At++) {
+             if (Value == gBoardNames[At]) {
+                 return "";
+             }
+         }
+         return "one of " + ListBoards();
+     }},
+    {"--headless", nullptr, "no window",
+     [](const std::string&, COMMAND& Command) -> std::string {
+         Command.Session.Window = false;
+         return "";
+     }},
+    {"--script", "FILE", "play a script, without a window and on a virtual clock",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         Command.ScriptPath = Value;
+         return Value.empty() ? "a file" : "";
+     }},
+    {"--trace", "FILE", "write every call across the firmware's tables as JSON lines",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         Command.TracePath = Value;
+         return Value.empty() ? "a file" : "";
+     }},
+    {"--screenshot", "FILE", "a PNG of the display when the console ends",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         Command.ScreenshotPath = Value;
+         return Value.empty() ? "a file" : "";
+     }},
+    {"--seed", "N", "the seed of the simulated board (1)",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         return ParseNumber(Value, 0, ~UINT64{0}, &Command.Session.Seed) ? "" : "a number";
+     }},
+    {"--generation", "N", "what GetFirmwareGeneration answers (0)",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         UINT64 Number = 0;
+         const bool Good = ParseNumber(Value, 0, 255, &Number);
+         Command.Session.Generation = static_cast<UINT8>(Number);
+         return Good ? "" : "a number from 0 to 255";
+     }},
+    {"--pool-limit", "N", "the Nth pool allocation of a start and every later one fails",
+     [](const std::string& Value, COMMAND& Command) { return ParseCount(Value, &Command.Session.PoolLimit); }},
+    {"--pool-fail", "N", "the Nth pool allocation of a start fails",
+     [](const std::string& Value, COMMAND& Command) { return ParseCount(Value, &Command.Session.PoolFail); }},
+    {"--trace-pool", nullptr, "pool calls in the trace too",
+     [](const std::string&, COMMAND& Command) -> std::string {
+         Command.Session.TracePool = true;
+         return "";
+     }},
+    {"--record", "FILE", "write the window's input as a script that plays back",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         Command.Session.RecordPath = Value;
+         return Value.empty() ? "a file" : "";
+     }},
+    {"--help", nullptr, "this text",
+     [](const std::string&, COMMAND& Command) -> std::string {
+         Command.Kind = COMMAND_HELP;
+         return "";
+     }},
+    {"--version", nullptr, "the version",
+     [](const std::string&, COMMAND& Command) -> std::string {
+         Command.Kind = COMMAND_VERSION;
+         return "";
+     }},
+};
+
+const OPTION_FACTS* FindOption(const std::string& Name)
+{
+    for (const OPTION_FACTS& Facts : gOptions) {
+        if (Name == Facts.Name) {
+            return &Facts;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Command, std::string* Error)
+{
+    *Command = {};
+    Command->Session.Window = true;
+    Command->Session.KeepPictures = false;
+    Command->Session.EchoConsoles = true;
+    for (size_t At = 0; At < Arguments.size(); At++) {
+        if (Arguments[At] == "--") {
+            Command->Session.ShellArguments.emplace(Arguments.begin() + static_cast<std::ptrdiff_t>(At) + 1,
+                                                    Arguments.end());
+            break;
+        }
+        // A value stands behind its option, or in the same word behind a '='.
+        const size_t Equals = Arguments[At].find('=');
+        const std::string Name = Arguments[At].substr(0, Equals);
+        const OPTION_FACTS* Option = FindOption(Name);
+        if (Option == nullptr) {
+            *Error = "unknown option " + Arguments[At] + " (see --help)";
+            return false;
+        }
+        std::string Value;
+        if (Option->ValueName == nullptr && Equals != std::string::npos) {
+            *Error = Name + " takes no value";
+            return false;
+        }
+        if (Option->ValueName != nullptr) {
+            if (Equals != std::string::npos) {
+                Value = Arguments[At].substr(Equals + 1);
+            } else if (At + 1 < Arguments.size()) {
+                Value = Arguments[++At];
+            } else {
+                *Error = Name + ": expected " + Option->ValueName + " behind it";
+                return false;
+            }
+        }
+        const std::string Expected = Option->Parse(Value, *Command);
+        if (!Expected.empty()) {
+            *Error = Name + " " + Value + ": expected " + Expected;
+            return false;
+        }
+        if (Command->Kind != COMMAND_RUN) {
+            return true; // nothing else is done, so nothing else matters
+        }
+    }
+    if (!Command->ScriptPath.empty()) {
+        Command->Session.Window = false;
+    }
+    if (!Command->Session.Window && !Command->Session.RecordPath.empty()) {
+        *Error = "--record: expected a window, so neither --headless nor --script";
+        return false;
+    }
+    return true;
+}
+
+std::string DescribeOptions()
+{
+    std::string Text = "Usage: ventara [OPTION]... [-- ARGUMENT...]\n"
+                       "Runs the sensor and fan console on a simulated board. What stands behind -- is passed to the\n"
+                       "console as a UEFI shell would pass it.\n\n";
+    for (const OPTION_FACTS& Facts : gOptions) {
+        std::string Line = std::string("  ") + Facts.Name + (Facts.ValueName == nullptr ? "" : " ") +
+                           (Facts.ValueName == nullptr ? "" : Facts.ValueName);
+        Line.resize(22, ' ');
+        Text += Line + Facts.Help + "\n";
+    }
+    Text += "\nBoards: " + ListBoards() + "\n"
+            "Exit status: 0 when the console succeeded, 1 for any other status of its, 2 for a bad option or script.\n";
+    return Text;
+}
+
+std::string DescribeVersion() { return "ventara 0.9.0\n"; }

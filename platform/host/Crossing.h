@@ -1,0 +1,65 @@
+// What happens at the line between the console and its firmware: turns are counted, calls are made to fail, events get the
+// numbers by which the trace calls them, and the board's readings and strings are overridden.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "platform/host/Calls.h"
+#include "platform/host/Trace.h"
+#include "shell/Services.h"
+
+// Told of turns and stalls; either function may be null.
+struct TURN_LISTENER {
+    VOID (*BeginTurn)(VOID* Context) = nullptr;
+    VOID (*Stalled)(VOID* Context, UINT64 Microseconds) = nullptr;
+    VOID* Context = nullptr;
+};
+
+struct READING_OVERRIDE {
+    enum KIND : UINT8 { VALUE, ABSENT, ERROR } Kind;
+    UINT64 Value;
+};
+
+// What outlives a reset of the machine: it is not the machine's.
+struct OVERRIDES {
+    struct FAILURE {
+        EFI_STATUS Status;
+        UINT64 Left; // calls that still fail
+    };
+    FAILURE Failures[CALL_COUNT] = {};
+    std::map<UINT8, READING_OVERRIDE> Readings;
+    std::map<UINT8, std::optional<std::u16string>> Strings; // nothing: a null string
+
+    // The next Count calls return Status and do nothing.
+    VOID Fail(CALL Call, EFI_STATUS Status, UINT64 Count) { Failures[Call] = {Status, Count}; }
+    // True, with the status, when this call is one of those.
+    bool TakeFailure(CALL Call, EFI_STATUS* Status);
+};
+
+struct CROSSING {
+    TURN_LISTENER Listener;
+    OVERRIDES Overrides;
+
+    // Turns and events are counted from the beginning again.
+    VOID BeginStart(TRACE& Trace);
+    // To be told of every call of either; they make the turns.
+    VOID NoteWait(TRACE& Trace);
+    VOID NotePointerRead(TRACE& Trace);
+    // True the first time in a start.
+    bool IsFirstLimitsCall();
+
+    // Number of an event, 0 for one that isn't known.
+    UINT64 NumberEvent(EFI_EVENT Event) const;
+    UINT64 AddEvent(EFI_EVENT Event);
+    VOID ForgetEvent(EFI_EVENT Event) { mEvents.erase(Event); }
+
+private:
+    VOID BeginTurn(TRACE& Trace);
+
+    bool mTurnBegun = false; // a turn has begun and the pointer hasn't been read in it
+    bool mLimitsCalled = false;
+    std::map<EFI_EVENT, UINT64> mEvents;
+    UINT64 mEventsMade = 0;
+};

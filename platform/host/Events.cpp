@@ -1,0 +1,255 @@
+#include "platform/host/Events.h"
+
+#include <algorithm>
+
+#include "platform/host/HostText.h"
+
+namespace {
+
+constexpr UINT32 gKnownTypeBits = EVT_TIMER | EVT_RUNTIME | EVT_NOTIFY_WAIT | EVT_NOTIFY_SIGNAL;
+constexpr UINT32 gNotifyBits = EVT_NOTIFY_WAIT | EVT_NOTIFY_SIGNAL;
+// Period 0 means "at every tick of the firmware's timer": 10 ms on the boards in the field.
+constexpr UINT64 gTimerTick = 100000;
+constexpr UINT64 gKeyStep = 32;
+
+bool IsNotifyTpl(EFI_TPL Tpl) { return Tpl == TPL_CALLBACK || Tpl == TPL_NOTIFY; }
+
+} // namespace
+
+EFI_TPL EVENTS::RaiseTpl(EFI_TPL NewTpl)
+{
+    const EFI_TPL Old = mTpl;
+    if (NewTpl < Old || NewTpl > TPL_HIGH_LEVEL) {
+        mComplaints->Add("RaiseTPL from %llu to %llu", Old, NewTpl);
+        return Old;
+    }
+    mTpl = NewTpl;
+    return Old;
+}
+
+VOID EVENTS::RestoreTpl(EFI_TPL OldTpl)
+{
+    if (OldTpl > mTpl) {
+        mComplaints->Add("RestoreTPL from %llu to %llu", mTpl, OldTpl);
+        return;
+    }
+    mTpl = OldTpl;
+    RunQueued();
+}
+
+EFI_STATUS EVENTS::Create(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context,
+                          const EFI_GUID* Group, EFI_EVENT* Event)
+{
+    const bool OfFirmware = Type == EVT_SIGNAL_EXIT_BOOT_SERVICES || Type == EVT_SIGNAL_VIRTUAL_ADDRESS_CHANGE;
+    if (Event == nullptr || (!OfFirmware && (Type & ~gKnownTypeBits) != 0) || (OfFirmware && Group != nullptr)) {
+        return EFI_INVALID_PARAMETER;
+    }
+    if ((Type & gNotifyBits) == gNotifyBits) {
+        return EFI_INVALID_PARAMETER;
+    }
+    if ((Type & gNotifyBits) != 0 && (Notify == nullptr || !IsNotifyTpl(NotifyTpl))) {
+        return EFI_INVALID_PARAMETER;
+    }
+    EVENT_RECORD Record = {};
+    Record.Type = Type;
+    if ((Type & gNotifyBits) != 0) {
+        Record.NotifyTpl = NotifyTpl;
+        Record.Notify = Notify;
+        Record.Context = Context;
+    }
+    if (Group != nullptr) {
+        Record.HasGroup = true;
+        Record.Group = *Group;
+    }
+    mEvents.emplace(mNextKey, Record);
+    *Event = reinterpret_cast<EFI_EVENT>(mNextKey);
+    // A key isn't used again, so that a stale one is always seen.
+    mNextKey += gKeyStep;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS EVENTS::SetTimer(EFI_EVENT Event, EFI_TIMER_DELAY Type, UINT64 TriggerTime)
+{
+    EVENT_RECORD* Record = Find(Event);
+    if (Record == nullptr || (Record->Type & EVT_TIMER) == 0 || Type > TimerRelative) {
+        return EFI_INVALID_PARAMETER;
+    }
+    const KEY Key = reinterpret_cast<KEY>(Event);
+    if (Record->Armed) {
+        mTimers.erase(std::find(mTimers.begin(), mTimers.end(), Key));
+        Record->Armed = false;
+    }
+    if (Type == TimerCancel) {
+        return EFI_SUCCESS;
+    }
+    Record->Armed = true;
+    Record->Period = Type == TimerRelative ? 0 : TriggerTime == 0 ? gTimerTick : TriggerTime;
+    Record->Due = Now() + (Type == TimerPeriodic ? Record->Period : TriggerTime);
+    mTimers.push_back(Key);
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS EVENTS::Signal(EFI_EVENT Event)
+{
+    EVENT_RECORD* Record = Find(Event);
+    if (Record == nullptr) {
+        mComplaints->Add("SignalEvent of an event that isn't open");
+        return EFI_INVALID_PARAMETER;
+    }
+    if (!Record->HasGroup) {
+        QueueSignalled(reinterpret_cast<KEY>(Event), *Record);
+    } else if (!Record->Signalled) {
+        const EFI_GUID Group = Record->Group;
+        for (auto Member = mEvents.rbegin(); Member != mEvents.rend(); ++Member) {
+            if (Member->second.HasGroup && SameGuids(Member->second.Group, Group)) {
+                QueueSignalled(Member->first, Member->second);
+            }
+        }
+    }
+    RunQueued();
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS EVENTS::Close(EFI_EVENT Event)
+{
+    EVENT_RECORD* Record = Find(Event);
+    if (Record == nullptr) {
+        mComplaints->Add("CloseEvent of an event that isn't open");
+        return EFI_INVALID_PARAMETER;
+    }
+    (void)SetTimer(Event, TimerCancel, 0);
+    const KEY Key = reinterpret_cast<KEY>(Event);
+    if (Record->Queued) {
+        std::deque<KEY>& Waiting = mQueues[Record->NotifyTpl];
+        Waiting.erase(std::find(Waiting.begin(), Waiting.end(), Key));
+    }
+    mEvents.erase(Key);
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS EVENTS::Check(EFI_EVENT Event)
+{
+    Poll();
+    EVENT_RECORD* Record = Find(Event);
+    if (Record == nullptr || (Record->Type & EVT_NOTIFY_SIGNAL) != 0) {
+        return EFI_INVALID_PARAMETER;
+    }
+    if (!Record->Signalled && (Record->Type & EVT_NOTIFY_WAIT) != 0) {
+        Queue(reinterpret_cast<KEY>(Event), *Record);
+        RunQueued();
+        Record = Find(Event);
+    }
+    if (Record == nullptr || !Record->Signalled) {
+        return EFI_NOT_READY;
+    }
+    Record->Signalled = false;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS EVENTS::Wait(UINTN Count, EFI_EVENT* Events, UINTN* Index)
+{
+    if (Count == 0 || Events == nullptr || Index == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
+    if (mTpl != TPL_APPLICATION) {
+        return EFI_UNSUPPORTED;
+    }
+    for (;;) {
+        for (UINTN At = 0; At < Count; At++) {
+            const EFI_STATUS Status = Check(Events[At]);
+            if (Status != EFI_NOT_READY) {
+                *Index = At;
+                return Status;
+            }
+        }
+        UINT64 Due;
+        if (!NextDue(&Due)) {
+            mComplaints->Add("WaitForEvent that nothing can end");
+            return EFI_UNSUPPORTED;
+        }
+        const UINT64 Before = Now();
+        mClock->Stall(Due > Before ? (Due - Before + 9) / 10 : 0);
+    }
+}
+
+VOID EVENTS::Poll()
+{
+    const UINT64 Moment = Now();
+    std::vector<KEY> Due;
+    for (const KEY Key : mTimers) {
+        if (mEvents.at(Key).Due <= Moment) {
+            Due.push_back(Key);
+        }
+    }
+    for (const KEY Key : Due) {
+        const EFI_EVENT Event = reinterpret_cast<EFI_EVENT>(Key);
+        EVENT_RECORD* Record = Find(Event);
+        if (Record == nullptr || !Record->Armed || Record->Due > Moment) {
+            continue; // the notify function of another timer closed it or set it anew
+        }
+        if (Record->Period == 0) {
+            (void)SetTimer(Event, TimerCancel, 0);
+        } else {
+            // It keeps its beat: the periods that were slept over count as one.
+            Record->Due += ((Moment - Record->Due) / Record->Period + 1) * Record->Period;
+        }
+        (void)Signal(Event);
+    }
+}
+
+EVENT_RECORD* EVENTS::Find(EFI_EVENT Event)
+{
+    const auto Found = mEvents.find(reinterpret_cast<KEY>(Event));
+    return Found == mEvents.end() ? nullptr : &Found->second;
+}
+
+VOID EVENTS::Queue(KEY Key, EVENT_RECORD& Record)
+{
+    if (!Record.Queued) {
+        Record.Queued = true;
+        mQueues[Record.NotifyTpl].push_back(Key);
+    }
+}
+
+VOID EVENTS::QueueSignalled(KEY Key, EVENT_RECORD& Record)
+{
+    Record.Signalled = true;
+    if ((Record.Type & EVT_NOTIFY_SIGNAL) != 0) {
+        Queue(Key, Record);
+    }
+}
+
+VOID EVENTS::RunQueued()
+{
+    for (EFI_TPL Tpl = TPL_HIGH_LEVEL; Tpl > mTpl; Tpl--) {
+        while (!mQueues[Tpl].empty()) {
+            const KEY Key = mQueues[Tpl].front();
+            mQueues[Tpl].pop_front();
+            EVENT_RECORD& Record = mEvents.at(Key);
+            Record.Queued = false;
+            if ((Record.Type & EVT_NOTIFY_SIGNAL) != 0) {
+                Record.Signalled = false;
+            }
+            const EFI_TPL Before = mTpl;
+            mTpl = Tpl;
+            // The function may close its own event: the record isn't looked at after this.
+            (void)Record.Notify(reinterpret_cast<EFI_EVENT>(Key), Record.Context);
+            if (mTpl != Tpl) {
+                mComplaints->Add("a notify function returned at priority %llu instead of %llu", mTpl, Tpl);
+            }
+            mTpl = Before;
+            // It may have queued something above this level only at or below its own, so going on here keeps the order.
+        }
+    }
+}
+
+bool EVENTS::NextDue(UINT64* Due) const
+{
+    for (auto Timer = mTimers.begin(); Timer != mTimers.end(); ++Timer) {
+        const UINT64 Candidate = mEvents.at(*Timer).Due;
+        if (Timer == mTimers.begin() || Candidate < *Due) {
+            *Due = Candidate;
+        }
+    }
+    return !mTimers.empty();
+}

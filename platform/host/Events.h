@@ -1,0 +1,80 @@
+// Events, timers and task priorities, as the UEFI specification has them.
+//
+// A notify function whose priority lies above the current one runs inside the signal; at or below it, it is queued and
+// runs when the priority falls. Queued functions run highest priority first, and in the order of their signals within one.
+// Signalling a member of a group signals every member, the newest first, as the firmwares in the field do.
+//
+// Timers are looked at whenever the clock can have moved: Poll is called by every wait and check and after each move.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <vector>
+
+#include "platform/host/Clock.h"
+#include "platform/host/Complaints.h"
+#include "uefi/SystemTable.h"
+
+constexpr UINT32 EVT_RUNTIME = 0x40000000;
+constexpr UINT32 EVT_SIGNAL_EXIT_BOOT_SERVICES = 0x00000201;
+constexpr UINT32 EVT_SIGNAL_VIRTUAL_ADDRESS_CHANGE = 0x60000202;
+
+struct EVENT_RECORD {
+    UINT32 Type;
+    EFI_TPL NotifyTpl;
+    EFI_EVENT_NOTIFY Notify;
+    VOID* Context;
+    bool HasGroup;
+    EFI_GUID Group;
+    bool Signalled;
+    bool Queued;
+    bool Armed;
+    UINT64 Due;    // 100 ns on the clock
+    UINT64 Period; // 100 ns; 0 for a timer that fires once
+};
+
+struct EVENTS {
+    EVENTS(CLOCK* TheClock, COMPLAINTS* Where) : mClock(TheClock), mComplaints(Where) {}
+    EVENTS(const EVENTS&) = delete;
+    EVENTS& operator=(const EVENTS&) = delete;
+
+    EFI_TPL RaiseTpl(EFI_TPL NewTpl);
+    // Lowers the priority and runs what was queued above it.
+    VOID RestoreTpl(EFI_TPL OldTpl);
+    EFI_TPL CurrentTpl() const { return mTpl; }
+
+    // Group is null for an event of its own.
+    EFI_STATUS Create(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context, const EFI_GUID* Group,
+                      EFI_EVENT* Event);
+    EFI_STATUS SetTimer(EFI_EVENT Event, EFI_TIMER_DELAY Type, UINT64 TriggerTime);
+    EFI_STATUS Signal(EFI_EVENT Event);
+    EFI_STATUS Close(EFI_EVENT Event);
+    EFI_STATUS Check(EFI_EVENT Event);
+    // Walks the array and stops at the first entry that isn't a waiting event, so at an empty handle it gives that index
+    // and EFI_INVALID_PARAMETER. Where every entry waits, a virtual clock moves on to the next timer, and the machine's
+    // own is slept on; a wait that nothing can end is refused with EFI_UNSUPPORTED and a complaint.
+    EFI_STATUS Wait(UINTN Count, EFI_EVENT* Events, UINTN* Index);
+    // Signals the timers that are due.
+    VOID Poll();
+
+    bool IsOpen(EFI_EVENT Event) const { return mEvents.count(reinterpret_cast<UINTN>(Event)) != 0; }
+    UINTN Count() const { return mEvents.size(); }
+
+private:
+    using KEY = UINTN;
+
+    EVENT_RECORD* Find(EFI_EVENT Event);
+    VOID Queue(KEY Key, EVENT_RECORD& Record);
+    VOID QueueSignalled(KEY Key, EVENT_RECORD& Record);
+    VOID RunQueued();
+    bool NextDue(UINT64* Due) const;
+    UINT64 Now() const { return mClock->Nanoseconds() / 100; }
+
+    CLOCK* mClock;
+    COMPLAINTS* mComplaints;
+    EFI_TPL mTpl = TPL_APPLICATION;
+    std::map<KEY, EVENT_RECORD> mEvents;
+    std::vector<KEY> mTimers; // the armed ones
+    std::deque<KEY> mQueues[TPL_HIGH_LEVEL + 1];
+    KEY mNextKey = 0x7E000000;
+};

@@ -1,0 +1,22 @@
+// The protocols that the firmware itself has beside its tables: graphics output, the processor's timer, the system font.
+// Each exists twice, as it is and as the console gets it.
+#pragma once
+
+#include "uefi/CpuArch.h"
+#include "uefi/Hii.h"
+
+struct HANDLES;
+
+struct FIRMWARE_PROTOCOLS {
+    EFI_GRAPHICS_OUTPUT_PROTOCOL GraphicsOutput = {};
+    EFI_GRAPHICS_OUTPUT_PROTOCOL ConsoleGraphicsOutput = {};
+    EFI_CPU_ARCH_PROTOCOL Processor = {};
+    EFI_CPU_ARCH_PROTOCOL ConsoleProcessor = {};
+    EFI_HII_FONT_PROTOCOL Font = {};
+    EFI_HII_FONT_PROTOCOL ConsoleFont = {};
+
+    // Installs all of them, and those of the HII family that a program only looks for.
+    VOID Install(HANDLES& Handles, EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* DisplayMode);
+    // What the console gets for an interface; the interface itself for one that isn't covered.
+    VOID* Cover(VOID* Interface);
+};

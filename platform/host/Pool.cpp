@@ -1,0 +1,105 @@
+#include "platform/host/Pool.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <execinfo.h>
+
+POOL::~POOL()
+{
+    for (const auto& [Buffer, Block] : mBlocks) {
+        std::free(const_cast<VOID*>(Buffer));
+    }
+}
+
+void POOL::BeginStart(UINT32 Start)
+{
+    mStart = Start;
+    mAllocationsOfStart = 0;
+}
+
+EFI_STATUS POOL::Allocate(UINTN Size, VOID* Caller, VOID** Buffer)
+{
+    if (Buffer == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
+    mAllocationsOfStart++;
+    if ((FailFrom != 0 && mAllocationsOfStart >= FailFrom) || (FailOnly != 0 && mAllocationsOfStart == FailOnly)) {
+        return EFI_OUT_OF_RESOURCES;
+    }
+    VOID* Data = std::malloc(Size == 0 ? 1 : Size);
+    if (Data == nullptr) {
+        return EFI_OUT_OF_RESOURCES;
+    }
+    std::memset(Data, gGivenPattern, Size);
+    POOL_BLOCK Block = {.Size = Size, .Number = mNextNumber++, .Start = mStart, .Owner = {Caller}};
+    if (TraceOwners) {
+        // The stack as seen from here; it is told from the caller on.
+        VOID* Frames[gOwnerFrames + 4];
+        const int Count = backtrace(Frames, static_cast<int>(std::size(Frames)));
+        const auto First = std::find(Frames, Frames + Count, Caller);
+        std::copy(First, std::min(First + gOwnerFrames, Frames + Count), Block.Owner);
+        Block.Owner[0] = Caller;
+    }
+    mBlocks.emplace(Data, Block);
+    *Buffer = Data;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS POOL::Free(VOID* Buffer, VOID* Caller)
+{
+    const auto Found = mBlocks.find(Buffer);
+    if (Found == mBlocks.end()) {
+        Complaints->Add("FreePool of %p, which is no block in use, by %s", Buffer, DescribePlace(Caller).c_str());
+        return EFI_INVALID_PARAMETER;
+    }
+    std::memset(Buffer, gTakenPattern, Found->second.Size);
+    mBlocks.erase(Found);
+    std::free(Buffer);
+    return EFI_SUCCESS;
+}
+
+const POOL_BLOCK* POOL::Find(const VOID* Buffer) const
+{
+    const auto Found = mBlocks.find(Buffer);
+    return Found == mBlocks.end() ? nullptr : &Found->second;
+}
+
+std::vector<POOL_BLOCK> POOL::Held(UINT32 Start) const
+{
+    std::vector<POOL_BLOCK> Blocks;
+    for (const auto& [Buffer, Block] : mBlocks) {
+        if (Block.Start == Start) {
+            Blocks.push_back(Block);
+        }
+    }
+    std::sort(Blocks.begin(), Blocks.end(),
+              [](const POOL_BLOCK& A, const POOL_BLOCK& B) { return A.Number < B.Number; });
+    return Blocks;
+}
+
+std::string DescribeBlock(const POOL_BLOCK& Block)
+{
+    std::string Text = "block " + std::to_string(Block.Number) + ", " + std::to_string(Block.Size) + " bytes, from";
+    for (const VOID* Owner : Block.Owner) {
+        if (Owner != nullptr) {
+            Text += " " + DescribePlace(Owner);
+        }
+    }
+    return Text;
+}
+
+std::string DescribePlace(const VOID* Address)
+{
+    char Text[32];
+    Dl_info Info;
+    if (dladdr(Address, &Info) == 0 || Info.dli_fname == nullptr) {
+        std::snprintf(Text, sizeof(Text), "%p", Address);
+        return Text;
+    }
+    const char* Slash = std::strrchr(Info.dli_fname, '/');
+    std::snprintf(Text, sizeof(Text), "+0x%llx",
+                  static_cast<UINT64>(static_cast<const UINT8*>(Address) - static_cast<const UINT8*>(Info.dli_fbase)));
+    return std::string(Slash == nullptr ? Info.dli_fname : Slash + 1) + Text;
+}

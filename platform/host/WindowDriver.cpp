@@ -1,0 +1,59 @@
+#include "platform/host/WindowDriver.h"
+
+#include "platform/host/Boot.h"
+
+WINDOW_DRIVER::~WINDOW_DRIVER() { (void)Close(); }
+
+bool WINDOW_DRIVER::Open(const std::string& RecordPath, std::string* Error)
+{
+    const char* Reason = nullptr;
+    mWindow = OpenWindow("Ventara", &Reason);
+    if (mWindow == nullptr) {
+        *Error = std::string("no window: ") + (Reason == nullptr ? "unknown reason" : Reason);
+        return false;
+    }
+    if (!RecordPath.empty()) {
+        mRecorder = OpenRecorder(RecordPath.c_str());
+        if (mRecorder == nullptr) {
+            *Error = RecordPath + " can't be written";
+            return false;
+        }
+    }
+    return true;
+}
+
+VOID WINDOW_DRIVER::BeginTurn(BOOT& Boot)
+{
+    // The input is taken after the pause, so that the turn sees it fresh.
+    ShowDisplay(mWindow, Boot.Display.Words());
+    PaceWindow(mWindow);
+    (void)PumpWindow(mWindow, &mInput);
+    Boot.Pointer.State = {.X = mInput.PointerX,
+                          .Y = mInput.PointerY,
+                          .Left = static_cast<UINT8>(mInput.Left ? 1 : 0),
+                          .Right = static_cast<UINT8>(mInput.Right ? 1 : 0)};
+    for (const EFI_INPUT_KEY& Key : mInput.Keys) {
+        Boot.Consoles.Keys.push_back(Key);
+    }
+    if (mRecorder != nullptr && !mInput.Closed) {
+        RecordTurn(mRecorder, Boot.Clock.Microseconds(), mInput);
+    }
+}
+
+VOID WINDOW_DRIVER::NoteStall(UINT64 Microseconds)
+{
+    if (mRecorder != nullptr) {
+        RecordStall(mRecorder, Microseconds);
+    }
+}
+
+bool WINDOW_DRIVER::Close()
+{
+    const bool Written = mRecorder == nullptr || CloseRecorder(mRecorder);
+    mRecorder = nullptr;
+    if (mWindow != nullptr) {
+        CloseWindow(mWindow);
+        mWindow = nullptr;
+    }
+    return Written;
+}
