@@ -235,7 +235,10 @@ EFI_STATUS FindNodeComponent(DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Nod
         return Status;
     }
     const GUI_COMPONENT* Found = *Component;
-    return Found != nullptr && Found->Owner == Frame && Found->Kind == _DRAGDROP_COMPONENT ? EFI_SUCCESS : EFI_NOT_FOUND;
+    if (Found == nullptr || Found->Owner != Frame || Found->Kind != _DRAGDROP_COMPONENT) {
+        return EFI_NOT_FOUND;
+    }
+    return EFI_SUCCESS;
 }
 
 VOID MoveNode(const DRAGDROP_COMPONENT* Frame, DD_FRAME_NODE* Node, GUI_COMPONENT* Component,
