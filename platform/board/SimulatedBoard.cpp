@@ -68,7 +68,7 @@ constexpr ITEM_TEXT gItemTexts[] = {
     {STRING_CANCEL, u"     Cancel"},
     {STRING_ABOUT, u"About"},
     {STRING_HELP, u"Help"},
-    {STRING_EXIT, u" Exit"},
+    {STRING_EXIT, u"Exit"},
     {STRING_PANEL_TITLE, u"Fan Control"},
     {STRING_HELP_TEXT, u"You can set CPU or System target temperature \nand set Fan duty cycle."},
     {STRING_HELP_ESCAPE, u"ESC    : Exit"},

@@ -10,12 +10,12 @@ constexpr CHAR8 gSourcePath[] = "graphics\\Artwork.cpp";
 // No picture of the catalogue is larger than the screen; a decoder's word for anything beyond this isn't taken.
 constexpr UINT32 gLargestSide = 4096;
 
+} // namespace
+
 bool PlausibleSize(UINT32 Width, UINT32 Height)
 {
     return Width > 0 && Height > 0 && Width <= gLargestSide && Height <= gLargestSide;
 }
-
-} // namespace
 
 EFI_STATUS FindImageFile(const EFI_GUID* FileGuid, UINT32 Instance, VOID** Data, UINTN* Size)
 {
@@ -81,8 +81,8 @@ EFI_STATUS LoadBmpBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, UI
     TEMPORARY<VOID> Stored;
     UINTN StoredSize = 0;
     EFI_STATUS Status = FindImageFile(FileGuid, Instance, &Stored.Data, &StoredSize);
-    if (EfiError(Status)) {
-        return Status;
+    if (EfiError(Status) || !Stored) {
+        return EfiError(Status) ? Status : EFI_NOT_FOUND;
     }
 
     PIXEL* Decoded = nullptr;

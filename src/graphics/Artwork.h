@@ -19,6 +19,10 @@ EFI_STATUS LoadJpegBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, U
 // The same for a BMP section. Gives the status of the step that failed.
 EFI_STATUS LoadBmpBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, UINT32* Width, UINT32* Height);
 
+// Whether a decoder's word for a picture's size is taken: neither side 0, and neither beyond anything that the catalogue
+// could hold.
+bool PlausibleSize(UINT32 Width, UINT32 Height);
+
 // A new tight buffer of Width x Height pixels cut from the left of a picture whose rows are SrcStride pixels apart.
 // Without pool: a report line, the allocation's status, Out unchanged.
 EFI_STATUS CropBlt(PIXEL** Out, UINTN Width, UINTN Height, UINTN SrcStride, const PIXEL* Src);

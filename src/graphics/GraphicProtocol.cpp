@@ -43,25 +43,29 @@ VOID LayCursor(PIXEL* Blend, const PIXEL* Image, UINTN Count)
     }
 }
 
-// The pointer over the right or bottom edge, touching it included. Here only pure black is transparent.
-VOID SendCursorAtEdge(GUI_CORE* Core)
+// The pointer over the right or bottom edge, touching it included, with the changed block sent before it. Here only pure
+// black is transparent, and the block isn't merged.
+VOID ComposeAtEdge(GUI_CORE* Core, PIXEL* Buffer, UINTN BlockX, UINTN BlockY, UINTN BlockWidth, UINTN BlockHeight)
 {
     const UINTN X = static_cast<UINTN>(Core->PointerX);
     const UINTN Y = static_cast<UINTN>(Core->PointerY);
     const UINTN Width = VisibleExtent(Core->CursorWidth, X, gScreenWidth);
     const UINTN Height = VisibleExtent(Core->CursorHeight, Y, gScreenHeight);
-    if (Width == 0 || Height == 0) {
-        return;
+    // Without pool for it the pointer is left out; the next composition repairs it.
+    const TEMPORARY<PIXEL> Visible(Width == 0 || Height == 0 ? nullptr : AllocateArray<PIXEL>(Width * Height));
+    if (Visible) {
+        (void)ExtractBlt(Visible.Data, Width, Height, Core->Screen, gScreenWidth, gScreenHeight,
+                         static_cast<INT32>(Y), static_cast<INT32>(X));
+        (void)OverlayBlt(Core->CursorImage, static_cast<INT32>(Core->CursorWidth),
+                         static_cast<INT32>(Core->CursorHeight), Visible.Data, Width, Height, 0, 0, &gBlackPixel,
+                         nullptr, 0);
     }
-    const TEMPORARY<PIXEL> Block(AllocateArray<PIXEL>(Width * Height));
-    if (!Block) {
-        return; // the next composition repairs the pointer
+    if (Buffer != nullptr) {
+        SendBlock(Buffer, BlockX, BlockY, BlockWidth, BlockHeight);
     }
-    (void)ExtractBlt(Block.Data, Width, Height, Core->Screen, gScreenWidth, gScreenHeight, static_cast<INT32>(Y),
-                     static_cast<INT32>(X));
-    (void)OverlayBlt(Core->CursorImage, static_cast<INT32>(Core->CursorWidth), static_cast<INT32>(Core->CursorHeight),
-                     Block.Data, Width, Height, 0, 0, &gBlackPixel, nullptr, 0);
-    SendToVideo(Block.Data, X, Y, Width, Height, 0);
+    if (Visible) {
+        SendToVideo(Visible.Data, X, Y, Width, Height, 0);
+    }
 }
 
 } // namespace
@@ -218,10 +222,7 @@ EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN 
         }
         SendToVideo(Core->CursorBlend, PointerX, PointerY, Core->CursorWidth, Core->CursorHeight, 0);
     } else {
-        if (Buffer != nullptr) {
-            SendBlock(Buffer, X, Y, Width, Height);
-        }
-        SendCursorAtEdge(Core);
+        ComposeAtEdge(Core, Buffer, X, Y, Width, Height);
     }
 
     Core->CursorSettled = Moved ? 0 : 1;

@@ -114,6 +114,9 @@ EFI_STATUS DrawStringDirect(UINTN X, UINTN Y, const PIXEL* Foreground, const PIX
     if (EfiError(Status)) {
         return Status;
     }
+    if (Width == 0 || Height == 0) {
+        return EFI_SUCCESS;
+    }
     return gGraphicsOutput->Blt(gGraphicsOutput, Text.Data, EfiBltBufferToVideo, 0, 0, X, Y, Width, Height,
                                 Width * sizeof(PIXEL));
 }

@@ -1,7 +1,7 @@
 #include "gui/GUICore.h"
 
+#include "graphics/Artwork.h"
 #include "gui/PointerEngine.h"
-#include "graphics/Palette.h"
 #include "shell/Board.h"
 #include "support/Library.h"
 
@@ -87,7 +87,7 @@ EFI_STATUS InitCursorBlt(GUI_CORE* Core)
     if (EfiError(Status)) {
         Status = gImageLookup->GetFileSection(&gCursorFileGuid, EFI_SECTION_PE32, &Stored.Data, &StoredSize);
     }
-    if (EfiError(Status)) {
+    if (EfiError(Status) || !Stored) {
         REPORT("can't find the image (InitCursorBlt)");
         return EFI_NO_MEDIA;
     }
@@ -98,7 +98,7 @@ EFI_STATUS InitCursorBlt(GUI_CORE* Core)
     Status = gImageDecoder->ConvertBmpToGopBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize),
                                                 &Core->CursorImage, &ImageSize, &Height, &Width);
     // Composition needs the picture whenever it runs, so a pointer that can't be decoded ends the start here.
-    if (EfiError(Status) || Core->CursorImage == nullptr || Height == 0 || Width == 0) {
+    if (EfiError(Status) || Core->CursorImage == nullptr || !PlausibleSize(Width, Height)) {
         REPORT("can't decode the image (InitCursorBlt)");
         return EfiError(Status) ? Status : EFI_UNSUPPORTED;
     }

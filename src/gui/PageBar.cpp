@@ -90,9 +90,10 @@ EFI_STATUS JoinPageBar(PAGE_BAR* Bar, VOID* Control, UINT32 ControlId, UINT8 Kin
     Entry->Control = Control;
     Component->Kind = Kind;
     Entry->Kind = Kind;
+    // The kind says that the owner is a bar, so the owner follows it even when the bar has no event to give.
+    Component->Owner = Bar;
     if (Bar->Event != nullptr) {
         Component->PrimaryEvent = Bar->Event;
-        Component->Owner = Bar;
     }
     (void)CreateSelectEvent(Entry, SelectNotify);
     const EFI_STATUS Status = gBS->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnGroupEvent, Entry,

@@ -43,25 +43,31 @@ EFI_STATUS SaveScreen()
         return Status;
     }
     SetMem(Block, gScreenBytes, 0);
-    CopyMem(Block, reinterpret_cast<const VOID*>(gGraphicsOutput->Mode->FrameBufferBase), gScreenBytes);
+    // A display without a linear frame buffer, or with a smaller one, leaves the rest black.
+    const EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* Mode = gGraphicsOutput->Mode;
+    if (Mode != nullptr && Mode->FrameBufferBase != 0) {
+        CopyMem(Block, reinterpret_cast<const VOID*>(Mode->FrameBufferBase),
+                Mode->FrameBufferSize < gScreenBytes ? Mode->FrameBufferSize : gScreenBytes);
+    }
     gSavedScreen = static_cast<EFI_GRAPHICS_OUTPUT_BLT_PIXEL*>(Block);
     return EFI_SUCCESS;
 }
 
-// True when the variable exists, whatever its size: a question with no room is answered with the size it needs.
+// EFI_BUFFER_TOO_SMALL when the variable exists, since there is no room for any; EFI_NOT_FOUND when it doesn't.
 EFI_STATUS ProbeSettings()
 {
     UINTN Size = 0;
     return gRT->GetVariable(gSettingsName, &gSettingsGuid, nullptr, &Size, nullptr);
 }
 
-// A variable of another size fails here or leaves part of the record unread; the record is then as good as none.
+// A variable of another size, or one that can't be read, leaves the record as it is.
 VOID ReadSettings()
 {
-    UINTN Size = sizeof(gGlobalVariable);
-    const EFI_STATUS Status = gRT->GetVariable(gSettingsName, &gSettingsGuid, nullptr, &Size, &gGlobalVariable);
-    if (EfiError(Status) || Size != sizeof(gGlobalVariable)) {
-        gGlobalVariable = {};
+    GLOBAL_VARIABLE Stored = {};
+    UINTN Size = sizeof(Stored);
+    const EFI_STATUS Status = gRT->GetVariable(gSettingsName, &gSettingsGuid, nullptr, &Size, &Stored);
+    if (!EfiError(Status) && Size == sizeof(Stored)) {
+        gGlobalVariable = Stored;
     }
 }
 

@@ -47,16 +47,16 @@ struct CORNER {
     bool Upper;
 };
 
-// A failed reading of the picture is skipped without a word, a failed decoding is reported.
-// Both steps give the status of the last thing that they did.
+// Leaves Picture null when there is none. A picture that doesn't decode is reported here; the status is that of the last
+// look-up or allocation, which the caller reports.
 EFI_STATUS LoadFramePicture(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, UINT8 SectionType)
 {
     TEMPORARY<VOID> Stored;
     UINTN StoredSize = 0;
     EFI_STATUS Status =
         gImageSection->GetArtworkSection(gFrameInstance, &Stored.Data, &StoredSize, FileGuid, &SectionType);
-    if (EfiError(Status)) {
-        return Status;
+    if (EfiError(Status) || !Stored) {
+        return EfiError(Status) ? Status : EFI_NOT_FOUND;
     }
     PIXEL* Decoded = nullptr;
     UINTN DecodedSize = 0;
@@ -65,11 +65,11 @@ EFI_STATUS LoadFramePicture(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, UINT8
     UINT32 PixelsPerRow = 0;
     Status = gImageDecoder->ConvertJPEGToUgaBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize), &Decoded,
                                                  &DecodedSize, &Height, &Width, &PixelsPerRow);
-    if (EfiError(Status) || Decoded == nullptr || Width == 0 || Height == 0 || PixelsPerRow < Width) {
+    if (EfiError(Status) || Decoded == nullptr || !PlausibleSize(Width, Height) || PixelsPerRow < Width) {
         FreePool(Decoded);
         REPORT("ConvertJPEGToUgaBltA Fail");
         REPORT("LocatePool Fail");
-        return EfiError(Status) ? Status : EFI_UNSUPPORTED;
+        return EFI_SUCCESS;
     }
     ReleasePool(Stored.Data);
     Status = CropBlt(&Frame->Picture, Width, Height, PixelsPerRow, Decoded);
@@ -133,7 +133,7 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
     UINTN StoredSize = 0;
     EFI_STATUS Status =
         gImageSection->GetArtworkSection(Corner.Instance, &Stored.Data, &StoredSize, FileGuid, &SectionType);
-    if (EfiError(Status)) {
+    if (EfiError(Status) || !Stored) {
         return EFI_SUCCESS; // the corners stay as the frame's picture has them
     }
     TEMPORARY<PIXEL> Left;
@@ -149,7 +149,7 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
         return EFI_SUCCESS;
     }
     ReleasePool(Stored.Data);
-    if (Width == 0 || Height == 0 || Width > Frame->Width || Height > Frame->Height) {
+    if (!PlausibleSize(Width, Height) || Width > Frame->Width || Height > Frame->Height) {
         return EFI_SUCCESS; // no such corner fits this frame
     }
 
@@ -163,9 +163,11 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
     }
     const UINTN FromTop = Corner.Upper ? 0 : Frame->Height - Height;
     const UINTN FromLeft = Frame->Width - Width;
-    (void)ExtractBlt(UnderLeft.Data, Width, Height, Frame->FullScreen, gScreenWidth, gScreenHeight,
+    // The frame's copy of the old screen, or the shell's own when there was no pool for one.
+    const PIXEL* OldScreen = Frame->FullScreen != nullptr ? Frame->FullScreen : gSavedScreen;
+    (void)ExtractBlt(UnderLeft.Data, Width, Height, OldScreen, gScreenWidth, gScreenHeight,
                      static_cast<INT32>(Frame->Y + FromTop), static_cast<INT32>(Frame->X));
-    (void)ExtractBlt(UnderRight.Data, Width, Height, Frame->FullScreen, gScreenWidth, gScreenHeight,
+    (void)ExtractBlt(UnderRight.Data, Width, Height, OldScreen, gScreenWidth, gScreenHeight,
                      static_cast<INT32>(Frame->Y + FromTop), static_cast<INT32>(Frame->X + FromLeft));
     FillCorner(Left.Data, UnderLeft.Data, Count);
     FillCorner(Right.Data, UnderRight.Data, Count);
@@ -216,32 +218,27 @@ VOID CreateScreenFrame(const EFI_GUID* FileGuid)
     const EFI_STATUS ProbeStatus = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_RAW, &Probe, &ProbeSize);
     FreePool(Probe);
 
-    EFI_STATUS Status =
+    gScreenFrame = Frame;
+    EFI_STATUS LastStatus =
         LoadFramePicture(Frame, FileGuid, EfiError(ProbeStatus) ? EFI_SECTION_PE32 : EFI_SECTION_RAW);
-    EFI_STATUS LastStatus = Status;
-    if (EfiError(Status)) {
-        Status = MakePlainPicture(Frame);
+    const bool Stored = Frame->Picture != nullptr;
+    if (!Stored) {
+        (void)MakePlainPicture(Frame);
     }
-    if (!EfiError(Status)) {
-        Status = CopySavedScreen(Frame);
-        if (EfiError(Status)) {
-            LastStatus = Status;
-        }
+    if (Frame->Picture == nullptr) {
+        return;
+    }
+    const EFI_STATUS CopyStatus = CopySavedScreen(Frame);
+    if (Stored || EfiError(CopyStatus)) {
+        LastStatus = CopyStatus;
     }
     if (EfiError(LastStatus)) {
         REPORT("LocatePool Fail");
     }
-    if (EfiError(Status)) {
-        // Nothing to lay the picture on: it goes onto the bare saved screen without its corners.
-        gScreenFrame = Frame;
-        return;
-    }
-    LastStatus = MergeCorners(Frame, FileGuid, {gUpperCornerInstance, true});
-    if (EfiError(LastStatus)) {
+    if (EfiError(MergeCorners(Frame, FileGuid, {gUpperCornerInstance, true}))) {
         REPORT("ConvertBmpToGopBltA Fail");
     }
     (void)MergeCorners(Frame, FileGuid, {gLowerCornerInstance, false});
-    gScreenFrame = Frame;
 }
 
 VOID PasteScreenFrame()

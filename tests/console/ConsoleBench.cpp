@@ -1,0 +1,266 @@
+#include "tests/console/ConsoleBench.h"
+
+#include <nlohmann/json.hpp>
+
+#include "gui/GUICore.h"
+#include "platform/board/BoardServices.h"
+
+namespace {
+
+// A tab, a radio or a button takes the press in the turn after it, and gets the click in the turn after the release.
+constexpr UINT64 gShortPress = 50000;
+constexpr UINT64 gLongPress = 300000;
+
+CALL_LINE ParseLine(const std::string& Line)
+{
+    const nlohmann::json Object = nlohmann::json::parse(Line);
+    CALL_LINE Call;
+    for (const auto& [Name, Value] : Object.items()) {
+        if (Name == "call") {
+            Call.Call = Value.get<std::string>();
+        } else if (Name == "us") {
+            Call.Microseconds = Value.get<UINT64>();
+        } else if (Name == "start") {
+            Call.Start = Value.get<UINT64>();
+        } else if (Name == "turn") {
+            Call.Turn = Value.get<UINT64>();
+        } else {
+            Call.Fields[Name] = Value.is_string() ? Value.get<std::string>() : Value.dump();
+        }
+    }
+    return Call;
+}
+
+} // namespace
+
+std::string CALL_LINE::Text(const std::string& Field) const
+{
+    const auto Found = Fields.find(Field);
+    return Found == Fields.end() ? "(no field " + Field + ")" : Found->second;
+}
+
+UINT64 CALL_LINE::Number(const std::string& Field) const
+{
+    return std::strtoull(Text(Field).c_str(), nullptr, 10);
+}
+
+std::vector<CALL_LINE> RUN::Named(const std::string& Call) const
+{
+    std::vector<CALL_LINE> Found;
+    for (const CALL_LINE& Line : Calls) {
+        if (Line.Call == Call) {
+            Found.push_back(Line);
+        }
+    }
+    return Found;
+}
+
+std::vector<CALL_LINE> RUN::InTurn(UINT64 Turn, UINT64 Start) const
+{
+    std::vector<CALL_LINE> Found;
+    for (const CALL_LINE& Line : Calls) {
+        if (Line.Turn == Turn && Line.Start == Start) {
+            Found.push_back(Line);
+        }
+    }
+    return Found;
+}
+
+std::vector<CALL_LINE> RUN::NamedInTurn(const std::string& Call, UINT64 Turn, UINT64 Start) const
+{
+    std::vector<CALL_LINE> Found;
+    for (const CALL_LINE& Line : InTurn(Turn, Start)) {
+        if (Line.Call == Call) {
+            Found.push_back(Line);
+        }
+    }
+    return Found;
+}
+
+std::vector<std::string> RUN::OrderInTurn(UINT64 Turn, const std::vector<std::string>& Of, UINT64 Start) const
+{
+    std::vector<std::string> Order;
+    for (const CALL_LINE& Line : InTurn(Turn, Start)) {
+        if (std::find(Of.begin(), Of.end(), Line.Call) != Of.end()) {
+            Order.push_back(Line.Call);
+        }
+    }
+    return Order;
+}
+
+const PICTURE& RUN::Picture(const std::string& Name) const
+{
+    static const PICTURE None(gScreenWidth * gScreenHeight);
+    const auto Found = Session.Pictures.find(Name);
+    if (Found == Session.Pictures.end()) {
+        ADD_FAILURE() << "no picture " << Name;
+        return None;
+    }
+    return Found->second;
+}
+
+std::vector<std::string> RUN::Settings(int Fan) const
+{
+    std::vector<std::string> Records;
+    for (const CALL_LINE& Line : Named("SetFan" + std::to_string(Fan) + "Setting")) {
+        Records.push_back(Line.Text("record"));
+    }
+    return Records;
+}
+
+std::string RUN::LastSetting(int Fan) const
+{
+    const std::vector<std::string> Records = Settings(Fan);
+    return Records.empty() ? "" : Records.back();
+}
+
+std::vector<std::string> RUN::AllSettings() const
+{
+    std::vector<std::string> Found;
+    for (const CALL_LINE& Line : Calls) {
+        if (Line.Call.starts_with("SetFan") && Line.Call.ends_with("Setting")) {
+            Found.push_back(Line.Call.substr(6, Line.Call.size() - 13) + ":" + Line.Text("record"));
+        }
+    }
+    return Found;
+}
+
+std::string Record(const std::string& FirstBytesInHex)
+{
+    std::string Hex;
+    for (const char Digit : FirstBytesInHex) {
+        if (Digit != ' ') {
+            Hex += Digit;
+        }
+    }
+    Hex.resize(128, '0');
+    return Hex;
+}
+
+UINT32 PixelAt(const PICTURE& Picture, UINTN X, UINTN Y)
+{
+    return Picture[Y * gScreenWidth + X] & 0xFFFFFF;
+}
+
+bool SameRectangle(const PICTURE& A, const PICTURE& B, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
+    for (UINTN Row = Y; Row < Y + Height; Row++) {
+        for (UINTN Column = X; Column < X + Width; Column++) {
+            if (PixelAt(A, Column, Row) != PixelAt(B, Column, Row)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+UINTN CountColor(const PICTURE& Picture, UINT32 Color, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
+    UINTN Count = 0;
+    for (UINTN Row = Y; Row < Y + Height; Row++) {
+        for (UINTN Column = X; Column < X + Width; Column++) {
+            Count += PixelAt(Picture, Column, Row) == Color ? 1 : 0;
+        }
+    }
+    return Count;
+}
+
+SCENE::SCENE(const std::string& Board)
+{
+    Options.Board = Board;
+    Options.KeepTrace = true;
+    Options.ImagePath = VENTARA_CONSOLE_IMAGE;
+}
+
+SCENE& SCENE::Line(const std::string& Text)
+{
+    Script += Text + "\n";
+    return *this;
+}
+
+SCENE& SCENE::Turns(UINT64 Count)
+{
+    TurnsSoFar += Count;
+    return Line("turn " + std::to_string(Count));
+}
+
+SCENE& SCENE::Ticks(UINT64 Count)
+{
+    TurnsSoFar += Count;
+    return Line("tick " + std::to_string(Count));
+}
+
+SCENE& SCENE::Advance(UINT64 Microseconds)
+{
+    return Line("advance " + std::to_string(Microseconds));
+}
+
+SCENE& SCENE::Move(int X, int Y)
+{
+    return Line("pointer " + std::to_string(X) + " " + std::to_string(Y)).Turns();
+}
+
+SCENE& SCENE::Press()
+{
+    return Line("left down").Turns();
+}
+
+SCENE& SCENE::Release(UINT64 HeldMicroseconds)
+{
+    if (HeldMicroseconds != 0) {
+        (void)Advance(HeldMicroseconds);
+    }
+    return Line("left up").Turns();
+}
+
+SCENE& SCENE::Click(int X, int Y)
+{
+    return Move(X, Y).Press().Turns().Release(gShortPress).Turns(2);
+}
+
+SCENE& SCENE::Drag(int X, int Y, const std::vector<std::pair<int, int>>& Through)
+{
+    (void)Move(X, Y).Press().Turns(2);
+    for (const auto& [AtX, AtY] : Through) {
+        (void)Move(AtX, AtY).Turns();
+    }
+    return Release(gLongPress).Turns(2);
+}
+
+SCENE& SCENE::Key(const std::string& Name)
+{
+    return Line("key " + Name).Turns();
+}
+
+SCENE& SCENE::Screenshot(const std::string& Name)
+{
+    return Line("screenshot " + Name);
+}
+
+SCENE& SCENE::Restart()
+{
+    TurnsSoFar = 0;
+    return Line("key esc").Line("turn").Line("start");
+}
+
+RUN SCENE::Play() const
+{
+    RUN Run;
+    SESSION_OPTIONS Played = Options;
+    Played.Script = Script;
+    const UINT64 FaultsBefore = BoardContractFaults();
+    Run.Session = RunSession(Played);
+    EXPECT_TRUE(Run.Session.Ran) << Run.Session.Error;
+    EXPECT_EQ(Run.Session.Error, "");
+    for (const std::string& Complaint : Run.Session.Complaints) {
+        ADD_FAILURE() << "the firmware complains: " << Complaint;
+    }
+    for (const SESSION_LEAK& Leak : Run.Session.Leaks) {
+        ADD_FAILURE() << "pool still held: " << Leak.Description;
+    }
+    EXPECT_EQ(BoardContractFaults(), FaultsBefore) << LastBoardContractFault();
+    for (const std::string& Line : Run.Session.Trace) {
+        Run.Calls.push_back(ParseLine(Line));
+    }
+    return Run;
+}
