@@ -1,6 +1,6 @@
 #include "gui/PageBar.h"
 
-#include "shell/Board.h"
+#include "gui/PageBarMembers.h"
 #include "support/Identifiers.h"
 #include "support/Library.h"
 #include "support/Print.h"
@@ -13,38 +13,6 @@ namespace {
 // 1 between finding the entry that the pointer entered and painting it. Shared by both bars, and meant to be: when a
 // long release meets an entry it stays 1, and no member shows a hover frame until the first entry of a bar is entered.
 UINT8 gHoverLatch = 0;
-
-PAGE_BAR_ENTRY* EntryOf(LIST_ENTRY* Link)
-{
-    return RecordOf<PAGE_BAR_ENTRY>(Link, offsetof(PAGE_BAR_ENTRY, Link));
-}
-
-PAGE_BAR_TARGET* TargetOf(LIST_ENTRY* Link)
-{
-    return RecordOf<PAGE_BAR_TARGET>(Link, offsetof(PAGE_BAR_TARGET, Link));
-}
-
-BTN_COMPONENT* ButtonOf(const PAGE_BAR_ENTRY* Entry)
-{
-    return static_cast<BTN_COMPONENT*>(Entry->Control);
-}
-
-CHECK_BOX_COMPONENT* CheckBoxOf(const PAGE_BAR_ENTRY* Entry)
-{
-    return static_cast<CHECK_BOX_COMPONENT*>(Entry->Control);
-}
-
-UINT32 ControlId(const PAGE_BAR_ENTRY* Entry)
-{
-    return Entry->Kind == _RADIO_BTN_COMPONENT ? ButtonOf(Entry)->Id : CheckBoxOf(Entry)->Id;
-}
-
-GUI_COMPONENT* ComponentOf(UINT32 Id)
-{
-    GUI_COMPONENT* Component = nullptr;
-    (void)FindComponent(gGuiCore->Components, static_cast<UINT16>(Id), &Component);
-    return Component;
-}
 
 PAGE_BAR_ENTRY* EntryAt(const PAGE_BAR* Bar, UINT32 Index)
 {
@@ -267,88 +235,6 @@ EFI_STATUS PageBarDispatch()
     return EFI_NOT_FOUND;
 }
 
-// As if the tab of the stored fan were clicked.
-VOID ClickStoredTab(const PAGE_BAR_MEMBERS& Members)
-{
-    gGuiCore->MouseState = L_CLICK;
-    for (UINT8 Item = gFirstFanItem; Item < gFirstFanItem + gFanItemCount; Item++) {
-        if (gItemPresent[Item] != 1 || Item != gGlobalVariable.SelectedFanItem) {
-            continue;
-        }
-        const BTN_COMPONENT* Tab = Members.TabOfFan(Item);
-        const GUI_COMPONENT* Component = Tab == nullptr ? nullptr : ComponentOf(Tab->Id);
-        if (Component != nullptr) {
-            gFanPageBar->SelectedId = Tab->Id;
-            gGuiCore->HitId = Tab->Id;
-            SignalIfAny(Component->PrimaryEvent);
-            SignalIfAny(Component->SecondaryEvent);
-        }
-        break;
-    }
-    gGuiCore->MouseState = NOEVENT;
-}
-
-VOID ShowSelectedPage()
-{
-    PAGE_BAR_LIST* Entries = gFanPageBar->Entries;
-    for (LIST_ENTRY* Link = Entries->Head.ForwardLink; Link != &Entries->Head; Link = Link->ForwardLink) {
-        PAGE_BAR_ENTRY* Entry = EntryOf(Link);
-        if (ControlId(Entry) != gFanPageBar->SelectedId) {
-            continue;
-        }
-        SignalIfAny(Entry->SelectEvent);
-        for (LIST_ENTRY* Item = Entry->Targets.ForwardLink; Item != &Entry->Targets; Item = Item->ForwardLink) {
-            const PAGE_BAR_TARGET* Target = TargetOf(Item);
-            GUI_COMPONENT* Component = ComponentOf(Target->ComponentId);
-            if (Component != nullptr && (Target->Flag == nullptr || *Target->Flag == Target->FlagValue)) {
-                Component->Active = 1;
-            }
-            SignalIfAny(Target->Event);
-        }
-        break;
-    }
-
-    UINT32 Position = 0;
-    for (LIST_ENTRY* Link = Entries->Head.ForwardLink; Link != &Entries->Head; Link = Link->ForwardLink) {
-        const PAGE_BAR_ENTRY* Entry = EntryOf(Link);
-        if (ControlId(Entry) != gFanPageBar->SelectedId) {
-            PaintButton(BUTTON_FRAME_REST, ButtonOf(Entry));
-        } else {
-            gFanPageBar->SelectedIndex = Position;
-            PaintButton(BUTTON_FRAME_SELECTED, ButtonOf(Entry));
-            SignalIfAny(Entry->SelectEvent);
-        }
-        Position++;
-    }
-}
-
-VOID ShowSelectedSource(const PAGE_BAR_MEMBERS& Members)
-{
-    for (UINT8 Item = gFirstTemperatureItem; Item < gFirstTemperatureItem + gTemperatureItemCount; Item++) {
-        if (gItemPresent[Item] != 1 || Item != gGlobalVariable.TemperatureSource) {
-            continue;
-        }
-        const CHECK_BOX_COMPONENT* Radio = Members.RadioOfSource(Item);
-        if (gTemperaturePageBar != nullptr && Radio != nullptr) {
-            gTemperaturePageBar->SelectedId = Radio->Id;
-        }
-        break;
-    }
-    if (gTemperaturePageBar == nullptr) {
-        return;
-    }
-    PAGE_BAR_LIST* Entries = gTemperaturePageBar->Entries;
-    UINT32 Position = 0;
-    for (LIST_ENTRY* Link = Entries->Head.ForwardLink; Link != &Entries->Head; Link = Link->ForwardLink) {
-        CHECK_BOX_COMPONENT* Box = CheckBoxOf(EntryOf(Link));
-        DrawCheckBox(Box->State == 0 ? CHECK_BOX_UNCHECKED : CHECK_BOX_CHECKED, Box);
-        if (Box->Id == gTemperaturePageBar->SelectedId) {
-            gTemperaturePageBar->SelectedIndex = Position;
-        }
-        Position++;
-    }
-}
-
 } // namespace
 
 EFI_STATUS CreatePageBar(PAGE_BAR** BarOut)
@@ -460,15 +346,6 @@ EFI_STATUS OnPageBarEvent(EFI_EVENT, VOID* Context)
         }
     }
     return EFI_NOT_FOUND;
-}
-
-VOID SelectInitialPage(const PAGE_BAR_MEMBERS& Members)
-{
-    if (gFanPageBar != nullptr) {
-        ClickStoredTab(Members);
-        ShowSelectedPage();
-    }
-    ShowSelectedSource(Members);
 }
 
 EFI_STATUS DestroyPageBarEntries(PAGE_BAR_LIST* List)

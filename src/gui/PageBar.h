@@ -71,16 +71,6 @@ EFI_STATUS FindPageBarEntry(PAGE_BAR_LIST* List, UINT16 Index, PAGE_BAR_ENTRY** 
 // Notify function of the bar's event and hover handler of its members; Context is the bar. Always EFI_NOT_FOUND.
 EFI_STATUS OnPageBarEvent(EFI_EVENT Event, VOID* Context);
 
-// Which control stands for a fan or for a temperature source; null when there is none.
-struct PAGE_BAR_MEMBERS {
-    BTN_COMPONENT* (*TabOfFan)(UINT8 ItemId);
-    CHECK_BOX_COMPONENT* (*RadioOfSource)(UINT8 ItemId);
-};
-
-// Brings both bars into the state of the settings, as if the tab of the stored fan had been clicked. Called once, after
-// all pages are made.
-VOID SelectInitialPage(const PAGE_BAR_MEMBERS& Members);
-
 // Closes the events of all entries and targets, and frees them. EFI_NOT_FOUND for an empty list.
 EFI_STATUS DestroyPageBarEntries(PAGE_BAR_LIST* List);
 // Frees the bar with its entries; the controls belong to their owners. EFI_SUCCESS for a null bar.

@@ -6,7 +6,7 @@
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/Text.h"
-#include "gui/PageBar.h"
+#include "gui/InitialPage.h"
 #include "gui/PointerEngine.h"
 #include "monitor/Captions.h"
 #include "monitor/Readouts.h"
