@@ -240,8 +240,9 @@ VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, U
             gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->FloatDivide(Sample, Range), Scale));
         Samples[Column] = LimitSample(Samples[Column], Minimum, Maximum);
         PlotColumn(Layer + Column, Gradient, Width, Height, Point, Previous, Column == 0, Line);
-        if (Column + 1 < Width) {
-            Samples[Column] = Samples[Column + 1];
+        // The limited sample is what moves on: one above the scale leaves it for this one plot.
+        if (Column > 0) {
+            Samples[Column - 1] = Samples[Column];
         }
         Previous = Point;
     }
