@@ -240,7 +240,7 @@ VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, U
             gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->FloatDivide(Sample, Range), Scale));
         Samples[Column] = LimitSample(Samples[Column], Minimum, Maximum);
         PlotColumn(Layer + Column, Gradient, Width, Height, Point, Previous, Column == 0, Line);
-        // The limited sample is what moves on: one above the scale leaves it for this one plot.
+        // The limited sample is what moves on, so that one above the scale fills its column for this one plot only.
         if (Column > 0) {
             Samples[Column - 1] = Samples[Column];
         }
