@@ -57,7 +57,7 @@ static VOID LoadNodeStrip(DRAGDROP_COMPONENT* Frame, UINT32 Instance, const EFI_
                           UINT32* Height)
 {
     (void)LoadBmpBlt(Instance, FileGuid, &Frame->NodeImages, Width, Height);
-    *Height /= gNodeCount;
+    *Height = static_cast<UINT32>(*Height / gNodeCount);
     if (Frame->NodeImages != nullptr && *Width > 0 && *Height > 0 &&
         GridFitsScreen(static_cast<UINT64>(*Width) * Frame->Columns + 1,
                        static_cast<UINT64>(*Height) * Frame->Rows + 1)) {

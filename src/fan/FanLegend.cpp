@@ -24,7 +24,7 @@ constexpr UINT32 gTemperatureRight = 906;
 
 VOID DrawIcons(const PIXEL* Strip, UINT32 Width, UINT32 Height)
 {
-    const UINT32 IconHeight = Height / gNodeCount;
+    const UINT32 IconHeight = static_cast<UINT32>(Height / gNodeCount);
     for (UINT32 Node = 0; Node < gNodeCount; Node++) {
         const PIXEL* Icon = Strip + static_cast<UINTN>(Node) * IconHeight * Width;
         const INT32 Y = static_cast<INT32>(Node * IconHeight + gIconTop);
