@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "platform/board/ArtworkPack.h"
 #include "platform/host/ConsoleTables.h"
 #include "platform/host/FirmwareTables.h"
 
@@ -101,6 +102,7 @@ VOID BOOT::RemoveBoard()
     }
     const EFI_STATUS Status = UninstallBoardServices(mBoardHandle);
     mBoardHandle = nullptr;
+    ResetArtwork(); // what a script changed is not for the next board
     if (EfiError(Status)) {
         Complaints.Add("the board's services couldn't be taken away: %llx", Status);
     }

@@ -36,7 +36,7 @@ struct BOOT_OPTIONS {
     bool VirtualClock = true;
     bool WithNetwork = false;  // a network card among the device paths
     bool EchoConsoles = false; // ConOut and StdErr reach the program's own streams
-    std::vector<EFI_GUID> Hidden; // protocols that aren't there
+    std::vector<EFI_GUID> Hidden = {}; // protocols that aren't there
     const UINT8* ArtworkPack = nullptr; // the pack that the build made, or a test's own
     UINTN ArtworkPackSize = 0;
 };

@@ -277,7 +277,7 @@ EFI_STATUS GetVariable(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* Attri
         .Status(Status)
         .Text("name", Name)
         .Guid("guid", Vendor)
-        .Number("attributes", Stored)
+        .Number("attributes", Found ? Stored : 0)
         .Number("size", Asked)
         .Hex("data", Data, Status == EFI_SUCCESS ? *Size : 0);
     return Status;

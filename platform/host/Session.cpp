@@ -158,8 +158,6 @@ bool SESSION::StartOnce()
         EFI_HANDLE Handle = Image;
         (void)Boot->Handles.Install(&Handle, &gShellParametersGuid, &Shell->Protocol);
     }
-    TraceCall(Boot->Trace, CALL_START).Text("board", std::string_view(Options.Board)).Number("seed", Options.Seed);
-
     IMAGE_ENTRY_POINT Entry = Options.Entry;
     VOID* Loaded = nullptr;
     if (Entry == nullptr) {
@@ -172,6 +170,7 @@ bool SESSION::StartOnce()
             return false;
         }
     }
+    TraceCall(Boot->Trace, CALL_START).Text("board", std::string_view(Options.Board)).Number("seed", Options.Seed);
     Boot->Pool.FailFrom = Options.PoolLimit;
     Boot->Pool.FailOnly = Options.PoolFail;
     const EFI_STATUS Status = Entry(Image, &Boot->ConsoleTable);

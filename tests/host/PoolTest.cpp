@@ -1,0 +1,73 @@
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "platform/host/Pool.h"
+
+namespace {
+
+struct PoolTest : testing::Test {
+    COMPLAINTS Complaints;
+    POOL Pool{&Complaints};
+
+    PoolTest() { Complaints.Quiet = true; }
+
+    EFI_STATUS Take(UINTN Size, VOID** Buffer) { return Pool.Allocate(Size, this, Buffer); }
+};
+
+TEST_F(PoolTest, AGivenBlockHoldsThePatternAndNotZero)
+{
+    VOID* Block;
+    ASSERT_EQ(Take(3, &Block), EFI_SUCCESS);
+    for (int At = 0; At < 3; At++) {
+        EXPECT_EQ(static_cast<UINT8*>(Block)[At], 0xAF);
+    }
+    EXPECT_EQ(Pool.Free(Block, this), EFI_SUCCESS);
+}
+
+TEST_F(PoolTest, FreeingWhatIsNoBlockIsRefusedAndComplainedOf)
+{
+    VOID* Block;
+    ASSERT_EQ(Take(8, &Block), EFI_SUCCESS);
+    EXPECT_EQ(Pool.Free(static_cast<UINT8*>(Block) + 4, this), EFI_INVALID_PARAMETER);
+    EXPECT_EQ(Pool.Free(nullptr, this), EFI_INVALID_PARAMETER);
+    EXPECT_EQ(Pool.Free(Block, this), EFI_SUCCESS);
+    EXPECT_EQ(Pool.Free(Block, this), EFI_INVALID_PARAMETER);
+    EXPECT_EQ(Complaints.Lines.size(), 3u);
+}
+
+TEST_F(PoolTest, WhatAStartHoldsIsListedWithoutOlderBlocks)
+{
+    VOID* Older;
+    VOID* Kept;
+    VOID* Returned;
+    ASSERT_EQ(Take(10, &Older), EFI_SUCCESS);
+    Pool.BeginStart(1);
+    ASSERT_EQ(Take(20, &Returned), EFI_SUCCESS);
+    ASSERT_EQ(Take(30, &Kept), EFI_SUCCESS);
+    ASSERT_EQ(Pool.Free(Returned, this), EFI_SUCCESS);
+    const std::vector<POOL_BLOCK> Held = Pool.Held(1);
+    ASSERT_EQ(Held.size(), 1u);
+    EXPECT_EQ(Held[0].Size, 30u);
+    EXPECT_EQ(Held[0].Number, 3u);
+    EXPECT_EQ(Held[0].Owner[0], this);
+}
+
+TEST_F(PoolTest, AnAllocationFailsAloneOrWithAllThatFollowCountedFromTheStart)
+{
+    VOID* Block;
+    ASSERT_EQ(Take(1, &Block), EFI_SUCCESS); // before the start: doesn't count
+    Pool.BeginStart(1);
+    Pool.FailOnly = 2;
+    EXPECT_EQ(Take(1, &Block), EFI_SUCCESS);
+    EXPECT_EQ(Take(1, &Block), EFI_OUT_OF_RESOURCES);
+    EXPECT_EQ(Take(1, &Block), EFI_SUCCESS);
+    Pool.BeginStart(2);
+    Pool.FailOnly = 0;
+    Pool.FailFrom = 2;
+    EXPECT_EQ(Take(1, &Block), EFI_SUCCESS);
+    EXPECT_EQ(Take(1, &Block), EFI_OUT_OF_RESOURCES);
+    EXPECT_EQ(Take(1, &Block), EFI_OUT_OF_RESOURCES);
+}
+
+} // namespace

@@ -1,0 +1,413 @@
+// Whole sessions with small consoles written for them.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "platform/host/HostText.h"
+#include "platform/host/Session.h"
+
+namespace {
+
+EFI_SYSTEM_TABLE* gTable;
+CURSOR_SERVICE_PROTOCOL* gCursor;
+std::function<bool()> gTurn;    // one turn of the console behind its pointer read; false ends it
+std::function<VOID()> gAtStart; // before the first turn
+EFI_STATUS gReturned;
+INT64 gX, gY;
+UINT8 gLeft, gRight;
+
+template <typename T> T* Locate(const EFI_GUID& Guid)
+{
+    VOID* Interface = nullptr;
+    (void)gTable->BootServices->LocateProtocol(&Guid, nullptr, &Interface);
+    return static_cast<T*>(Interface);
+}
+
+
+// A console in miniature: a timer of 200 ms, a wait, the pointer, a key.
+UINTN gIndex;
+EFI_INPUT_KEY gKey;
+EFI_STATUS RunConsole(EFI_HANDLE, EFI_SYSTEM_TABLE* Table)
+{
+    gTable = Table;
+    gCursor = Locate<CURSOR_SERVICE_PROTOCOL>(gCursorServiceProtocolGuid);
+    EFI_EVENT Events[2] = {};
+    EFI_BOOT_SERVICES* Services = Table->BootServices;
+    (void)Services->CreateEvent(EVT_TIMER, TPL_CALLBACK, nullptr, nullptr, &Events[0]);
+    (void)Services->SetTimer(Events[0], TimerPeriodic, 2000000);
+    if (gAtStart) {
+        gAtStart();
+    }
+    bool Going = gCursor != nullptr;
+    while (Going) {
+        (void)Services->WaitForEvent(2, Events, &gIndex);
+        INT64 Z;
+        (void)gCursor->SetCursorLimits(1024, 768);
+        (void)gCursor->GetCursorState(&gX, &gY, &Z, &gLeft, &gRight);
+        gKey = {};
+        (void)Table->ConIn->ReadKeyStroke(Table->ConIn, &gKey);
+        Going = (!gTurn || gTurn()) && gKey.ScanCode != SCAN_ESC;
+    }
+    (void)Services->CloseEvent(Events[0]);
+    return gReturned;
+}
+
+struct SessionTest : testing::Test {
+    SESSION_OPTIONS Options;
+    std::string Seen; // what a console saw, turn by turn
+
+    SessionTest()
+    {
+        Options.Entry = RunConsole;
+        Options.KeepTrace = true;
+        gTurn = nullptr;
+        gAtStart = nullptr;
+        gReturned = EFI_SUCCESS;
+    }
+
+    SESSION_RESULT Play(const std::string& Script)
+    {
+        Options.Script = Script;
+        return RunSession(Options);
+    }
+    // The trace's lines of a call, without their beginnings.
+    static std::vector<std::string> Lines(const SESSION_RESULT& Result, const std::string& Call)
+    {
+        std::vector<std::string> Found;
+        for (const std::string& Line : Result.Trace) {
+            if (Line.find("\"call\":\"" + Call + "\"") != std::string::npos) {
+                Found.push_back(Line);
+            }
+        }
+        return Found;
+    }
+    VOID NoteTurns()
+    {
+        gTurn = [this] {
+            Seen += std::to_string(gX) + (gLeft != 0 ? "L" : "") + (gRight != 0 ? "R" : "") + (gIndex == 0 ? "T" : "");
+            if (gKey.UnicodeChar != 0) {
+                Seen += static_cast<char>(gKey.UnicodeChar);
+            }
+            if (gKey.ScanCode != 0) {
+                Seen += "!";
+            }
+            Seen += " ";
+            return true;
+        };
+    }
+};
+
+TEST_F(SessionTest, EachTurnShowsWhatItsCommandsSetAndTheEndFeedsEscape)
+{
+    NoteTurns();
+    const SESSION_RESULT Result = Play("pointer 10 5\n"
+                                       "turn 2\n"
+                                       "left down\n"
+                                       "key f\n"
+                                       "turn\n"
+                                       "left up\n"
+                                       "pointer 20 5\n"
+                                       "right down\n"
+                                       "turn\n"
+                                       "right up\n"
+                                       "tick 2\n"
+                                       "advance 199999\n"
+                                       "turn\n");
+    EXPECT_EQ(Seen, "10 10 10Lf 20R 20T 20T 20 20! ");
+    EXPECT_EQ(Result.Status, EFI_SUCCESS);
+    EXPECT_EQ(Result.Turns, 8u);
+    EXPECT_EQ(Result.Error, "");
+}
+
+TEST_F(SessionTest, ATurnBeginsWithTheFirstWaitOrPointerReadSinceTheLastPointerRead)
+{
+    // In the second turn a page opens that reads the pointer alone, three times; each read is a turn.
+    int Turn = 0;
+    gTurn = [&] {
+        Seen += std::to_string(gX) + " ";
+        if (++Turn == 2) {
+            for (int Read = 0; Read < 3; Read++) {
+                INT64 Y, Z;
+                UINT8 Left, Right;
+                (void)gCursor->GetCursorState(&gX, &Y, &Z, &Left, &Right);
+                Seen += "(" + std::to_string(gX) + ") ";
+            }
+        }
+        return true;
+    };
+    const SESSION_RESULT Result = Play("pointer 1 1\nturn\npointer 2 1\nturn\npointer 3 1\nturn\npointer 4 1\nturn\n"
+                                       "pointer 5 1\nturn\npointer 6 1\nturn\n");
+    EXPECT_EQ(Seen, "1 2 (3) (4) (5) 6 6 ");
+    EXPECT_EQ(Result.Turns, 7u);
+}
+
+TEST_F(SessionTest, VariablesLastFromStartToStartAndAreGoneAfterAReset)
+{
+    constexpr EFI_GUID Vendor = {7, 7, 7, {}};
+    gAtStart = [&] {
+        UINT8 Count = 0;
+        UINTN Size = 1;
+        EFI_RUNTIME_SERVICES* Runtime = gTable->RuntimeServices;
+        (void)Runtime->GetVariable(u"Count", &Vendor, nullptr, &Size, &Count);
+        Seen += std::to_string(Count) + " ";
+        Count++;
+        EXPECT_EQ(Runtime->SetVariable(u"Count", &Vendor, 2, 1, &Count), EFI_SUCCESS);
+    };
+    // The second start is asked for while the console runs: Escape is fed until it has returned.
+    const SESSION_RESULT Result = Play("turn\nkey esc\nturn\nstart\nturn\nstart\nturn\nkey esc\nturn\nreset\nstart\n");
+    EXPECT_EQ(Seen, "0 1 2 0 ");
+    EXPECT_EQ(Result.Statuses.size(), 4u);
+    const std::vector<std::string> Starts = Lines(Result, "Start");
+    ASSERT_EQ(Starts.size(), 4u);
+    EXPECT_EQ(Starts[3].substr(0, 36), R"({"us":0,"start":4,"turn":0,"call":"S)");
+}
+
+TEST_F(SessionTest, ABoardKeepsItsSettingsAndAScriptsWordsOverAReset)
+{
+    gAtStart = [&] {
+        HW_SERVICE_PROTOCOL* Service = Locate<HW_SERVICE_PROTOCOL>(gHwServiceProtocolGuid);
+        FAN_SETTING Setting;
+        EXPECT_EQ(Service->Fan[0].Get(Service, &Setting), EFI_SUCCESS);
+        Seen += std::to_string(Setting.Level3);
+        UINT64 Value = 0;
+        UINT8 Present = 0;
+        (void)Service->GetItemValue(Service, 4, &Value, &Present);
+        Seen += ":" + std::to_string(Value) + " ";
+        Setting.Level3 = 7;
+        EXPECT_EQ(Service->Fan[0].Set(Service, &Setting), EFI_SUCCESS);
+    };
+    (void)Play("setting 4 01 04030201 01020306\nreading 4 4321\nturn\nkey esc\nturn\nreset\nstart\n");
+    EXPECT_EQ(Seen, "6:4321 7:4321 ");
+}
+
+TEST_F(SessionTest, ReadingsStringsAndFailuresTakeTheBoardsPlace)
+{
+    gAtStart = [&] {
+        HW_SERVICE_PROTOCOL* Service = Locate<HW_SERVICE_PROTOCOL>(gHwServiceProtocolGuid);
+        const auto Read = [&](UINT8 Item) {
+            UINT64 Value = 77;
+            UINT8 Present = 9;
+            const EFI_STATUS Status = Service->GetItemValue(Service, Item, &Value, &Present);
+            Seen += std::to_string(Status & 0xFF) + "/" + std::to_string(Value) + "/" + std::to_string(Present) + " ";
+        };
+        Read(0);
+        Read(1);
+        Read(2);
+        EXPECT_EQ(Service->GetItemString(Service, 31), nullptr);
+        CHAR16* Text = Service->GetItemString(Service, 4);
+        EXPECT_TRUE(std::u16string(Text) == u"Fan \u00F8");
+        EXPECT_EQ(gTable->BootServices->FreePool(Text), EFI_SUCCESS);
+        FAN_SETTING Setting = {};
+        EXPECT_EQ(Service->Fan[6].Get(Service, &Setting), EFI_OUT_OF_RESOURCES);
+        EXPECT_EQ(Service->Fan[6].Get(Service, &Setting), EFI_OUT_OF_RESOURCES);
+        EXPECT_EQ(Service->Fan[6].Get(Service, &Setting), EFI_SUCCESS);
+    };
+    (void)Play("reading 0 4321\nreading 1 absent\nreading 2 error\nstring 31 null\nstring 4 Fan \xC3\xB8\n"
+               "fail GetFan10Setting OUT_OF_RESOURCES 2\n");
+    EXPECT_EQ(Seen, "0/4321/1 0/0/0 7/77/9 ");
+}
+
+TEST_F(SessionTest, AMissingProtocolIsMissingAndItsStatusComesBack)
+{
+    gAtStart = [] { gReturned = gCursor == nullptr ? EFI_PROTOCOL_ERROR : EFI_SUCCESS; };
+    SESSION_RESULT Result = Play("without CURSOR_SERVICE_PROTOCOL\n");
+    EXPECT_EQ(Result.Status, EFI_PROTOCOL_ERROR);
+    EXPECT_NE(Lines(Result, "LocateProtocol").at(0).find("\"status\":\"0x800000000000000e\""), std::string::npos);
+    EXPECT_NE(Lines(Result, "Return").at(0).find("\"status\":\"0x8000000000000018\""), std::string::npos);
+    Result = Play("");
+    EXPECT_EQ(Result.Status, EFI_SUCCESS) << "the next session has it again";
+}
+
+TEST_F(SessionTest, ArtworkCanBeMissingOrAnswerUnderAnotherType)
+{
+    gAtStart = [&] {
+        IMAGE_SECTION_PROTOCOL* Sections = Locate<IMAGE_SECTION_PROTOCOL>(gImageSectionProtocolGuid);
+        for (const UINT32 Instance : {20u, 21u}) {
+            for (const UINT8 Type : {EFI_SECTION_RAW, EFI_SECTION_PE32}) {
+                VOID* Data = nullptr;
+                UINTN Size = 0;
+                const EFI_STATUS Status =
+                    Sections->GetArtworkSection(Instance, &Data, &Size, &gArtworkFileGuid, &Type);
+                Seen += EfiError(Status) ? "-" : "+";
+                if (!EfiError(Status)) {
+                    (void)gTable->BootServices->FreePool(Data);
+                }
+            }
+        }
+        Seen += " ";
+    };
+    (void)Play("");
+    (void)Play("artwork 20 none\n");
+    (void)Play("artwork type 16\n");
+    (void)Play("");
+    EXPECT_EQ(Seen, "+-+- --+- -+-+ +-+- ");
+}
+
+TEST_F(SessionTest, TheTraceSaysWhatCrossedTheTablesInItsOrder)
+{
+    static EFI_EVENT Events[2];
+    gAtStart = [] {
+        EFI_BOOT_SERVICES* Services = gTable->BootServices;
+        constexpr EFI_GUID Group = {0x1D1140CD, 0x3B1C, 0x4B04, {0xA3, 0xBE, 0xD8, 0xA9, 0x23, 0xE5, 0x73, 0xB8}};
+        const EFI_EVENT_NOTIFY Say = [](EFI_EVENT, VOID*) -> EFI_STATUS {
+            return gTable->StdErr->OutputString(gTable->StdErr, u"a \"b\"\r\n");
+        };
+        (void)Services->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_NOTIFY, Say, nullptr, &Group, &Events[1]);
+        (void)Services->SignalEvent(Events[1]);
+        (void)Services->CloseEvent(Events[1]);
+        (void)Services->Stall(300000);
+        UINT8 Data[3] = {0xDE, 0xAD, 1};
+        UINTN Size = 3;
+        (void)gTable->RuntimeServices->SetVariable(u"V", &Group, 2, 3, Data);
+        (void)gTable->RuntimeServices->GetVariable(u"V", &Group, nullptr, &Size, nullptr);
+        EFI_GRAPHICS_OUTPUT_PROTOCOL* Display = Locate<EFI_GRAPHICS_OUTPUT_PROTOCOL>(gEfiGraphicsOutputProtocolGuid);
+        EFI_GRAPHICS_OUTPUT_BLT_PIXEL Pixels[12] = {};
+        (void)Display->Blt(Display, Pixels, EfiBltVideoToBltBuffer, 5, 6, 1, 0, 3, 2, 24);
+    };
+    const SESSION_RESULT Result = Play("turn\nkey 0 66\nturn\n");
+    const std::vector<std::string> Expected = {
+        R"({"us":0,"start":1,"turn":0,"call":"Start","board":"full","seed":1})",
+        R"({"us":0,"start":1,"turn":0,"call":"LocateProtocol","status":"0x0000000000000000",)"
+        R"("guid":"47BAA4D2-D2B1-4029-B485-CAAF388D9EAA"})",
+        R"({"us":0,"start":1,"turn":0,"call":"CreateEvent","status":"0x0000000000000000","event":1,)"
+        R"("type":2147483648,"tpl":8})",
+        R"({"us":0,"start":1,"turn":0,"call":"SetTimer","status":"0x0000000000000000","event":1,)"
+        R"("timer":"periodic","period":2000000})",
+        R"({"us":0,"start":1,"turn":0,"call":"CreateEventEx","status":"0x0000000000000000","event":2,"type":512,)"
+        R"("tpl":16,"group":"1D1140CD-3B1C-4B04-A3BE-D8A923E573B8"})",
+        R"({"us":0,"start":1,"turn":0,"call":"SignalEvent","status":"0x0000000000000000","event":2})",
+        R"({"us":0,"start":1,"turn":0,"call":"OutputString","status":"0x0000000000000000","console":"StdErr",)"
+        R"("text":"a \"b\"\r\n"})",
+        R"({"us":0,"start":1,"turn":0,"call":"CloseEvent","status":"0x0000000000000000","event":2})",
+        R"({"us":300000,"start":1,"turn":0,"call":"Stall","status":"0x0000000000000000","asked":300000})",
+        R"({"us":300000,"start":1,"turn":0,"call":"SetVariable","status":"0x0000000000000000","name":"V",)"
+        R"("guid":"1D1140CD-3B1C-4B04-A3BE-D8A923E573B8","attributes":2,"size":3,"data":"dead01"})",
+        R"({"us":300000,"start":1,"turn":0,"call":"GetVariable","status":"0x8000000000000002","name":"V",)"
+        R"("guid":"1D1140CD-3B1C-4B04-A3BE-D8A923E573B8","attributes":0,"size":3,"data":null})",
+        R"({"us":300000,"start":1,"turn":0,"call":"LocateProtocol","status":"0x0000000000000000",)"
+        R"("guid":"9042A9DE-23DC-4A38-96FB-7ADED080516A"})",
+        R"({"us":300000,"start":1,"turn":0,"call":"Blt","status":"0x0000000000000000","operation":"to-buffer",)"
+        R"("x":5,"y":6,"width":3,"height":2,"delta":24})",
+        R"({"us":300000,"start":1,"turn":1,"call":"WaitForEvent","status":"0x0000000000000000","count":2,"index":0})",
+        R"({"us":300000,"start":1,"turn":1,"call":"SetCursorLimits","status":"0x0000000000000000","width":1024,)"
+        R"("height":768})",
+        R"({"us":300000,"start":1,"turn":2,"call":"WaitForEvent","status":"0x8000000000000002","count":2,"index":1})",
+        R"({"us":300000,"start":1,"turn":2,"call":"ReadKeyStroke","status":"0x0000000000000000","scan":0,)"
+        R"("char":102})",
+        R"({"us":300000,"start":1,"turn":3,"call":"WaitForEvent","status":"0x8000000000000002","count":2,"index":1})",
+        R"({"us":300000,"start":1,"turn":3,"call":"ReadKeyStroke","status":"0x0000000000000000","scan":23,"char":0})",
+        R"({"us":300000,"start":1,"turn":3,"call":"CloseEvent","status":"0x0000000000000000","event":1})",
+        R"({"us":300000,"start":1,"turn":3,"call":"Return","status":"0x0000000000000000","blocks":0,"bytes":0})",
+    };
+    for (size_t At = 0; At < std::max(Expected.size(), Result.Trace.size()); At++) {
+        EXPECT_EQ(At < Result.Trace.size() ? Result.Trace[At] : "nothing",
+                  At < Expected.size() ? Expected[At] : "nothing");
+    }
+    EXPECT_EQ(Result.ErrorText, "a \"b\"\n");
+}
+
+TEST_F(SessionTest, PoolCallsAreTracedOnRequestAndTheLimitCountsFromTheStart)
+{
+    Options.TracePool = true;
+    Options.PoolFail = 2;
+    gAtStart = [] {
+        VOID* Blocks[3] = {};
+        for (VOID*& Block : Blocks) {
+            (void)gTable->BootServices->AllocatePool(EfiBootServicesData, 24, &Block);
+        }
+        EXPECT_EQ(Blocks[1], nullptr);
+        EXPECT_EQ(gTable->BootServices->FreePool(Blocks[0]), EFI_SUCCESS);
+    };
+    const SESSION_RESULT Result = Play("");
+    const std::vector<std::string> Taken = Lines(Result, "AllocatePool");
+    ASSERT_EQ(Taken.size(), 3u);
+    EXPECT_NE(Taken[1].find(R"("status":"0x8000000000000009","bytes":24,"block":0})"), std::string::npos);
+    const std::vector<std::string> Given = Lines(Result, "FreePool");
+    ASSERT_EQ(Given.size(), 1u);
+    EXPECT_EQ(Given[0].substr(Given[0].find("\"bytes\"")), Taken[0].substr(Taken[0].find("\"bytes\"")));
+    ASSERT_EQ(Result.Leaks.size(), 1u);
+    EXPECT_EQ(Result.Leaks[0].Block.Size, 24u);
+    EXPECT_NE(Lines(Result, "Return").at(0).find(R"("blocks":1,"bytes":24})"), std::string::npos);
+}
+
+TEST_F(SessionTest, ScreenshotsShowTheDisplayAtTheirTurn)
+{
+    gTurn = [] {
+        EFI_GRAPHICS_OUTPUT_PROTOCOL* Display = Locate<EFI_GRAPHICS_OUTPUT_PROTOCOL>(gEfiGraphicsOutputProtocolGuid);
+        EFI_GRAPHICS_OUTPUT_BLT_PIXEL Color = {static_cast<UINT8>(gX), 0, 0, 0};
+        return Display->Blt(Display, &Color, EfiBltVideoFill, 0, 0, 0, 0, 1, 1, 0) == EFI_SUCCESS;
+    };
+    const SESSION_RESULT Result = Play("pointer 3 1\nturn\nscreenshot one\npointer 4 1\nturn\n");
+    EXPECT_EQ(Result.Pictures.at("one").at(0), 3u);
+    EXPECT_EQ(Result.Display.at(0), 4u);
+    EXPECT_EQ(Result.Display.size(), 1024u * 768);
+}
+
+TEST_F(SessionTest, TheSameScriptAndSeedGiveTheSameTrace)
+{
+    gTurn = [] {
+        HW_SERVICE_PROTOCOL* Service = Locate<HW_SERVICE_PROTOCOL>(gHwServiceProtocolGuid);
+        UINT64 Value;
+        UINT8 Present;
+        return !EfiError(Service->GetItemValue(Service, 4, &Value, &Present));
+    };
+    const std::string Script = "turn\ntick 50\n";
+    const std::vector<std::string> First = Play(Script).Trace;
+    EXPECT_EQ(First, Play(Script).Trace);
+    Options.Seed = 2;
+    EXPECT_NE(First, Play(Script).Trace);
+}
+
+TEST_F(SessionTest, AShellsArgumentsStandOnTheImagesHandleAndOnlyWhenThereIsAShell)
+{
+    struct SHELL_PARAMETERS {
+        CHAR16** Argv;
+        UINTN Argc;
+    };
+    static constexpr EFI_GUID Guid = {
+        0x752F3136, 0x4E16, 0x4FDC, {0xA2, 0x2A, 0xE5, 0xF4, 0x68, 0x12, 0xF4, 0xCA}};
+    static std::string Arguments;
+    Options.Entry = [](EFI_HANDLE Image, EFI_SYSTEM_TABLE* Table) -> EFI_STATUS {
+        VOID* Found;
+        const EFI_STATUS Status = Table->BootServices->OpenProtocol(Image, &Guid, &Found, Image, nullptr,
+                                                                    EFI_OPEN_PROTOCOL_GET_PROTOCOL);
+        if (!EfiError(Status)) {
+            const SHELL_PARAMETERS* Shell = static_cast<SHELL_PARAMETERS*>(Found);
+            for (UINTN At = 1; At < Shell->Argc; At++) {
+                Arguments += ToUtf8(Shell->Argv[At]) + ";";
+            }
+        }
+        return Status;
+    };
+    EXPECT_EQ(Play("").Status, EFI_UNSUPPORTED);
+    Options.ShellArguments = {{"-v", "x y"}};
+    EXPECT_EQ(Play("").Status, EFI_SUCCESS);
+    EXPECT_EQ(Arguments, "-v;x y;");
+}
+
+TEST_F(SessionTest, AnImageIsLoadedFreshForEachStart)
+{
+    Options.Entry = nullptr;
+    Options.ImagePath = HOST_TEST_IMAGE;
+    const SESSION_RESULT Result = Play("start\nstart\n");
+    EXPECT_EQ(Result.Error, "");
+    EXPECT_EQ(Result.Statuses, (std::vector<EFI_STATUS>{EFI_SUCCESS, EFI_SUCCESS, EFI_SUCCESS}));
+    ASSERT_EQ(Result.Leaks.size(), 3u);
+    EXPECT_NE(Result.Leaks[2].Description.find("5 bytes, from libhost_test_image.so+0x"), std::string::npos)
+        << Result.Leaks[2].Description;
+
+    Options.ImagePath = "/no/such/image.so";
+    EXPECT_FALSE(Play("").Ran);
+}
+
+TEST_F(SessionTest, AMistakeInTheScriptStartsNothing)
+{
+    bool Started = false;
+    gAtStart = [&] { Started = true; };
+    const SESSION_RESULT Result = Play("turn\nturn\nbogus\n");
+    EXPECT_TRUE(Result.ScriptError);
+    EXPECT_EQ(Result.Error.substr(0, 19), "script:3: expected ");
+    EXPECT_FALSE(Started);
+}
+
+} // namespace
