@@ -117,11 +117,14 @@ EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT
     if (Format != CHECK_BOX_JPEG && Format != CHECK_BOX_BMP) {
         return EFI_OUT_OF_RESOURCES;
     }
-    CHECK_BOX_COMPONENT* New = AllocateZeroRecord<CHECK_BOX_COMPONENT>();
-    if (New == nullptr) {
-        (void)PrintToConsole(u"AllocatePool Fail (CreateCheckBox) ,Status=%r\n", EFI_OUT_OF_RESOURCES);
-        return EFI_OUT_OF_RESOURCES;
+    VOID* Block = nullptr;
+    const EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, sizeof(CHECK_BOX_COMPONENT), &Block);
+    if (EfiError(Status)) {
+        (void)PrintToConsole(u"AllocatePool Fail (CreateCheckBox) ,Status=%r\n", Status);
+        return Status;
     }
+    SetMem(Block, sizeof(CHECK_BOX_COMPONENT), 0);
+    CHECK_BOX_COMPONENT* New = static_cast<CHECK_BOX_COMPONENT*>(Block);
     for (EFI_GUID& Group : New->LinkGroup) {
         GenerateGuid(&Group);
     }
@@ -211,7 +214,8 @@ static VOID SwitchComponent(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK
     }
     GUI_COMPONENT* Component = nullptr;
     (void)FindComponent(gGuiCore->Components, Link->ComponentId, &Component);
-    if (Component == nullptr) {
+    // Frames and sliders register passive areas; anything else under this id came in where one found no pool.
+    if (Component == nullptr || Component->Kind != _BLT_BUF) {
         return;
     }
     const UINT8 Checked = Box->State != 0 ? 1 : 0;
@@ -222,16 +226,22 @@ static VOID SwitchComponent(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK
     }
 }
 
-// Signals the first link of a kind, which reaches the whole group. False if the box has none.
+// Signals the first link of a kind that has an event, which reaches the whole group. False if the box has no link of the
+// kind.
 static bool SignalLinks(CHECK_BOX_COMPONENT* Box, UINT8 Kind)
 {
+    bool Found = false;
     for (LIST_ENTRY* Entry = Box->Links.ForwardLink; Entry != &Box->Links; Entry = Entry->ForwardLink) {
-        if (LinkOf(Entry)->Kind == Kind) {
-            SignalIfAny(LinkOf(Entry)->Event);
-            return true;
+        const CHECK_BOX_LINK* Link = LinkOf(Entry);
+        if (Link->Kind == Kind) {
+            Found = true;
+            if (Link->Event != nullptr) {
+                (void)gBS->SignalEvent(Link->Event);
+                break;
+            }
         }
     }
-    return false;
+    return Found;
 }
 
 static bool PointerInBox(const GUI_RECT& Rect)

@@ -234,8 +234,10 @@ EFI_STATUS FindNodeComponent(DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Nod
     if (EfiError(Status)) {
         return Status;
     }
+    // A node that found no pool to register with has the id of the next component; the name tells the two apart.
     const GUI_COMPONENT* Found = *Component;
-    if (Found == nullptr || Found->Owner != Frame || Found->Kind != _DRAGDROP_COMPONENT) {
+    if (Found == nullptr || Found->Owner != Frame || Found->Kind != _DRAGDROP_COMPONENT || Node.Name == nullptr ||
+        Found->Name != Node.Name) {
         return EFI_NOT_FOUND;
     }
     return EFI_SUCCESS;

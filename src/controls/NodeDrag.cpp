@@ -131,7 +131,9 @@ EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
         return EFI_NOT_FOUND;
     }
     for (UINT8 I = 0; I < gNodeCount; I++) {
-        if (Frame->Nodes[I].Id == gGuiCore->HitId) {
+        GUI_COMPONENT* Component = nullptr;
+        if (Frame->Nodes[I].Id == gGuiCore->HitId &&
+            !EfiError(FindNodeComponent(Frame, Frame->Nodes[I], &Component))) {
             gGuiCore->TargetId = static_cast<UINT16>(Frame->Nodes[I].Id);
             gGuiCore->Target = Frame;
             gGuiCore->TargetKind = _DRAGDROP_COMPONENT;
