@@ -214,8 +214,7 @@ static VOID SwitchComponent(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK
     }
     GUI_COMPONENT* Component = nullptr;
     (void)FindComponent(gGuiCore->Components, Link->ComponentId, &Component);
-    // Frames and sliders register passive areas; anything else under this id came in where one found no pool.
-    if (Component == nullptr || Component->Kind != _BLT_BUF) {
+    if (Component == nullptr) {
         return;
     }
     const UINT8 Checked = Box->State != 0 ? 1 : 0;
