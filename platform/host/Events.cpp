@@ -197,6 +197,16 @@ VOID EVENTS::Poll()
     }
 }
 
+UINTN EVENTS::Abandon(UINTN Mark)
+{
+    UINTN Count = 0;
+    for (auto Event = mEvents.lower_bound(Mark); Event != mEvents.end(); ++Event) {
+        Event->second.Notify = nullptr;
+        Count++;
+    }
+    return Count;
+}
+
 EVENT_RECORD* EVENTS::Find(EFI_EVENT Event)
 {
     const auto Found = mEvents.find(reinterpret_cast<KEY>(Event));
@@ -232,6 +242,11 @@ VOID EVENTS::RunQueued()
             }
             const EFI_TPL Before = mTpl;
             mTpl = Tpl;
+            if (Record.Notify == nullptr) {
+                mComplaints->Add("an event was signalled whose image is gone");
+                mTpl = Before;
+                continue;
+            }
             // The function may close its own event: the record isn't looked at after this.
             (void)Record.Notify(reinterpret_cast<EFI_EVENT>(Key), Record.Context);
             if (mTpl != Tpl) {

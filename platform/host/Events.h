@@ -57,6 +57,11 @@ struct EVENTS {
     // Signals the timers that are due.
     VOID Poll();
 
+    // For an image that goes: the events created since Mark stay, as a firmware keeps them, but their notify functions are
+    // gone with the image. A signal that reaches one is complained of. Gives their number.
+    UINTN MarkNow() const { return mNextKey; }
+    UINTN Abandon(UINTN Mark);
+
     bool IsOpen(EFI_EVENT Event) const { return mEvents.count(reinterpret_cast<UINTN>(Event)) != 0; }
     UINTN Count() const { return mEvents.size(); }
 

@@ -173,6 +173,7 @@ bool SESSION::StartOnce()
     TraceCall(Boot->Trace, CALL_START).Text("board", std::string_view(Options.Board)).Number("seed", Options.Seed);
     Boot->Pool.FailFrom = Options.PoolLimit;
     Boot->Pool.FailOnly = Options.PoolFail;
+    const UINTN Mark = Boot->Events.MarkNow();
     const EFI_STATUS Status = Entry(Image, &Boot->ConsoleTable);
     Boot->Pool.FailFrom = 0;
     Boot->Pool.FailOnly = 0;
@@ -188,6 +189,7 @@ bool SESSION::StartOnce()
         Result.Leaks.push_back({Boot->Trace.Start, Block, DescribeBlock(Block)});
     }
     UnloadImage(Loaded);
+    Result.OpenEvents += Boot->Events.Abandon(Mark);
     TraceCall(Boot->Trace, CALL_RETURN).Status(Status).Number("blocks", Held.size()).Number("bytes", Bytes);
     Result.Ran = true;
     Result.Turns = Boot->Trace.Turn;

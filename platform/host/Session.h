@@ -69,6 +69,7 @@ struct SESSION_RESULT {
     std::map<std::string, PICTURE> Pictures; // the script's screenshots, when KeepPictures
     PICTURE Display;                       // what the display showed at the end
     std::vector<SESSION_LEAK> Leaks;       // pool that a start left behind
+    UINTN OpenEvents = 0;                  // events that the starts left open
     std::vector<std::string> Complaints;   // of the firmware about its callers
 };
 

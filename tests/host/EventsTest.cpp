@@ -138,6 +138,18 @@ TEST_F(EventsTest, ANotifyFunctionMayCloseItsOwnEvent)
     EXPECT_FALSE(Events.IsOpen(Event));
 }
 
+TEST_F(EventsTest, AnEventOfAnImageThatIsGoneIsComplainedOfAndNotCalled)
+{
+    ACTION Older{"o"}, Left{"l"};
+    (void)Create(TPL_CALLBACK, &Older, &gGroup);
+    const UINTN Mark = Events.MarkNow();
+    const EFI_EVENT Event = Create(TPL_CALLBACK, &Left, &gGroup);
+    EXPECT_EQ(Events.Abandon(Mark), 1u);
+    EXPECT_EQ(Events.Signal(Event), EFI_SUCCESS);
+    EXPECT_EQ(gCalls, "o");
+    EXPECT_EQ(Complaints.Lines.size(), 1u);
+}
+
 TEST_F(EventsTest, CreationRefusesWhatTheSpecificationRefuses)
 {
     EFI_EVENT Event;
