@@ -2,11 +2,10 @@
 
 #include "graphics/GraphicProtocol.h"
 #include "gui/GUICore.h"
-#include "support/Library.h"
 
 constexpr UINT32 gGridLineWidth = 2;
 constexpr UINT8 gTintPercent = 20;
-constexpr UINT8 gFramePercent = 100;
+constexpr UINT8 gFramePercent = 99; // the most that an overlay takes
 
 bool GridFitsScreen(UINT64 Width, UINT64 Height)
 {
@@ -29,34 +28,38 @@ VOID PaintGridImage(PIXEL* Image, UINT32 Width, UINT32 Height, UINT32 CellWidth,
     }
 }
 
+static UINT32 Smaller(UINT32 A, UINT32 B)
+{
+    return A < B ? A : B;
+}
+
 bool MarkRectangle(PIXEL* Canvas, UINT32 CanvasWidth, UINT32 CanvasHeight, INT32 X, INT32 Y, UINT32 Width,
                    UINT32 Height, PIXEL Color)
 {
     if (X < 0 || Y < 0 || Width == 0 || Height == 0 || Width > gScreenWidth || Height > gScreenHeight) {
         return false;
     }
-    const UINTN Count = static_cast<UINTN>(Width) * Height;
-    const TEMPORARY<PIXEL> Block(AllocateArray<PIXEL>(Count));
-    if (!Block) {
-        return false;
+    const UINT32 Left = static_cast<UINT32>(X);
+    const UINT32 Top = static_cast<UINT32>(Y);
+    if (Left >= CanvasWidth || Top >= CanvasHeight) {
+        return true;
     }
-    const INT32 BlockWidth = static_cast<INT32>(Width);
-    const INT32 BlockHeight = static_cast<INT32>(Height);
+    const UINT32 Columns = Smaller(Width, CanvasWidth - Left);
+    const UINT32 Rows = Smaller(Height, CanvasHeight - Top);
+    PIXEL* Corner = Canvas + static_cast<UINTN>(Top) * CanvasWidth + Left;
+    TintPixels({Corner, CanvasWidth}, Columns, Rows, Color, gTintPercent);
 
-    FillPixels(Block.Data, Count, Color);
-    (void)OverlayBlt(Block.Data, BlockWidth, BlockHeight, Canvas, CanvasWidth, CanvasHeight, X, Y, nullptr, &Color,
-                     gTintPercent);
-
-    // The tinted block comes back with its frame drawn in: only the frame is still of the one colour that is mixed.
-    (void)ExtractBlt(Block.Data, Width, Height, Canvas, CanvasWidth, CanvasHeight, Y, X);
-    FillPixels(Block.Data, Width, Color);
-    FillPixels(Block.Data + Count - Width, Width, Color);
-    for (UINT32 Row = 0; Row < Height; Row++) {
-        PIXEL* Line = Block.Data + static_cast<UINTN>(Row) * Width;
-        Line[0] = Color;
-        Line[Width - 1] = Color;
+    // The frame, over the tint. Its four sides meet without a pixel that is mixed twice.
+    TintPixels({Corner, CanvasWidth}, Columns, 1, Color, gFramePercent);
+    const bool BottomShows = Rows == Height && Height > 1;
+    if (BottomShows) {
+        TintPixels({Corner + static_cast<UINTN>(Rows - 1) * CanvasWidth, CanvasWidth}, Columns, 1, Color,
+                   gFramePercent);
     }
-    (void)OverlayBlt(Block.Data, BlockWidth, BlockHeight, Canvas, CanvasWidth, CanvasHeight, X, Y, nullptr, &Color,
-                     gFramePercent);
+    const UINT32 SideRows = Rows - (BottomShows ? 2u : 1u);
+    TintPixels({Corner + CanvasWidth, CanvasWidth}, 1, SideRows, Color, gFramePercent);
+    if (Columns == Width && Width > 1) {
+        TintPixels({Corner + CanvasWidth + Columns - 1, CanvasWidth}, 1, SideRows, Color, gFramePercent);
+    }
     return true;
 }

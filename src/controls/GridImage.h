@@ -17,7 +17,7 @@ bool GridFitsScreen(UINT64 Width, UINT64 Height);
 VOID PaintGridImage(PIXEL* Image, UINT32 Width, UINT32 Height, UINT32 CellWidth, UINT32 CellHeight);
 
 // Marks a rectangle of a picture: mixes 20% of Color over it and frames it with a line of Color, one pixel wide. What
-// lies beyond the picture's right or bottom edge is dropped. False, with the picture as it was, without pool or for a
-// rectangle without any pixel.
+// lies beyond the picture's right or bottom edge is dropped. False, with the picture as it was, for a rectangle without
+// any pixel or larger than the screen.
 bool MarkRectangle(PIXEL* Canvas, UINT32 CanvasWidth, UINT32 CanvasHeight, INT32 X, INT32 Y, UINT32 Width,
                    UINT32 Height, PIXEL Color);

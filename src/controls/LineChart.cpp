@@ -6,6 +6,7 @@
 
 constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
 constexpr UINT32 gGridLineCount = 10;
+constexpr UINT32 gPlotColumns = 128; // columns that are plotted together
 constexpr INT32 gTemperatureMaximum = 100; // degrees
 constexpr INT32 gRpmMaximum = 7000;        // revolutions a minute
 
@@ -201,24 +202,59 @@ static UINT32 LimitSample(UINT32 Sample, INT32 Minimum, INT32 Maximum)
     return Value < Minimum ? static_cast<UINT32>(Minimum) : Value > Maximum ? static_cast<UINT32>(Maximum) : Sample;
 }
 
-// One column of a layer, from its top pixel down. Height is that of the column's point, Previous that of the column
-// before; a sample above the scale gives a height above the top row. A vertical run joins the two in this column, but
-// none rises out of a column without a point, and none falls in the first column.
-static VOID PlotColumn(PIXEL* Pixel, const PIXEL* Gradient, UINT32 Width, UINT32 Top, INT64 Height, INT64 Previous,
-                       bool First, PIXEL Line)
+// Some neighbouring columns of a layer: the heights at which each shows the curve, and what these heights are for all.
+struct PLOT {
+    INT32 First[gPlotColumns];
+    INT32 Last[gPlotColumns];
+    UINT32 Count;
+    INT32 Lowest;
+    INT32 Highest;
+};
+
+static INT32 LimitHeight(INT64 Height, UINT32 Top)
 {
-    for (UINT32 I = Top; I > 0; I--, Pixel += Width) {
-        if (I > Height) {
-            if (I < Previous && !First) {
-                *Pixel = Line;
-            } else {
-                Pixel->Reserved = LINE_CHART_ABOVE;
-            }
-        } else if (I < Height && (I <= Previous || Previous == 0)) {
-            *Pixel = Gradient[I];
-            Pixel->Reserved = LINE_CHART_FILL;
+    return static_cast<INT32>(Height < 0 ? 0 : Height > Top ? Top + INT64{1} : Height);
+}
+
+// Adds a column whose point is at Height, after one whose point is at Previous; a sample above the scale gives a height
+// above the top row. A vertical run joins the two in this column, but none rises out of a column without a point, and
+// none falls in the first column.
+static VOID AddColumn(PLOT* Plot, UINT32 Top, INT64 Height, INT64 Previous, bool First)
+{
+    INT64 From = Height;
+    INT64 To = Height;
+    if (Height < Previous && !First) {
+        To = Previous - 1;
+    } else if (Height > Previous && Previous != 0) {
+        From = Previous + 1;
+    }
+    const INT32 FirstHeight = LimitHeight(From, Top);
+    const INT32 LastHeight = LimitHeight(To, Top);
+    Plot->Lowest = Plot->Count == 0 || FirstHeight < Plot->Lowest ? FirstHeight : Plot->Lowest;
+    Plot->Highest = Plot->Count == 0 || LastHeight > Plot->Highest ? LastHeight : Plot->Highest;
+    Plot->First[Plot->Count] = FirstHeight;
+    Plot->Last[Plot->Count] = LastHeight;
+    Plot->Count++;
+}
+
+static PIXEL WithClass(PIXEL Color, LINE_CHART_CLASS Class)
+{
+    Color.Reserved = Class;
+    return Color;
+}
+
+// Writes the plot's columns row by row, which is the order of the pixels in memory. Most rows lie wholly above the curve
+// or wholly below it.
+static VOID WritePlot(const PLOT& Plot, PIXEL* Layer, const PIXEL* Gradient, UINT32 Width, UINT32 Top, PIXEL Line)
+{
+    PIXEL* Row = Layer;
+    for (INT32 Height = static_cast<INT32>(Top); Height > 0; Height--, Row += Width) {
+        if (Height > Plot.Highest) {
+            FillPixels(Row, Plot.Count, WithClass(gBlackPixel, LINE_CHART_ABOVE));
+        } else if (Height < Plot.Lowest) {
+            FillPixels(Row, Plot.Count, WithClass(Gradient[Height], LINE_CHART_FILL));
         } else {
-            *Pixel = Line;
+            PlotChartRow(Row, {Plot.First, Plot.Last}, Plot.Count, Height, Gradient[Height], Line);
         }
     }
 }
@@ -229,9 +265,10 @@ VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, U
     const INT64 Span = static_cast<INT64>(Maximum) - Minimum;
     const FLOAT_WORD Range = gFloatMath->IntToFloat(Span < 0 ? -Span : Span);
     const FLOAT_WORD Scale = gFloatMath->IntToFloat(Height);
-    PIXEL Line = __builtin_bit_cast(PIXEL, Color);
-    Line.Reserved = LINE_CHART_LINE;
+    const PIXEL Line = __builtin_bit_cast(PIXEL, Color);
 
+    PLOT Plot;
+    Plot.Count = 0;
     INT64 Previous = Height;
     for (UINT32 Column = 0; Column < Width; Column++) {
         // The height comes from the sample before any limit.
@@ -239,7 +276,11 @@ VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, U
         const INT64 Point =
             gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->FloatDivide(Sample, Range), Scale));
         Samples[Column] = LimitSample(Samples[Column], Minimum, Maximum);
-        PlotColumn(Layer + Column, Gradient, Width, Height, Point, Previous, Column == 0, Line);
+        AddColumn(&Plot, Height, Point, Previous, Column == 0);
+        if (Plot.Count == gPlotColumns || Column + 1 == Width) {
+            WritePlot(Plot, Layer + Column + 1 - Plot.Count, Gradient, Width, Height, Line);
+            Plot.Count = 0;
+        }
         // The limited sample is what moves on, so that one above the scale fills its column for this one plot only.
         if (Column > 0) {
             Samples[Column - 1] = Samples[Column];
@@ -267,31 +308,20 @@ static VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL
                         Series->Maximum, Series->Minimum, PixelWord(Color));
 }
 
-static VOID ComposePixel(PIXEL* Pixel, PIXEL Plotted, PIXEL Blend, PIXEL Color)
-{
-    if (Plotted.Reserved == LINE_CHART_FILL) {
-        Pixel->Blue = static_cast<UINT8>(Blend.Blue + Pixel->Blue / 2);
-        Pixel->Green = static_cast<UINT8>(Blend.Green + Pixel->Green / 2);
-        Pixel->Red = static_cast<UINT8>(Blend.Red + Pixel->Red / 2);
-    } else if (Plotted.Reserved == LINE_CHART_LINE) {
-        *Pixel = Color;
-    }
-}
-
 // Lays both layers over the picture. Where the areas overlap, temperature lies on top of speed.
 static VOID ComposeLayers(LINE_CHART* Chart)
 {
-    PIXEL* Pixel = Chart->Pixels;
-    const PIXEL* Rpm = Chart->Rpm.Layer;
-    const PIXEL* Temperature = Chart->Temperature.Layer;
+    const UINT32 Width = Chart->Rect.Width;
+    PIXEL* Row = Chart->Pixels;
+    CHART_LAYER_ROW Rpm = {.Layer = Chart->Rpm.Layer, .Blend = {}, .Line = gChartRpmColor};
+    CHART_LAYER_ROW Temperature = {.Layer = Chart->Temperature.Layer, .Blend = {}, .Line = gChartTemperatureColor};
     for (UINT32 I = Chart->Rect.Height; I > 0; I--) {
-        const PIXEL RpmBlend = Chart->Rpm.BlendGradient[I];
-        const PIXEL TemperatureBlend = Chart->Temperature.BlendGradient[I];
-        for (UINT32 Column = 0; Column < Chart->Rect.Width; Column++) {
-            ComposePixel(Pixel, *Rpm++, RpmBlend, gChartRpmColor);
-            ComposePixel(Pixel, *Temperature++, TemperatureBlend, gChartTemperatureColor);
-            Pixel++;
-        }
+        Rpm.Blend = Chart->Rpm.BlendGradient[I];
+        Temperature.Blend = Chart->Temperature.BlendGradient[I];
+        ComposeChartRow(Row, Width, Rpm, Temperature);
+        Row += Width;
+        Rpm.Layer += Width;
+        Temperature.Layer += Width;
     }
 }
 

@@ -7,20 +7,14 @@
 // console within a boot in firmware variables.
 #pragma once
 
+#include "graphics/Kernels.h"
 #include "graphics/Palette.h"
 #include "gui/GUICore.h"
 #include "shell/Services.h"
 
-// What a pixel of a layer is; it stands in the pixel's reserved byte.
-enum LINE_CHART_CLASS : UINT8 {
-    LINE_CHART_LINE = 1,     // on the curve; colour bytes: the series' colour
-    LINE_CHART_FILL = 0x80,  // under the curve; colour bytes: the gradient's colour
-    LINE_CHART_ABOVE = 0xFE, // above the curve; colour bytes aren't used
-};
-
 struct LINE_CHART_SERIES {
     EFI_GUID VariableGuid; // vendor of the firmware variable that keeps the samples
-    PIXEL* Layer;          // what the last plot decided for each pixel. Owned
+    PIXEL* Layer;          // what the last plot decided for each pixel, a LINE_CHART_CLASS and a colour. Owned
     UINT32* Samples;       // one for each pixel column, oldest first; 0 means no data yet. Owned
     INT32 Maximum;
     INT32 Minimum;

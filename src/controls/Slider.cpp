@@ -254,7 +254,7 @@ static VOID ReportSliderDrag(const SLIDER_COMPONENT* Slider, INT64 Offset)
     };
 }
 
-// The picture of a drag, with the thumb's top Offset pixels below the control's. Without pool for the column's mark the
+// The picture of a drag, with the thumb's top Offset pixels below the control's. For a column that can't be marked the
 // picture of the turn before stays.
 static VOID PaintSliderDrag(SLIDER_COMPONENT* Slider, INT64 Offset)
 {

@@ -14,9 +14,22 @@ constexpr UINTN VisibleExtent(UINTN Extent, UINTN At, UINTN Limit)
     return At >= Limit ? 0 : Smaller(Extent, Limit - At);
 }
 
-constexpr UINT8 Mix(UINT8 Destination, UINT8 Source, UINT32 Percent)
+// Rows of fewer pixels than this are copied here: a call of the firmware's CopyMem takes longer to begin than they do.
+constexpr UINTN gShortRow = 48;
+
+VOID CopyBlock(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
 {
-    return static_cast<UINT8>(((100 - Percent) * Destination + Percent * Source) / 100);
+    if (Columns < gShortRow) {
+        CopyPixels(Dst, Src, Columns, Rows);
+        return;
+    }
+    if (Columns == Dst.Stride && Columns == Src.Stride) {
+        CopyMem(Dst.Row, Src.Row, Columns * Rows * sizeof(PIXEL));
+        return;
+    }
+    for (; Rows > 0; Rows--, Dst.Row += Dst.Stride, Src.Row += Src.Stride) {
+        CopyMem(Dst.Row, Src.Row, Columns * sizeof(PIXEL));
+    }
 }
 
 VOID SendToVideo(PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height, UINTN Delta)
@@ -31,16 +44,6 @@ VOID SendBlock(PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
 {
     SendToVideo(Buffer, X, Y, VisibleExtent(Width, X, gScreenWidth), VisibleExtent(Height, Y, gScreenHeight),
                 Width * sizeof(PIXEL));
-}
-
-// A pixel of the pointer's picture shows when none of its three colour bytes is 0.
-VOID LayCursor(PIXEL* Blend, const PIXEL* Image, UINTN Count)
-{
-    for (UINTN I = 0; I < Count; I++) {
-        if (Image[I].Blue != 0 && Image[I].Green != 0 && Image[I].Red != 0) {
-            Blend[I] = Image[I];
-        }
-    }
 }
 
 // The pointer over the right or bottom edge, touching it included, with the changed block sent before it. Here only pure
@@ -68,6 +71,47 @@ VOID ComposeAtEdge(GUI_CORE* Core, PIXEL* Buffer, UINTN BlockX, UINTN BlockY, UI
     }
 }
 
+// The gray of a pixel, by the board's float service.
+UINT8 GrayByService(PIXEL From, FLOAT_WORD RedShare, FLOAT_WORD GreenShare, FLOAT_WORD BlueShare)
+{
+    const FLOAT_WORD Red = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Red), RedShare);
+    const FLOAT_WORD Green = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Green), GreenShare);
+    const FLOAT_WORD Blue = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Blue), BlueShare);
+    return static_cast<UINT8>(gFloatMath->FloatToInt(gFloatMath->FloatAdd(gFloatMath->FloatAdd(Red, Green), Blue)));
+}
+
+// Colours whose exact gray is a whole number, and whose gray in single precision is that number or one less, as the
+// roundings on the way fall. Each other arithmetic fails on several: numbers rounded another way or not at all, a product
+// and a sum rounded as one, another order of the sums, a fraction rounded and not dropped.
+constexpr PIXEL gGrayProbes[] = {
+    {.Blue = 37, .Green = 53, .Red = 29, .Reserved = 0},   {.Blue = 90, .Green = 10, .Red = 130, .Reserved = 0},
+    {.Blue = 245, .Green = 233, .Red = 1, .Reserved = 0},  {.Blue = 56, .Green = 5, .Red = 19, .Reserved = 0},
+    {.Blue = 255, .Green = 255, .Red = 255, .Reserved = 0},
+};
+constexpr UINTN gGrayProbeCount = sizeof(gGrayProbes) / sizeof(gGrayProbes[0]);
+
+bool SameShare(FLOAT_WORD Share, float Value)
+{
+    return static_cast<UINT32>(Share) == __builtin_bit_cast(UINT32, Value);
+}
+
+// Whether the board's float service computes as the processor does, in IEEE single precision. That standard leaves no
+// choice in a result, so the processor may then stand in for nine calls of the service a pixel.
+bool ServiceCountsAsProcessor(FLOAT_WORD RedShare, FLOAT_WORD GreenShare, FLOAT_WORD BlueShare)
+{
+    if (!SameShare(RedShare, gRedShare) || !SameShare(GreenShare, gGreenShare) || !SameShare(BlueShare, gBlueShare)) {
+        return false;
+    }
+    PIXEL Grays[gGrayProbeCount] = {};
+    GrayPixels({Grays, gGrayProbeCount}, {gGrayProbes, gGrayProbeCount}, gGrayProbeCount, 1, gKeyColor);
+    for (UINTN I = 0; I < gGrayProbeCount; I++) {
+        if (GrayByService(gGrayProbes[I], RedShare, GreenShare, BlueShare) != Grays[I].Blue) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 EFI_STATUS PasteBlt(const PIXEL* Src, UINTN Width, UINTN Height, UINTN X, UINTN Y, PIXEL* Dst)
@@ -77,12 +121,7 @@ EFI_STATUS PasteBlt(const PIXEL* Src, UINTN Width, UINTN Height, UINTN X, UINTN 
     }
     const UINTN Columns = Smaller(Width, gScreenWidth - X);
     const UINTN Rows = Smaller(Height, gScreenHeight - Y);
-    PIXEL* To = Dst + Y * gScreenWidth + X;
-    for (UINTN Row = 0; Row < Rows; Row++) {
-        CopyMem(To, Src, Columns * sizeof(PIXEL));
-        To += gScreenWidth;
-        Src += Width;
-    }
+    CopyBlock({Dst + Y * gScreenWidth + X, gScreenWidth}, {Src, Width}, Columns, Rows);
     return EFI_SUCCESS;
 }
 
@@ -95,11 +134,7 @@ EFI_STATUS ExtractBlt(PIXEL* Dst, UINTN DstWidth, UINTN DstHeight, const PIXEL* 
         return EFI_SUCCESS;
     }
     const PIXEL* From = Src + static_cast<UINTN>(OffsetY) * SrcWidth + static_cast<UINTN>(OffsetX);
-    for (UINTN Row = 0; Row < Rows; Row++) {
-        CopyMem(Dst, From, Columns * sizeof(PIXEL));
-        Dst += DstWidth;
-        From += SrcWidth;
-    }
+    CopyBlock({Dst, DstWidth}, {From, SrcWidth}, Columns, Rows);
     return EFI_SUCCESS;
 }
 
@@ -131,23 +166,16 @@ EFI_STATUS OverlayBlt(const PIXEL* Src, INT32 SrcWidth, INT32 SrcHeight, PIXEL* 
 
     const UINTN Columns = VisibleExtent(static_cast<UINTN>(SrcWidth), static_cast<UINTN>(X), DstWidth);
     const UINTN Rows = VisibleExtent(static_cast<UINTN>(SrcHeight), static_cast<UINTN>(Y), DstHeight);
+    if (Columns == 0 || Rows == 0) {
+        return EFI_SUCCESS;
+    }
     const UINT32 Share = Percent < 1 ? 1 : Percent > 99 ? 99 : Percent;
-    PIXEL* To = Dst + static_cast<UINTN>(Y) * DstWidth + static_cast<UINTN>(X);
-    for (UINTN Row = 0; Row < Rows; Row++) {
-        for (UINTN Col = 0; Col < Columns; Col++) {
-            if (KeyColor != nullptr && SameColor(Src[Col], *KeyColor)) {
-                continue;
-            }
-            if (BlendColor != nullptr && SameColor(Src[Col], *BlendColor)) {
-                To[Col].Blue = Mix(To[Col].Blue, Src[Col].Blue, Share);
-                To[Col].Green = Mix(To[Col].Green, Src[Col].Green, Share);
-                To[Col].Red = Mix(To[Col].Red, Src[Col].Red, Share);
-            } else {
-                To[Col] = Src[Col];
-            }
-        }
-        To += DstWidth;
-        Src += SrcWidth;
+    const PIXEL_BLOCK To = {Dst + static_cast<UINTN>(Y) * DstWidth + static_cast<UINTN>(X), DstWidth};
+    const CONST_PIXEL_BLOCK From = {Src, static_cast<UINTN>(SrcWidth)};
+    if (KeyColor == nullptr && BlendColor == nullptr) {
+        CopyBlock(To, From, Columns, Rows);
+    } else {
+        OverlayPixels(To, From, Columns, Rows, KeyColor, BlendColor, Share);
     }
     return EFI_SUCCESS;
 }
@@ -161,19 +189,17 @@ EFI_STATUS GrayBlt(PIXEL* Dst, UINTN DstWidth, UINTN DstHeight, const PIXEL* Src
 
     const UINTN Columns = Smaller(DstWidth, SrcWidth);
     const UINTN Rows = Smaller(DstHeight, SrcHeight);
+    if (ServiceCountsAsProcessor(RedShare, GreenShare, BlueShare)) {
+        GrayPixels({Dst, DstWidth}, {Src, SrcWidth}, Columns, Rows, gKeyColor);
+        return EFI_SUCCESS;
+    }
     for (UINTN Row = 0; Row < Rows; Row++) {
         for (UINTN Col = 0; Col < Columns; Col++) {
-            const PIXEL From = Src[Row * SrcWidth + Col];
             PIXEL& To = Dst[Row * DstWidth + Col];
-            if (SameColor(To, gKeyColor)) {
-                continue;
+            if (!SameColor(To, gKeyColor)) {
+                const UINT8 Gray = GrayByService(Src[Row * SrcWidth + Col], RedShare, GreenShare, BlueShare);
+                To = {Gray, Gray, Gray, To.Reserved};
             }
-            const FLOAT_WORD Red = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Red), RedShare);
-            const FLOAT_WORD Green = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Green), GreenShare);
-            const FLOAT_WORD Blue = gFloatMath->FloatMultiply(gFloatMath->IntToFloat(From.Blue), BlueShare);
-            const UINT8 Gray = static_cast<UINT8>(
-                gFloatMath->FloatToInt(gFloatMath->FloatAdd(gFloatMath->FloatAdd(Red, Green), Blue)));
-            To = {Gray, Gray, Gray, To.Reserved};
         }
     }
     return EFI_SUCCESS;
@@ -204,7 +230,7 @@ EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN 
     if (OnScreen) {
         (void)ExtractBlt(Core->CursorBlend, Core->CursorWidth, Core->CursorHeight, Core->Screen, gScreenWidth,
                          gScreenHeight, static_cast<INT32>(Core->PointerY), static_cast<INT32>(Core->PointerX));
-        LayCursor(Core->CursorBlend, Core->CursorImage, Core->CursorWidth * Core->CursorHeight);
+        LayPointerPixels(Core->CursorBlend, Core->CursorImage, Core->CursorWidth * Core->CursorHeight);
     }
 
     const UINTN PointerX = static_cast<UINTN>(Core->PointerX);
@@ -246,11 +272,4 @@ VOID RestoreBackground(UINTN X, UINTN Y, UINTN Width, UINTN Height)
                      static_cast<INT32>(Y), static_cast<INT32>(X));
     (void)PasteBlt(Block.Data, Columns, Rows, X, Y, gGuiCore->Screen);
     (void)ComposeScreen(gGuiCore, Block.Data, X, Y, Columns, Rows);
-}
-
-VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
-{
-    for (UINTN I = 0; I < Count; I++) {
-        Dst[I] = Color;
-    }
 }

@@ -4,6 +4,8 @@
 // A blit buffer is a pool block of Width x Height pixels, row after row, top row first, without header or row gap; its
 // size travels beside the pointer. Whoever allocates a buffer owns it.
 //
+// What is done to each pixel stands in graphics/Kernels.h; FillPixels comes from there.
+//
 // Everything that changes the screen does so by one of three patterns, because a stored picture must never hold the
 // pointer and the display must never show what Screen doesn't hold:
 // - repaint: paint a buffer, PasteBlt it to Screen, then ComposeScreen with the same buffer and rectangle;
@@ -11,6 +13,7 @@
 // - pointer only: ComposeScreen without a buffer.
 #pragma once
 
+#include "graphics/Kernels.h"
 #include "graphics/Palette.h"
 #include "gui/GUICore.h"
 
@@ -43,6 +46,3 @@ EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN 
 // The erase pattern: the rectangle's clean picture comes back from Background to Screen and display. Without pool for
 // the temporary block nothing happens.
 VOID RestoreBackground(UINTN X, UINTN Y, UINTN Width, UINTN Height);
-
-// Fills Count pixels with one colour.
-VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color);

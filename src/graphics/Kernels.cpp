@@ -1,0 +1,487 @@
+#include "graphics/Kernels.h"
+
+#if defined(__SSE2__)
+
+#include <emmintrin.h>
+
+namespace {
+
+constexpr UINT32 gColorBits = 0x00FFFFFF;
+constexpr UINT32 gReservedBits = 0xFF000000;
+
+inline __m128i Splat(UINT32 Word) { return _mm_set1_epi32(static_cast<int>(Word)); }
+
+inline __m128i SplatPixel(PIXEL Pixel) { return Splat(PixelWord(Pixel)); }
+
+// First where Mask is all ones, Second where it is 0.
+inline __m128i Select(__m128i Mask, __m128i First, __m128i Second)
+{
+    return _mm_xor_si128(_mm_and_si128(Mask, _mm_xor_si128(First, Second)), Second);
+}
+
+// --- Four, two or one pixel in a register; the other places hold 0 ---
+
+struct FOUR_PIXELS {
+    static __m128i Load(const VOID* From)
+    {
+        __m128i Pixels = _mm_loadu_si128(static_cast<const __m128i*>(From));
+        // Keeps the compiler from loading the same pixels again for their second use.
+        asm("" : "+x"(Pixels));
+        return Pixels;
+    }
+    static VOID Store(VOID* To, __m128i Pixels) { _mm_storeu_si128(static_cast<__m128i*>(To), Pixels); }
+};
+
+struct TWO_PIXELS {
+    static __m128i Load(const VOID* From) { return _mm_loadl_epi64(static_cast<const __m128i*>(From)); }
+    static VOID Store(VOID* To, __m128i Pixels) { _mm_storel_epi64(static_cast<__m128i*>(To), Pixels); }
+};
+
+struct ONE_PIXEL {
+    static __m128i Load(const VOID* From)
+    {
+        int Word;
+        __builtin_memcpy(&Word, From, sizeof(Word));
+        return _mm_cvtsi32_si128(Word);
+    }
+    static VOID Store(VOID* To, __m128i Pixels)
+    {
+        const int Word = _mm_cvtsi128_si32(Pixels);
+        __builtin_memcpy(To, &Word, sizeof(Word));
+    }
+};
+
+// Calls Step(PIXELS, I) for pixels I, I + 1 ... of a row of Count, as many as PIXELS loads and stores, from pixel I on. A
+// row's last pixels go through the same arithmetic in smaller loads and stores, so that nothing beyond the row is touched.
+template <typename STEP> inline VOID ForRow(UINTN I, UINTN Count, STEP Step)
+{
+    for (; I + 4 <= Count; I += 4) {
+        Step(FOUR_PIXELS{}, I);
+    }
+    if ((Count & 2) != 0) {
+        Step(TWO_PIXELS{}, I);
+        I += 2;
+    }
+    if ((Count & 1) != 0) {
+        Step(ONE_PIXEL{}, I);
+    }
+}
+
+// Puts Rule.Apply(destination, source) into eight pixels. A rule that can save work on eight alike pixels brings its own.
+template <typename RULE> inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const RULE& Rule)
+{
+    const __m128i First = Rule.Apply(FOUR_PIXELS::Load(Dst), FOUR_PIXELS::Load(Src));
+    const __m128i Second = Rule.Apply(FOUR_PIXELS::Load(Dst + 4), FOUR_PIXELS::Load(Src + 4));
+    FOUR_PIXELS::Store(Dst, First);
+    FOUR_PIXELS::Store(Dst + 4, Second);
+}
+
+template <typename RULE> inline VOID ApplyToRow(PIXEL* Dst, const PIXEL* Src, UINTN Count, const RULE& Rule)
+{
+    UINTN I = 0;
+    for (; I + 8 <= Count; I += 8) {
+        ApplyToEight(Dst + I, Src + I, Rule);
+    }
+    ForRow(I, Count, [=](auto Pixels, UINTN At) {
+        Pixels.Store(Dst + At, Rule.Apply(Pixels.Load(Dst + At), Pixels.Load(Src + At)));
+    });
+}
+
+// Rows of up to this many pixels are staged.
+constexpr UINTN gNarrow = 12;
+constexpr UINTN gStagedRows = 24;
+
+// A narrow block on a surface whose rows lie a multiple of 4096 bytes apart. The processor takes a load for one of the
+// stores shortly before it when their addresses agree in the low twelve bits, and waits. Row under row they all agree: so
+// all are worked out first and stored then.
+template <typename RULE>
+inline VOID ApplyToNarrowBlock(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const RULE& Rule)
+{
+    PIXEL Staged[gStagedRows * gNarrow];
+    while (Rows > 0) {
+        const UINTN Count = Rows < gStagedRows ? Rows : gStagedRows;
+        for (UINTN Row = 0; Row < Count; Row++) {
+            const PIXEL* To = Dst.Row + Row * Dst.Stride;
+            const PIXEL* From = Src.Row + Row * Src.Stride;
+            ForRow(0, Columns, [=, Out = Staged + Row * gNarrow](auto Pixels, UINTN I) {
+                Pixels.Store(Out + I, Rule.Apply(Pixels.Load(To + I), Pixels.Load(From + I)));
+            });
+        }
+        for (UINTN Row = 0; Row < Count; Row++, Dst.Row += Dst.Stride, Src.Row += Src.Stride) {
+            ForRow(0, Columns, [To = Dst.Row, From = Staged + Row * gNarrow](auto Pixels, UINTN I) {
+                Pixels.Store(To + I, Pixels.Load(From + I));
+            });
+        }
+        Rows -= Count;
+    }
+}
+
+template <typename RULE>
+inline VOID ApplyToBlock(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, RULE Rule)
+{
+    if (Columns <= gNarrow && Dst.Stride % (4096 / sizeof(PIXEL)) == 0) {
+        ApplyToNarrowBlock(Dst, Src, Columns, Rows, Rule);
+        return;
+    }
+    for (; Rows > 0; Rows--, Dst.Row += Dst.Stride, Src.Row += Src.Stride) {
+        ApplyToRow(Dst.Row, Src.Row, Columns, Rule);
+    }
+}
+
+// --- Mixing ---
+
+// ((100 - Percent) x destination + Percent x source) / 100 with the remainder dropped, for one source colour.
+//
+// A division for each colour byte is what would cost here. With the source fixed the quotient is a line over the
+// destination byte d, d x Factor + Offset, worked out in words of 8 whole and 8 fraction bits: d stands in the high byte,
+// the high half of its 16-bit product with Factor is d x (100 - Percent) / 100, and the sum's high byte is the result.
+//
+// That is exact. The true quotient's fraction is a multiple of 1/100, so the high byte is right as long as the sum is too
+// large by 0 to less than 2.56/256. It is off by less than half of 1/256 for the rounding of Factor, is up to 1/256 too
+// small for the low half that is dropped, and is too large by what Offset is rounded up: by 1 to 2 when Factor was rounded
+// up, by 1.5 to 2.5 when it was rounded down.
+//
+// The reserved byte goes along as one more colour byte with a line that gives d itself.
+class MIXER {
+public:
+    MIXER(PIXEL Color, UINT32 Percent)
+    {
+        const UINT32 Scaled = (100 - Percent) * 0x10000;
+        const UINT32 Factor = (Scaled + 50) / 100;
+        const UINT32 Slack = Factor * 100 < Scaled ? 150 : 100;
+        EvenFactors = Splat(Factor << 16 | Factor);
+        OddFactors = Splat(0xFFFFu << 16 | Factor);
+        EvenOffsets = Splat(Offset(Color.Red, Percent, Slack) << 16 | Offset(Color.Blue, Percent, Slack));
+        OddOffsets = Splat(1u << 16 | Offset(Color.Green, Percent, Slack));
+    }
+
+    __m128i Mix(__m128i Dst) const
+    {
+        const __m128i OddBytes = _mm_set1_epi16(static_cast<short>(0xFF00));
+        const __m128i Even = _mm_mulhi_epu16(_mm_slli_epi16(Dst, 8), EvenFactors);
+        const __m128i Odd = _mm_mulhi_epu16(_mm_and_si128(Dst, OddBytes), OddFactors);
+        return _mm_or_si128(_mm_srli_epi16(_mm_add_epi16(Even, EvenOffsets), 8),
+                            _mm_and_si128(_mm_add_epi16(Odd, OddOffsets), OddBytes));
+    }
+
+private:
+    static UINT32 Offset(UINT8 Source, UINT32 Percent, UINT32 Slack)
+    {
+        return (Percent * Source * 256 + Slack + 99) / 100;
+    }
+
+    __m128i EvenFactors; // blue and red
+    __m128i OddFactors;  // green and reserved
+    __m128i EvenOffsets;
+    __m128i OddOffsets;
+};
+
+// --- Overlay ---
+
+// A colour to find in pixels, whatever their reserved bytes are.
+class COLOR_TEST {
+public:
+    explicit COLOR_TEST(PIXEL Color) : Wanted(Splat(PixelWord(Color) & gColorBits)) {}
+    __m128i Matches(__m128i Pixels) const
+    {
+        return _mm_cmpeq_epi32(_mm_and_si128(Pixels, Splat(gColorBits)), Wanted);
+    }
+
+private:
+    __m128i Wanted;
+};
+
+struct COPY_RULE {
+    __m128i Apply(__m128i, __m128i Src) const { return Src; }
+};
+
+struct KEY_RULE {
+    COLOR_TEST Key;
+    __m128i Apply(__m128i Dst, __m128i Src) const { return Select(Key.Matches(Src), Dst, Src); }
+};
+
+struct BLEND_RULE {
+    COLOR_TEST Blend;
+    MIXER Mixer;
+    __m128i Apply(__m128i Dst, __m128i Src) const { return Select(Blend.Matches(Src), Mixer.Mix(Dst), Src); }
+};
+
+struct KEY_AND_BLEND_RULE {
+    COLOR_TEST Key;
+    BLEND_RULE Blend;
+    __m128i Apply(__m128i Dst, __m128i Src) const { return Select(Key.Matches(Src), Dst, Blend.Apply(Dst, Src)); }
+};
+
+// Tints and artwork come in long stretches of one kind, and mixing is most of the work: eight pixels of which all are
+// mixed need no choosing, eight of which none is need no mixing. Asking for four would be wrong too often where the kinds
+// alternate, and each wrong guess of the processor costs more than it can save.
+inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const BLEND_RULE& Rule)
+{
+    const __m128i FirstSrc = FOUR_PIXELS::Load(Src);
+    const __m128i SecondSrc = FOUR_PIXELS::Load(Src + 4);
+    const __m128i First = Rule.Blend.Matches(FirstSrc);
+    const __m128i Second = Rule.Blend.Matches(SecondSrc);
+    const int Which = _mm_movemask_epi8(_mm_packs_epi32(First, Second));
+    if (Which == 0) {
+        FOUR_PIXELS::Store(Dst, FirstSrc);
+        FOUR_PIXELS::Store(Dst + 4, SecondSrc);
+        return;
+    }
+    const __m128i FirstMixed = Rule.Mixer.Mix(FOUR_PIXELS::Load(Dst));
+    const __m128i SecondMixed = Rule.Mixer.Mix(FOUR_PIXELS::Load(Dst + 4));
+    if (Which == 0xFFFF) {
+        FOUR_PIXELS::Store(Dst, FirstMixed);
+        FOUR_PIXELS::Store(Dst + 4, SecondMixed);
+        return;
+    }
+    FOUR_PIXELS::Store(Dst, Select(First, FirstMixed, FirstSrc));
+    FOUR_PIXELS::Store(Dst + 4, Select(Second, SecondMixed, SecondSrc));
+}
+
+inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const KEY_AND_BLEND_RULE& Rule)
+{
+    const __m128i FirstSrc = FOUR_PIXELS::Load(Src);
+    const __m128i SecondSrc = FOUR_PIXELS::Load(Src + 4);
+    const __m128i First = Rule.Blend.Blend.Matches(FirstSrc);
+    const __m128i Second = Rule.Blend.Blend.Matches(SecondSrc);
+    const __m128i FirstDst = FOUR_PIXELS::Load(Dst);
+    const __m128i SecondDst = FOUR_PIXELS::Load(Dst + 4);
+    const int Which = _mm_movemask_epi8(_mm_packs_epi32(First, Second));
+    __m128i FirstLaid = FirstSrc;
+    __m128i SecondLaid = SecondSrc;
+    if (Which != 0) {
+        const __m128i FirstMixed = Rule.Blend.Mixer.Mix(FirstDst);
+        const __m128i SecondMixed = Rule.Blend.Mixer.Mix(SecondDst);
+        if (Which == 0xFFFF) {
+            FOUR_PIXELS::Store(Dst, FirstMixed);
+            FOUR_PIXELS::Store(Dst + 4, SecondMixed);
+            return;
+        }
+        FirstLaid = Select(First, FirstMixed, FirstSrc);
+        SecondLaid = Select(Second, SecondMixed, SecondSrc);
+    }
+    FOUR_PIXELS::Store(Dst, Select(Rule.Key.Matches(FirstSrc), FirstDst, FirstLaid));
+    FOUR_PIXELS::Store(Dst + 4, Select(Rule.Key.Matches(SecondSrc), SecondDst, SecondLaid));
+}
+
+struct TINT_RULE {
+    MIXER Mixer;
+    __m128i Apply(__m128i Dst, __m128i) const { return Mixer.Mix(Dst); }
+};
+
+// --- Gray ---
+
+class GRAY_RULE {
+public:
+    explicit GRAY_RULE(PIXEL KeyColor) : Key(KeyColor) {}
+
+    __m128i Apply(__m128i Dst, __m128i Src) const
+    {
+        // Green and red stay where they are in the pixel. Their shares are divided by 256 and 65536 instead, which is exact.
+        const __m128 Blue = Scale(_mm_and_si128(Src, Splat(0xFF)), gBlueShare);
+        const __m128 Green = Scale(_mm_and_si128(Src, Splat(0xFF00)), gGreenShare / 0x100);
+        const __m128 Red = Scale(_mm_and_si128(Src, Splat(0xFF0000)), gRedShare / 0x10000);
+        const __m128i Gray = _mm_cvttps_epi32(_mm_add_ps(_mm_add_ps(Red, Green), Blue));
+        // One multiplication repeats the byte in the low word; the high word has it in its low byte alone.
+        const __m128i Twice = _mm_or_si128(Gray, _mm_slli_epi32(Gray, 16));
+        const __m128i Grays = _mm_mullo_epi16(Twice, Splat(0x00010101));
+        return Select(_mm_or_si128(Key.Matches(Dst), Splat(gReservedBits)), Dst, Grays);
+    }
+
+private:
+    static __m128 Scale(__m128i Bytes, float Share) { return _mm_mul_ps(_mm_cvtepi32_ps(Bytes), _mm_set1_ps(Share)); }
+
+    COLOR_TEST Key;
+};
+
+// --- Pointer ---
+
+struct POINTER_RULE {
+    __m128i Apply(__m128i Dst, __m128i Image) const
+    {
+        const __m128i Zero = _mm_setzero_si128();
+        const __m128i ZeroBytes = _mm_cmpeq_epi8(_mm_or_si128(Image, Splat(gReservedBits)), Zero);
+        return Select(_mm_cmpeq_epi32(ZeroBytes, Zero), Image, Dst);
+    }
+};
+
+// --- Charts ---
+
+inline __m128i SplatClass(PIXEL Color, UINT8 Class)
+{
+    Color.Reserved = Class;
+    return SplatPixel(Color);
+}
+
+// The classes are told by the pixel as a signed number, which its reserved byte leads: LINE_CHART_LINE alone is positive,
+// LINE_CHART_FILL is the lowest.
+class SERIES_RULE {
+public:
+    explicit SERIES_RULE(const CHART_LAYER_ROW& Row)
+        : Blend(Splat(PixelWord(Row.Blend) & gColorBits)), Line(SplatPixel(Row.Line))
+    {
+    }
+
+    __m128i Apply(__m128i Dst, __m128i Plotted) const
+    {
+        const __m128i IsLine = _mm_cmpgt_epi32(Plotted, _mm_setzero_si128());
+        const __m128i IsFill = _mm_cmpgt_epi32(Splat((LINE_CHART_FILL + 1u) << 24), Plotted);
+        return Select(IsLine, Line, Select(IsFill, Filled(Dst), Dst));
+    }
+
+    // The same for eight pixels. What is above a curve and what is below it come in long stretches: eight pixels above
+    // need nothing, eight of fill no choosing.
+    VOID ApplyToEight(__m128i* First, __m128i* Second, const PIXEL* Layer) const
+    {
+        const __m128i FirstPlotted = FOUR_PIXELS::Load(Layer);
+        const __m128i SecondPlotted = FOUR_PIXELS::Load(Layer + 4);
+        const __m128i Both = _mm_and_si128(FirstPlotted, SecondPlotted);
+        if (TopBits(_mm_slli_epi32(Both, 1)) == gAllFour) {
+            return; // LINE_CHART_ABOVE is the only class with the second bit
+        }
+        const __m128i Either = _mm_or_si128(FirstPlotted, SecondPlotted);
+        if (TopBits(Both) == gAllFour && TopBits(_mm_slli_epi32(Either, 1)) == 0) {
+            *First = Filled(*First);
+            *Second = Filled(*Second);
+            return;
+        }
+        *First = Apply(*First, FirstPlotted);
+        *Second = Apply(*Second, SecondPlotted);
+    }
+
+private:
+    static constexpr int gAllFour = 15;
+    static int TopBits(__m128i Pixels) { return _mm_movemask_ps(_mm_castsi128_ps(Pixels)); }
+
+    __m128i Filled(__m128i Dst) const
+    {
+        // There is no shift of bytes: the bit that each gets from its neighbour is cut off, and so is the reserved byte.
+        const __m128i Half = _mm_and_si128(_mm_srli_epi16(Dst, 1), Splat(0x007F7F7F));
+        return _mm_or_si128(_mm_add_epi8(Half, Blend), _mm_and_si128(Dst, Splat(gReservedBits)));
+    }
+
+    __m128i Blend;
+    __m128i Line;
+};
+
+} // namespace
+
+VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
+                   const PIXEL* Blend, UINT32 Percent)
+{
+    // A colour that is both is never mixed.
+    const bool Mixes = Blend != nullptr && (Key == nullptr || !SameColor(*Key, *Blend));
+    if (Key == nullptr && !Mixes) {
+        ApplyToBlock(Dst, Src, Columns, Rows, COPY_RULE{});
+    } else if (!Mixes) {
+        ApplyToBlock(Dst, Src, Columns, Rows, KEY_RULE{COLOR_TEST(*Key)});
+    } else if (Key == nullptr) {
+        ApplyToBlock(Dst, Src, Columns, Rows, BLEND_RULE{COLOR_TEST(*Blend), MIXER(*Blend, Percent)});
+    } else {
+        ApplyToBlock(Dst, Src, Columns, Rows,
+                 KEY_AND_BLEND_RULE{COLOR_TEST(*Key), {COLOR_TEST(*Blend), MIXER(*Blend, Percent)}});
+    }
+}
+
+VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 Percent)
+{
+    ApplyToBlock(Dst, {Dst.Row, Dst.Stride}, Columns, Rows, TINT_RULE{MIXER(Color, Percent)});
+}
+
+VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, PIXEL Key)
+{
+    ApplyToBlock(Dst, Src, Columns, Rows, GRAY_RULE(Key));
+}
+
+VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
+{
+    const __m128i Colors = SplatPixel(Color);
+    ForRow(0, Count, [=](auto Pixels, UINTN I) { Pixels.Store(Dst + I, Colors); });
+}
+
+VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
+{
+    ApplyToBlock(Dst, Src, Columns, Rows, COPY_RULE{});
+}
+
+VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count)
+{
+    ApplyToRow(Dst, Image, Count, POINTER_RULE{});
+}
+
+VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line)
+{
+    const __m128i Heights = Splat(static_cast<UINT32>(Height));
+    const __m128i FillPixel = SplatClass(Fill, LINE_CHART_FILL);
+    const __m128i LinePixel = SplatClass(Line, LINE_CHART_LINE);
+    const __m128i AbovePixel = SplatClass(gBlackPixel, LINE_CHART_ABOVE);
+    ForRow(0, Count, [=](auto Pixels, UINTN I) {
+        const __m128i IsAbove = _mm_cmpgt_epi32(Heights, Pixels.Load(Columns.Last + I));
+        const __m128i IsFill = _mm_cmpgt_epi32(Pixels.Load(Columns.First + I), Heights);
+        Pixels.Store(Layer + I, Select(IsAbove, AbovePixel, Select(IsFill, FillPixel, LinePixel)));
+    });
+}
+
+VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, const CHART_LAYER_ROW& Upper)
+{
+    const SERIES_RULE LowerRule(Lower);
+    const SERIES_RULE UpperRule(Upper);
+    UINTN I = 0;
+    for (; I + 8 <= Count; I += 8) {
+        __m128i First = FOUR_PIXELS::Load(Pixels + I);
+        __m128i Second = FOUR_PIXELS::Load(Pixels + I + 4);
+        LowerRule.ApplyToEight(&First, &Second, Lower.Layer + I);
+        UpperRule.ApplyToEight(&First, &Second, Upper.Layer + I);
+        FOUR_PIXELS::Store(Pixels + I, First);
+        FOUR_PIXELS::Store(Pixels + I + 4, Second);
+    }
+    ForRow(I, Count, [=, LowerLayer = Lower.Layer, UpperLayer = Upper.Layer](auto Part, UINTN At) {
+        const __m128i Ground = LowerRule.Apply(Part.Load(Pixels + At), Part.Load(LowerLayer + At));
+        Part.Store(Pixels + At, UpperRule.Apply(Ground, Part.Load(UpperLayer + At)));
+    });
+}
+
+#else
+
+VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
+                   const PIXEL* Blend, UINT32 Percent)
+{
+    plain::OverlayPixels(Dst, Src, Columns, Rows, Key, Blend, Percent);
+}
+
+VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 Percent)
+{
+    plain::TintPixels(Dst, Columns, Rows, Color, Percent);
+}
+
+VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, PIXEL Key)
+{
+    plain::GrayPixels(Dst, Src, Columns, Rows, Key);
+}
+
+VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
+{
+    plain::FillPixels(Dst, Count, Color);
+}
+
+VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
+{
+    plain::CopyPixels(Dst, Src, Columns, Rows);
+}
+
+VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count)
+{
+    plain::LayPointerPixels(Dst, Image, Count);
+}
+
+VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line)
+{
+    plain::PlotChartRow(Layer, Columns, Count, Height, Fill, Line);
+}
+
+VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, const CHART_LAYER_ROW& Upper)
+{
+    plain::ComposeChartRow(Pixels, Count, Lower, Upper);
+}
+
+#endif
