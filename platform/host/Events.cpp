@@ -260,11 +260,9 @@ VOID EVENTS::RunQueued()
 
 bool EVENTS::NextDue(UINT64* Due) const
 {
-    for (auto Timer = mTimers.begin(); Timer != mTimers.end(); ++Timer) {
-        const UINT64 Candidate = mEvents.at(*Timer).Due;
-        if (Timer == mTimers.begin() || Candidate < *Due) {
-            *Due = Candidate;
-        }
+    *Due = ~0ull;
+    for (const auto& Timer : mTimers) {
+        *Due = std::min(*Due, mEvents.at(Timer).Due);
     }
     return !mTimers.empty();
 }
