@@ -14,6 +14,9 @@ volatile sig_atomic_t gStopRequested = 0;
 constexpr EFI_GUID gShellParametersGuid = {
     0x752F3136, 0x4E16, 0x4FDC, {0xA2, 0x2A, 0xE5, 0xF4, 0x68, 0x12, 0xF4, 0xCA}};
 
+constexpr EFI_GUID gShellGuid = {
+    0x6302D008, 0x7F9B, 0x4F30, {0x87, 0xAC, 0x60, 0xC9, 0xFE, 0xF5, 0xDA, 0x4E}};
+
 struct EFI_SHELL_PARAMETERS_PROTOCOL {
     CHAR16** Argv;
     UINTN Argc;
@@ -22,8 +25,14 @@ struct EFI_SHELL_PARAMETERS_PROTOCOL {
     VOID* StdErr;
 };
 
-// The program's name and arguments as a shell hands them over.
+// Every slot of the shell's own protocol: this shell does nothing but hand over arguments.
+EFI_STATUS RefuseShellCall() { return EFI_UNSUPPORTED; }
+
+// The shell as a program finds it: its protocol on a handle of its own, and on the image's handle the program's name and
+// arguments.
 struct SHELL_COMMAND {
+    static constexpr UINTN gShellSlots = 64; // more than any version of the protocol has
+    EFI_STATUS (*Shell[gShellSlots])();
     std::vector<std::u16string> Words = {u"ventara.efi"};
     std::vector<CHAR16*> Pointers;
     EFI_SHELL_PARAMETERS_PROTOCOL Protocol = {};
@@ -38,7 +47,23 @@ struct SHELL_COMMAND {
         }
         Protocol.Argv = Pointers.data();
         Protocol.Argc = Pointers.size();
+        for (auto& Slot : Shell) {
+            Slot = RefuseShellCall;
+        }
     }
+    VOID Install(HANDLES& Handles, EFI_HANDLE Image)
+    {
+        (void)Handles.Install(&mShellHandle, &gShellGuid, Shell);
+        (void)Handles.Install(&Image, &gShellParametersGuid, &Protocol);
+    }
+    VOID Uninstall(HANDLES& Handles, EFI_HANDLE Image)
+    {
+        (void)Handles.Uninstall(mShellHandle, &gShellGuid, Shell);
+        (void)Handles.Uninstall(Image, &gShellParametersGuid, &Protocol);
+    }
+
+private:
+    EFI_HANDLE mShellHandle = nullptr;
 };
 
 // What a session hands from one boot to the next over a reset: the outside of the machine, and what a board's own
@@ -155,8 +180,7 @@ bool SESSION::StartOnce()
     std::optional<SHELL_COMMAND> Shell;
     if (Options.ShellArguments) {
         Shell.emplace(*Options.ShellArguments);
-        EFI_HANDLE Handle = Image;
-        (void)Boot->Handles.Install(&Handle, &gShellParametersGuid, &Shell->Protocol);
+        Shell->Install(Boot->Handles, Image);
     }
     IMAGE_ENTRY_POINT Entry = Options.Entry;
     VOID* Loaded = nullptr;
@@ -178,7 +202,7 @@ bool SESSION::StartOnce()
     Boot->Pool.FailFrom = 0;
     Boot->Pool.FailOnly = 0;
     if (Shell) {
-        (void)Boot->Handles.Uninstall(Image, &gShellParametersGuid, &Shell->Protocol);
+        Shell->Uninstall(Boot->Handles, Image);
     }
 
     UINT64 Bytes = 0;
