@@ -2,6 +2,7 @@
 
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
+#include "graphics/KeptPicture.h"
 #include "graphics/Text.h"
 #include "support/Identifiers.h"
 #include "support/Library.h"
@@ -317,12 +318,6 @@ VOID CheckBoxStep()
     ClearTarget();
 }
 
-static VOID ShowPicture(const GUI_RECT& Rect, PIXEL* Picture)
-{
-    (void)PasteBlt(Picture, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    (void)ComposeScreen(gGuiCore, Picture, Rect.X, Rect.Y, Rect.Width, Rect.Height);
-}
-
 VOID DrawCheckBox(INT32 Frame, CHECK_BOX_COMPONENT* Box)
 {
     if (Box == nullptr || Box->Images == nullptr || Frame < 0 || Frame >= static_cast<INT32>(gFrameCount)) {
@@ -330,12 +325,12 @@ VOID DrawCheckBox(INT32 Frame, CHECK_BOX_COMPONENT* Box)
     }
     const GUI_RECT& Rect = Box->Rect;
     if (Box->HasCaption == 0 || Box->Name == nullptr) {
-        ShowPicture(Rect, Box->Frame[Frame]);
+        ShowPicture(Box->Frame[Frame], Rect.Width, Rect.Height, Rect.X, Rect.Y);
         return;
     }
     const TEMPORARY<PIXEL> Picture(static_cast<PIXEL*>(AllocatePool(Rect.BufferSize)));
     if (!Picture) {
-        ShowPicture(Rect, Box->Frame[Frame]);
+        ShowPicture(Box->Frame[Frame], Rect.Width, Rect.Height, Rect.X, Rect.Y);
         return;
     }
     CopyMem(Picture.Data, Box->Frame[Frame], Rect.BufferSize);
@@ -348,5 +343,6 @@ VOID DrawCheckBox(INT32 Frame, CHECK_BOX_COMPONENT* Box)
                          Box->CaptionY, &gBlackPixel, nullptr, 0);
     }
     FreePool(Text);
-    ShowPicture(Rect, Picture.Data);
+    (void)PasteBlt(Picture.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
+    (void)ComposeScreen(gGuiCore, Picture.Data, Rect.X, Rect.Y, Rect.Width, Rect.Height);
 }

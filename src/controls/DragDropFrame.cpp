@@ -5,6 +5,7 @@
 #include "controls/Labels.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
+#include "graphics/KeptPicture.h"
 #include "support/Library.h"
 #include "support/Print.h"
 
@@ -303,7 +304,9 @@ VOID RepaintDragDropFrame(DRAGDROP_COMPONENT* Frame)
     for (const DD_FRAME_NODE& Node : Frame->Nodes) {
         OverlayNode(Frame, Node, RestingPlace(Frame, Node));
     }
-    ShowWorkImage(Frame);
+    // The chart takes this picture for its ground later, so the pointer of a held button must not get into it.
+    const GUI_RECT& Rect = Frame->Rect;
+    ShowPicture(Frame->WorkImage, Rect.Width, Rect.Height, Rect.X, Rect.Y);
 }
 
 EFI_STATUS OnDragDropRefresh(EFI_EVENT, VOID* Context)

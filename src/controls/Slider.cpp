@@ -4,6 +4,7 @@
 #include "controls/Labels.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
+#include "graphics/KeptPicture.h"
 #include "gui/PointerEngine.h"
 #include "support/Library.h"
 #include "support/Print.h"
@@ -216,7 +217,10 @@ EFI_STATUS RefreshSlider(SLIDER_COMPONENT* Slider)
     CopyMem(Slider->Canvas, Slider->PlainImage, Slider->Rect.BufferSize);
     const INT32 Distance = static_cast<INT32>(Slider->Rect.Y - Slider->ThumbRect.Y);
     OverlayThumb(Slider, Distance < 0 ? -Distance : Distance);
-    return ShowSliderCanvas(Slider);
+    // The chart takes this picture for its ground later, so the pointer of a held button must not get into it.
+    const GUI_RECT& Rect = Slider->Rect;
+    ShowPicture(Slider->Canvas, Rect.Width, Rect.Height, Rect.X, Rect.Y);
+    return EFI_SUCCESS;
 }
 
 EFI_STATUS OnSliderRefresh(EFI_EVENT, VOID* Context)

@@ -117,11 +117,8 @@ VOID FanChartTick()
 
 VOID UpdateFanChart(FAN_PAGE* Page)
 {
-    if (Page->Chart == nullptr) {
-        return;
-    }
     const CHART_GROUND Ground = GroundOf(Page);
-    if (!LayGround(Page, Ground)) {
+    if (Page->Chart == nullptr || !LayGround(Page, Ground)) {
         return;
     }
     UINT64 Speed = 0;

@@ -137,7 +137,12 @@ EFI_STATUS RefreshFanLegend(EFI_EVENT, VOID*)
 VOID DrawFanLegend(UINT8 Scale, UINT8 Active, const DRAGDROP_COMPONENT* Frame)
 {
     ShowPicture(gPanelTitle, gPanelTitleWidth, gPanelTitleHeight, gPanelTitleX, gPanelTitleY);
-    ShowPicture(Active != 0 ? gLegendActive : gLegendInactive, gLegendWidth, gLegendHeight, gLegendX, gLegendY);
+    const PIXEL* Box = Active != 0 ? gLegendActive : gLegendInactive;
+    if (Box != nullptr) {
+        ShowPicture(Box, gLegendWidth, gLegendHeight, gLegendX, gLegendY);
+    } else {
+        RestoreBackground(gLegendX, gLegendY, gLegendWidth, gLegendHeight); // there was no pool for the box
+    }
 
     const CHAR16* const* DutyLabels = Scale == 1 ? gDutyLabels8 : gDutyLabels6;
     for (UINT32 Node = 0; Node < gNodeCount; Node++) {

@@ -334,7 +334,9 @@ VOID RunPageStep(FAN_PAGE* Page, PAGE_STEP Step)
         break;
     case TARGET_SLIDER_IF_UNCHECKED:
         if (HasSlider) {
-            AddTarget(Page, nullptr, nullptr, Slider->FrameId, Box != nullptr ? &Box->State : nullptr, 0);
+            // The box repaints the slider; without one the tab has to.
+            AddTarget(Page, Box != nullptr ? nullptr : Slider, Box != nullptr ? nullptr : OnSliderRefresh,
+                      Slider->FrameId, Box != nullptr ? &Box->State : nullptr, 0);
         }
         break;
     case TARGET_LEGEND:
@@ -463,14 +465,15 @@ VOID ApplyFanBox(FAN_PAGE* Page)
     if (Page->CheckBox == nullptr) {
         return;
     }
+    if (gGuiCore->MouseState != L_CLICK) {
+        (void)SetCheckBoxState(nullptr, Page->CheckBox);
+        return;
+    }
     // Outside a click the box keeps its links' events quiet.
-    const UINT32 MouseState = gGuiCore->MouseState;
     gGuiCore->MouseState = NOEVENT;
     (void)SetCheckBoxState(nullptr, Page->CheckBox);
-    gGuiCore->MouseState = MouseState;
-    if (MouseState == L_CLICK) {
-        RunBoxLinks(Page);
-    }
+    gGuiCore->MouseState = L_CLICK;
+    RunBoxLinks(Page);
 }
 
 UINT8 AskFanKind() { return gHwService->GetFanKind(gHwService, gFanKindItem); }

@@ -136,23 +136,20 @@ inline VOID ApplyToBlock(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, 
 // destination byte d, d x Factor + Offset, worked out in words of 8 whole and 8 fraction bits: d stands in the high byte,
 // the high half of its 16-bit product with Factor is d x (100 - Percent) / 100, and the sum's high byte is the result.
 //
-// That is exact. The true quotient's fraction is a multiple of 1/100, so the high byte is right as long as the sum is too
-// large by 0 to less than 2.56/256. It is off by less than half of 1/256 for the rounding of Factor, is up to 1/256 too
-// small for the low half that is dropped, and is too large by what Offset is rounded up: by 1 to 2 when Factor was rounded
-// up, by 1.5 to 2.5 when it was rounded down.
+// That is exact for each percentage and any two bytes. The true quotient's fraction is a multiple of 1/100, which is 2.56
+// steps of the fraction's eight bits, so a sum that is a step or two too large has the right high byte all the same. It
+// must never be too small: Offset is rounded up and a step more, which makes good for the low half that is dropped.
 //
 // The reserved byte goes along as one more colour byte with a line that gives d itself.
 class MIXER {
 public:
     MIXER(PIXEL Color, UINT32 Percent)
     {
-        const UINT32 Scaled = (100 - Percent) * 0x10000;
-        const UINT32 Factor = (Scaled + 50) / 100;
-        const UINT32 Slack = Factor * 100 < Scaled ? 150 : 100;
+        const UINT32 Factor = ((100 - Percent) * 0x10000 + 50) / 100;
         EvenFactors = Splat(Factor << 16 | Factor);
         OddFactors = Splat(0xFFFFu << 16 | Factor);
-        EvenOffsets = Splat(Offset(Color.Red, Percent, Slack) << 16 | Offset(Color.Blue, Percent, Slack));
-        OddOffsets = Splat(1u << 16 | Offset(Color.Green, Percent, Slack));
+        EvenOffsets = Splat(Offset(Color.Red, Percent) << 16 | Offset(Color.Blue, Percent));
+        OddOffsets = Splat(1u << 16 | Offset(Color.Green, Percent));
     }
 
     __m128i Mix(__m128i Dst) const
@@ -165,10 +162,7 @@ public:
     }
 
 private:
-    static UINT32 Offset(UINT8 Source, UINT32 Percent, UINT32 Slack)
-    {
-        return (Percent * Source * 256 + Slack + 99) / 100;
-    }
+    static UINT32 Offset(UINT8 Source, UINT32 Percent) { return (Percent * Source * 256 + 99) / 100 + 1; }
 
     __m128i EvenFactors; // blue and red
     __m128i OddFactors;  // green and reserved

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr CHAR8 gSourcePath[] = "monitor\\InformationPages.cpp";
-
 // A line without an item is always the text given here; the others take it when the board has none.
 constexpr UINT8 gNoItem = 0;
 
@@ -135,7 +133,6 @@ VOID RunPage(MESSAGE_BOX* Box, const GUI_RECT& Rect)
     const TEMPORARY<MESSAGE_BOX> Copy(AllocateRecord<MESSAGE_BOX>());
     if (!Under || !Shown || !Copy) {
         // Without what is under the box the screen couldn't be given back.
-        REPORT("No memory for an information page");
         return;
     }
 
@@ -177,8 +174,6 @@ EFI_STATUS ShowPage(const INFORMATION_PAGE& Page)
     Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
     if (Rect.BufferSize != 0) {
         RunPage(&Box, Rect);
-    } else {
-        REPORT("No message box for an information page");
     }
     FreeStrings(&Strings);
     return EFI_SUCCESS;

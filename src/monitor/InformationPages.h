@@ -3,7 +3,7 @@
 // under it comes back as it was.
 //
 // A click on the page's button, Escape, Enter and the right mouse button close a page; nothing else does anything. A
-// page for which there is no memory, or no box from the service, isn't opened, with a report line.
+// page for which there is no memory, or no box from the service, isn't opened.
 #pragma once
 
 #include "uefi/SystemTable.h"
