@@ -29,9 +29,16 @@ constexpr UINTN gConfigureB = 0;
 // The order in which the items are asked whether they exist.
 constexpr UINT8 gPresenceOrder[] = {4, 5, 6, 7, 8, 9, 10, 0, 1, 2, 11, 12, 13, 14, 15, 16, 17};
 
-template <typename T> EFI_STATUS Locate(const EFI_GUID& Guid, T** Interface)
+struct SERVICE {
+    const EFI_GUID* Guid;
+    const EFI_GUID* OtherGuid;
+    VOID** Interface;
+    EFI_STATUS (*WhenFound)(); // its failure ends the search too
+};
+
+template <typename T> VOID** Place(T** Interface)
 {
-    return gBS->LocateProtocol(&Guid, nullptr, reinterpret_cast<VOID**>(Interface));
+    return reinterpret_cast<VOID**>(Interface);
 }
 
 // What the display shows now, on the assumption of a linear 1024 by 768 frame buffer with rows back to back.
@@ -51,6 +58,17 @@ EFI_STATUS SaveScreen()
     }
     gSavedScreen = static_cast<EFI_GRAPHICS_OUTPUT_BLT_PIXEL*>(Block);
     return EFI_SUCCESS;
+}
+
+EFI_STATUS InitializeBoard()
+{
+    (void)gHwService->Initialize(gHwService);
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS ConfigureSections()
+{
+    return gImageSection->Configure(gConfigureA, gConfigureB);
 }
 
 // EFI_BUFFER_TOO_SMALL when the variable exists, since there is no room for any; EFI_NOT_FOUND when it doesn't.
@@ -75,60 +93,34 @@ VOID ReadSettings()
 
 EFI_STATUS LocateProtocols()
 {
-    EFI_STATUS Status = Locate(gEfiGraphicsOutputProtocolGuid, &gGraphicsOutput);
-    if (EfiError(Status)) {
-        return Status;
+    VOID* Required = nullptr; // only its presence counts
+    const SERVICE Services[] = {
+        // service                         under its other GUID            interface              at once when found
+        {&gEfiGraphicsOutputProtocolGuid, nullptr, Place(&gGraphicsOutput), SaveScreen},
+        {&gEfiCpuArchProtocolGuid, nullptr, Place(&gCpuArch), nullptr},
+        {&gImageDecoderProtocolGuid, nullptr, Place(&gImageDecoder), nullptr},
+        {&gCursorServiceProtocolGuid, &gCursorServiceProtocol2Guid, Place(&gCursorService), nullptr},
+        {&gRequiredServiceProtocolGuid, nullptr, &Required, nullptr},
+        {&gFloatMathProtocolGuid, nullptr, Place(&gFloatMath), nullptr},
+        {&gImageLookupProtocolGuid, nullptr, Place(&gImageLookup), nullptr},
+        {&gImageDecoderProtocolGuid, nullptr, Place(&gImageDecoder), nullptr},
+        {&gHwServiceProtocolGuid, nullptr, Place(&gHwService), InitializeBoard},
+        {&gDrawPrimitivesProtocolGuid, nullptr, Place(&gDrawPrimitives), nullptr},
+        {&gImageSectionProtocolGuid, nullptr, Place(&gImageSection), ConfigureSections},
+    };
+    for (const SERVICE& Service : Services) {
+        EFI_STATUS Status = gBS->LocateProtocol(Service.Guid, nullptr, Service.Interface);
+        if (EfiError(Status) && Service.OtherGuid != nullptr) {
+            Status = gBS->LocateProtocol(Service.OtherGuid, nullptr, Service.Interface);
+        }
+        if (!EfiError(Status) && Service.WhenFound != nullptr) {
+            Status = Service.WhenFound();
+        }
+        if (EfiError(Status)) {
+            return Status;
+        }
     }
-    Status = SaveScreen();
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gEfiCpuArchProtocolGuid, &gCpuArch);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gImageDecoderProtocolGuid, &gImageDecoder);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gCursorServiceProtocolGuid, &gCursorService);
-    if (EfiError(Status)) {
-        Status = Locate(gCursorServiceProtocol2Guid, &gCursorService);
-    }
-    if (EfiError(Status)) {
-        return Status;
-    }
-    VOID* Required = nullptr;
-    Status = Locate(gRequiredServiceProtocolGuid, &Required);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gFloatMathProtocolGuid, &gFloatMath);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gImageLookupProtocolGuid, &gImageLookup);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gImageDecoderProtocolGuid, &gImageDecoder);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gHwServiceProtocolGuid, &gHwService);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    (void)gHwService->Initialize(gHwService);
-    Status = Locate(gDrawPrimitivesProtocolGuid, &gDrawPrimitives);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    Status = Locate(gImageSectionProtocolGuid, &gImageSection);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    return gImageSection->Configure(gConfigureA, gConfigureB);
+    return EFI_SUCCESS;
 }
 
 VOID LoadSettingsAndCapabilities()
