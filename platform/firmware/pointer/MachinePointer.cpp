@@ -15,6 +15,9 @@ constexpr UINTN gDefaultHeight = 768;
 // Reports taken in one read, so that a fast mouse isn't left behind by a slow turn of the console's loop.
 constexpr UINTN gReportsPerRead = 16;
 
+constexpr UINTN gSilenceStep = 500; // microseconds between two looks for the last byte of a mouse
+constexpr UINTN gSilenceSteps = 1000;
+
 // The kinds of devices, each with its buttons as it last reported them.
 enum KIND : UINT8 { KIND_PROTOCOL, KIND_USB, KIND_PS2, KIND_COUNT };
 
@@ -80,8 +83,16 @@ VOID BeginUse(MACHINE_POINTER* Pointer, UINT64 Now)
 {
     Pointer->InUse = true;
     // Looks for the firmware's own devices first, which may be the mouse at the keyboard controller.
-    POINTER_CHANGE Change;
+    POINTER_CHANGE Change = {};
     (void)PollProtocolPointers(Now, &Change);
+    // What a USB mouse reported while nobody looked is no way that the pointer went; a tablet's place still holds.
+    while (PollUsbPointers(Now, &Change)) {
+        if (!Change.Absolute) {
+            Change.X = 0;
+            Change.Y = 0;
+        }
+        (void)ApplyChange(Pointer, KIND_USB, &Change);
+    }
     if (!FirmwareDrivesPs2Mouse()) {
         EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
         StartPs2Mouse(&Pointer->Ps2, Now);
@@ -145,15 +156,28 @@ VOID ResetPointer(MACHINE_POINTER* Pointer)
     }
 }
 
+VOID SilencePs2Mouse(MACHINE_POINTER* Pointer)
+{
+    EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
+    StopPs2Mouse(&Pointer->Ps2, ReadMicroseconds());
+    gBoot->RestoreTPL(Level);
+    // At the level in between, the keyboard's driver takes its bytes.
+    for (UINTN Step = 0; Pointer->Ps2.State != PS2_STOPPED && Step < gSilenceSteps; Step++) {
+        (void)gBoot->Stall(gSilenceStep);
+        POINTER_CHANGE Change;
+        Level = gBoot->RaiseTPL(TPL_NOTIFY);
+        (void)PollPs2Mouse(&Pointer->Ps2, ReadMicroseconds(), &Change);
+        gBoot->RestoreTPL(Level);
+    }
+}
+
 VOID EndPointer(POINTER_SOURCE* This)
 {
     auto* Pointer = reinterpret_cast<MACHINE_POINTER*>(This);
     if (!Pointer->InUse) {
         return;
     }
-    EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
-    StopPs2Mouse(&Pointer->Ps2);
-    gBoot->RestoreTPL(Level);
+    SilencePs2Mouse(Pointer);
     ResetPointer(Pointer);
     Report("ventara: pointer closed\n");
 }

@@ -32,6 +32,7 @@ constexpr UINT8 gHeadOverflow = 0xC0;
 constexpr UINT64 gRetryTime = 1000000;  // between two tries to find a mouse
 constexpr UINT64 gAnswerTime = 200000;  // for an acknowledgement, or for the packet behind it
 constexpr UINT64 gPacketTime = 50000;   // between two bytes of a packet
+constexpr UINT64 gQuietTime = 20000;    // without a byte, and a mouse that was silenced is silent
 constexpr UINT64 gHeldTime = 300000;    // a button down without news
 constexpr UINT8 gMaximumUnanswered = 3; // questions without an answer before the mouse counts as gone
 
@@ -169,6 +170,9 @@ bool TakeStreamByte(PS2_MOUSE* Mouse, UINT8 Byte, UINT64 Now)
     case PS2_STREAMING:
     case PS2_ANSWERING:
         return TakePacketByte(Mouse, Byte, Now);
+    case PS2_STOPPING:
+        Mouse->Silent = Mouse->Silent || Byte == gAcknowledge;
+        return false;
     case PS2_STOPPED:
     case PS2_ABSENT:
         break;
@@ -192,6 +196,12 @@ VOID WatchTime(PS2_MOUSE* Mouse, UINT64 Now)
 {
     switch (Mouse->State) {
     case PS2_STOPPED:
+        break;
+    case PS2_STOPPING:
+        // One acknowledgement isn't the last byte: that of an earlier command may have stood before it.
+        if (Now > Mouse->Deadline || (Mouse->Silent && Now - Mouse->LastByte > gQuietTime)) {
+            Mouse->State = PS2_STOPPED;
+        }
         break;
     case PS2_ABSENT:
         if (Now >= Mouse->Deadline && Mouse->Ports.Read(gCommandPort) != 0xFF) {
@@ -271,28 +281,10 @@ bool PollPs2Mouse(PS2_MOUSE* Mouse, UINT64 Now, POINTER_CHANGE* Change)
     return Reported || Mouse->Left != LeftBefore || Mouse->Right != RightBefore;
 }
 
-VOID StopPs2Mouse(PS2_MOUSE* Mouse)
+VOID StopPs2Mouse(PS2_MOUSE* Mouse, UINT64 Now)
 {
-    if (Mouse->State == PS2_STOPPED) {
-        return;
-    }
-    bool Present = Mouse->State != PS2_ABSENT;
-    LoseMouse(Mouse, 0);
-    Mouse->State = PS2_STOPPED;
-    if (!Present || !SendToMouse(Mouse, gDisableReporting)) {
-        return;
-    }
-    // The acknowledgement and what stood before it, so that nothing of the mouse is left in the keyboard's way.
-    UINTN Quiet = 0;
-    for (UINTN Count = 0; Count < gMaximumBytes * gMaximumStatusReads && Quiet < gMaximumStatusReads; Count++) {
-        UINT8 Byte = 0;
-        if (TakeByte(Mouse, &Byte)) {
-            Quiet = 0;
-            if (Byte == gAcknowledge) {
-                break;
-            }
-        } else {
-            Quiet++;
-        }
-    }
+    bool MaySend = Mouse->State != PS2_STOPPED && Mouse->State != PS2_ABSENT;
+    LoseMouse(Mouse, Now + gAnswerTime);
+    Mouse->Silent = false;
+    Mouse->State = MaySend && SendToMouse(Mouse, gDisableReporting) ? PS2_STOPPING : PS2_STOPPED;
 }

@@ -21,6 +21,7 @@ struct PS2_PORTS {
 
 enum PS2_STATE : UINT8 {
     PS2_STOPPED,
+    PS2_STOPPING,    // waits for the acknowledgement of its silence
     PS2_ABSENT,      // waits until it tries again
     PS2_SETTING_UP,  // the commands of the set-up are on their way
     PS2_STREAMING,   // packets come as the mouse moves
@@ -35,6 +36,7 @@ struct PS2_MOUSE {
     UINT8 Packet[3];
     UINT8 PacketLength;
     UINT8 UnansweredCount;
+    bool Silent;   // the silence was acknowledged
     bool Doubtful; // something was lost since the last good packet
     UINT8 Left;
     UINT8 Right;
@@ -50,5 +52,7 @@ VOID StartPs2Mouse(PS2_MOUSE* Mouse, UINT64 Now);
 // packet that changes a button, so that a short press is seen by one read at least. Call again with the same or a later
 // Now, in microseconds.
 bool PollPs2Mouse(PS2_MOUSE* Mouse, UINT64 Now, POINTER_CHANGE* Change);
-// Silences the mouse, so that its bytes don't block the keyboard's.
-VOID StopPs2Mouse(PS2_MOUSE* Mouse);
+// Silences the mouse, so that its bytes don't block the keyboard's. That is done once PollPs2Mouse has taken the mouse's
+// last byte, and the state is PS2_STOPPED. A byte of the keyboard may stand before it, so between two polls the
+// keyboard's driver has to have its turn.
+VOID StopPs2Mouse(PS2_MOUSE* Mouse, UINT64 Now);

@@ -1,0 +1,223 @@
+#!/usr/bin/env python3
+"""Boots the firmware images in QEMU and tries them as a person would.
+
+Where the images are comes from VENTARA_FIRMWARE (build/firmware), the hosted command for reference pictures from
+VENTARA_HOSTED (build/release/ventara). VENTARA_ACCEL names QEMU's accelerator (tcg). With VENTARA_PICTURES set to a
+folder, the screens that were looked at are left there.
+"""
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+ROOT = os.path.dirname(os.path.dirname(HERE))
+sys.path[:0] = [HERE, os.path.join(ROOT, "tools")]
+import image  # noqa: E402
+import qemu  # noqa: E402
+from qmp import Machine, Picture, bounds  # noqa: E402
+
+FIRMWARE = os.environ.get("VENTARA_FIRMWARE", os.path.join(ROOT, "build", "firmware"))
+HOSTED = os.environ.get("VENTARA_HOSTED", os.path.join(ROOT, "build", "release", "ventara"))
+
+# A corner of the screen outside the frame, as a place for the pointer where it covers nothing that is compared.
+OUT_OF_THE_WAY = (8, 740)
+
+# Where the screen holds text (the two worlds have fonts of their own) or live numbers and pictures of them.
+LIVE = (
+    (770, 81, 210, 30),    # titles of the About, Help and Exit buttons
+    (274, 118, 690, 102),  # titles of the fan tabs, fan readouts
+    (55, 296, 212, 112),   # names and readouts of the temperature sources
+    (305, 225, 150, 32),   # title of the chart panel
+    (382, 262, 391, 241),  # the chart, and the nodes over it
+    (836, 250, 128, 130),  # the legend's numbers
+    (531, 558, 440, 28),   # titles of the three command buttons
+    (60, 596, 905, 115),   # caption and gauges
+)
+FIRST_TAB = (275, 118, 98, 62)
+SECOND_TAB = (374, 118, 98, 62)
+FIRST_TEMPERATURE = (181, 304, 40, 19)
+TEMPERATURES_AND_FANS = ((181, 304, 40, 19), (181, 341, 40, 19), (281, 189, 40, 19), (380, 189, 40, 19))
+
+
+def keep(picture, name):
+    folder = os.environ.get("VENTARA_PICTURES")
+    if folder:
+        os.makedirs(folder, exist_ok=True)
+        picture.save(os.path.join(folder, name + ".ppm"))
+    return picture
+
+
+class BootCase(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="ventara-test-")
+        self.addCleanup(shutil.rmtree, self.folder, True)
+
+    def make_image(self, starter="BOOTX64.efi", console="ventara.efi", driver="ventara-board.efi"):
+        """A disk image with these files in the three places; None leaves a place empty."""
+        places = []
+        for source, place in ((starter, "EFI/BOOT/BOOTX64.EFI"), (console, "ventara.efi"),
+                              (driver, "ventara-board.efi")):
+            if source is not None:
+                places.append((os.path.join(FIRMWARE, source), place))
+        path = os.path.join(self.folder, "disk.img")
+        image.make_image(path, places)
+        return path
+
+    def hosted_picture(self, script):
+        """What the hosted console shows at the end of the script's lines."""
+        path, picture = os.path.join(self.folder, "script"), os.path.join(self.folder, "hosted.png")
+        with open(path, "w", encoding="ascii") as file:
+            file.write("\n".join(script) + f"\nscreenshot {picture}\n")
+        subprocess.run([HOSTED, "--script", path], check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                       timeout=60)
+        return Picture.load(picture)
+
+    def problem_of(self, machine):
+        """Waits for the starter to tell of a problem, and gives what it says as one line."""
+        machine.wait_for("ventara: problem")
+        lines = [line[len("ventara: | "):] for line in machine.log().splitlines() if line.startswith("ventara: | ")]
+        return " ".join(" ".join(lines).split())
+
+
+class ConsoleOnFirmware(BootCase):
+    def test_the_console_runs_comes_back_and_keeps_its_view_until_the_reset(self):
+        with Machine(self.make_image()) as machine:
+            machine.wait_for("ventara: first screen")
+            machine.move_to(*OUT_OF_THE_WAY)
+            first = keep(machine.look(), "first")
+            with self.subTest("the picture is the hosted one outside text and live numbers"):
+                self.check_against_hosted(first)
+            with self.subTest("the pointer is where it was moved to"):
+                self.check_pointer(machine)
+            with self.subTest("readouts live"):
+                machine.look_until(lambda now: any(not now.crop(*box).same(first.crop(*box))
+                                                   for box in TEMPERATURES_AND_FANS), what="another reading")
+            with self.subTest("a click changes the page, Escape comes back with success"):
+                machine.click(420, 140)
+                machine.move_to(*OUT_OF_THE_WAY)
+                second_page = keep(machine.look(), "second-page")
+                self.assertFalse(second_page.crop(*FIRST_TAB).same(first.crop(*FIRST_TAB)))
+                self.assertFalse(second_page.crop(*SECOND_TAB).same(first.crop(*SECOND_TAB)))
+                machine.key("esc")
+                self.assertEqual(machine.wait_for("ventara: returned "), "Success")
+                machine.wait_for("ventara: menu")
+                keep(machine.look(), "menu")
+            with self.subTest("a second start in the same boot shows the page that was left"):
+                machine.key("ret")
+                machine.wait_for("ventara: first screen")
+                machine.move_to(*OUT_OF_THE_WAY)
+                again = keep(machine.look(), "second-start")
+                self.assertTrue(again.crop(*FIRST_TAB).same(second_page.crop(*FIRST_TAB)))
+                self.assertTrue(again.crop(*SECOND_TAB).same(second_page.crop(*SECOND_TAB)))
+                machine.click(956, 96)  # the Exit button
+                self.assertEqual(machine.wait_for("ventara: returned "), "Success")
+                machine.wait_for("ventara: menu")
+            with self.subTest("after a reset the first page is back"):
+                machine.key("r")
+                machine.wait_for("ventara: reset")
+                machine.wait_for("ventara: first screen")
+                machine.move_to(*OUT_OF_THE_WAY)
+                after_reset = keep(machine.look(), "after-reset")
+                self.assertTrue(after_reset.crop(*FIRST_TAB).same(first.crop(*FIRST_TAB)))
+            with self.subTest("the firmware's boot menu is a key away"):
+                machine.press("right")
+                self.assertEqual(machine.wait_for("ventara: returned "), "Success")
+                machine.wait_for("ventara: menu")
+                machine.key("b")
+                self.assertEqual(machine.wait_for("ventara: board driver unloaded: "), "Success")
+                machine.wait_for("ventara: boot menu")
+                machine.look_until(lambda now: (now.width, now.height) != (1024, 768) or
+                                   not now.crop(0, 0, 100, 30).same(first.crop(0, 0, 100, 30)),
+                                   what="the firmware's menu")
+
+    def check_against_hosted(self, first):
+        if not os.path.exists(HOSTED):
+            self.skipTest(f"{HOSTED} isn't built")
+        x, y = OUT_OF_THE_WAY
+        hosted = keep(self.hosted_picture([f"pointer {x} {y}", "turn 3"]), "hosted")
+        different = first.differences(hosted, LIVE)
+        self.assertEqual(bounds(different), None, f"{len(different)} pixels differ")
+
+    def check_pointer(self, machine):
+        # On the plain margin left of the frame and right of it: the arrow's tip is the pixel moved to.
+        clean = machine.look()
+        for x, y in ((10, 300), (1000, 420)):
+            machine.move_to(x, y)
+            box = (x, y - 40, 24, 80) if x > 512 else (0, y - 40, 42, 80)
+            changed = bounds(machine.look().crop(*box).differences(clean.crop(*box)))
+            self.assertIsNotNone(changed, f"no pointer at {x}, {y}")
+            self.assertEqual((box[0] + changed[0], box[1] + changed[1]), (x, y))
+
+
+class OtherMice(BootCase):
+    def test_a_tablet_at_usb_points_and_clicks(self):
+        with Machine(self.make_image(), pointer="tablet") as machine:
+            machine.wait_for("ventara: USB tablet")
+            machine.wait_for("ventara: first screen")
+            machine.move_tablet(*OUT_OF_THE_WAY)
+            first = machine.look()
+            machine.move_tablet(420, 140)
+            machine.press()
+            machine.move_tablet(*OUT_OF_THE_WAY)
+            self.assertFalse(machine.look().crop(*SECOND_TAB).same(first.crop(*SECOND_TAB)))
+            machine.move_tablet(956, 96)
+            machine.press()
+            self.assertEqual(machine.wait_for("ventara: returned "), "Success")
+
+    def test_a_mouse_at_usb_points_and_clicks(self):
+        with Machine(self.make_image(), pointer="mouse") as machine:
+            machine.wait_for("ventara: USB mouse")
+            machine.wait_for("ventara: first screen")
+            machine.click(956, 96)
+            self.assertEqual(machine.wait_for("ventara: returned "), "Success")
+
+
+class WhatIsMissing(BootCase):
+    def test_a_missing_driver_is_told_in_words_and_a_key_leads_on(self):
+        with Machine(self.make_image(driver=None)) as machine:
+            problem = self.problem_of(machine)
+            self.assertIn(r"The file \ventara-board.efi is missing", problem)
+            self.assertIn("Press any key", problem)
+            keep(machine.look(), "problem")
+            machine.key("spc")
+            machine.wait_for("ventara: menu")
+            machine.key("ret")  # tries again, and finds it missing again
+            machine.wait_for("ventara: problem")
+
+    def test_a_damaged_console_is_told_in_words(self):
+        path = os.path.join(self.folder, "damaged.efi")
+        with open(os.path.join(FIRMWARE, "ventara.efi"), "rb") as whole, open(path, "wb") as damaged:
+            damaged.write(whole.read()[:1500])
+        with Machine(self.make_image(console=path)) as machine:
+            self.assertIn(r"The file \ventara.efi is damaged", self.problem_of(machine))
+            machine.key("spc")
+            machine.wait_for("ventara: menu")
+
+    def test_without_a_board_the_console_ends_and_draws_nothing_and_the_driver_leaves_nothing_behind(self):
+        with Machine(self.make_image(starter="ventara-probe.efi")) as machine:
+            self.assertEqual(machine.wait_for("probe: console without a board: "), "Protocol Error")
+            self.assertEqual(machine.wait_for("probe: pixels changed: "), "0")
+            free = []
+            for _ in range(4):
+                self.assertEqual(machine.wait_for("probe: driver started: "), "Success")
+                self.assertEqual(machine.wait_for("probe: services while loaded: "), "8")
+                self.assertNotEqual(machine.wait_for("probe: second copy: "), "Success")
+                self.assertEqual(machine.wait_for("probe: services with a second copy: "), "8")
+                self.assertEqual(machine.wait_for("probe: driver unloaded: "), "Success")
+                self.assertEqual(machine.wait_for("probe: services after unloading: "), "0")
+                self.assertEqual(machine.wait_for("probe: drivers left behind: "), "0")
+                free.append(int(machine.wait_for("probe: free pages: ")))
+            # The first rounds leave the firmware's own pool larger than it was.
+            self.assertEqual(free[2], free[3])
+
+
+if __name__ == "__main__":
+    try:
+        qemu.find_qemu()
+        qemu.find_firmware()
+    except qemu.MissingTool as problem:
+        sys.exit(str(problem))
+    unittest.main(verbosity=2)
