@@ -38,7 +38,8 @@ void AddPixman(std::vector<BENCH_WORK>& Work, BENCH_PICTURES& Pictures)
     pixman_image_t* Canvas = PixmanImage(Pictures.Canvas, gWidth, gHeight);
     // A fifth of the colour, in the form that pixman wants: the colour already multiplied by its share.
     const auto Fifth = [](UINT8 Byte) { return static_cast<uint16_t>(Byte * 0x101 / 5); };
-    const pixman_color_t Color = {Fifth(gBenchBlend.Red), Fifth(gBenchBlend.Green), Fifth(gBenchBlend.Blue), 0xFFFF / 5};
+    const pixman_color_t Color = {Fifth(gBenchBlend.Red), Fifth(gBenchBlend.Green), Fifth(gBenchBlend.Blue),
+                                  0xFFFF / 5};
     pixman_image_t* Solid = pixman_image_create_solid_fill(&Color);
     Work.push_back({"pixman", BENCH_UNIT_R, 0, 1,
                     [=] {

@@ -1,10 +1,10 @@
-// Times everything that is done pixel by pixel and prints it as multiples of plain copies of the same pixels, made by the
-// same process in the same minute: figures of that kind hold from one machine to another.
+// Times everything that is done pixel by pixel and prints it as multiples of plain copies of the same pixels, made by
+// the same process in the same minute: figures of that kind hold from one machine to another.
 //
 // Each piece of work is timed in two states of the processor's caches. Warm: over and over, so that its pictures lie as
 // near as they fit. Cold: after other memory has gone through the caches, as in the running console, where the pictures
-// of one frame are more than the second-level cache holds. All work is interleaved, and the least time of the repetitions
-// counts, since whatever else the machine does can only add to it.
+// of one frame are more than the second-level cache holds. All work is interleaved, and the least time of the
+// repetitions counts, since whatever else the machine does can only add to it.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

@@ -243,8 +243,8 @@ static PIXEL WithClass(PIXEL Color, LINE_CHART_CLASS Class)
     return Color;
 }
 
-// Writes the plot's columns row by row, which is the order of the pixels in memory. Most rows lie wholly above the curve
-// or wholly below it.
+// Writes the plot's columns row by row, which is the order of the pixels in memory. Most rows lie wholly above the
+// curve or wholly below it.
 static VOID WritePlot(const PLOT& Plot, PIXEL* Layer, const PIXEL* Gradient, UINT32 Width, UINT32 Top, PIXEL Line)
 {
     PIXEL* Row = Layer;

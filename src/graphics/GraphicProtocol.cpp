@@ -46,8 +46,8 @@ VOID SendBlock(PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
                 Width * sizeof(PIXEL));
 }
 
-// The pointer over the right or bottom edge, touching it included, with the changed block sent before it. Here only pure
-// black is transparent, and the block isn't merged.
+// The pointer over the right or bottom edge, touching it included, with the changed block sent before it. Here only
+// pure black is transparent, and the block isn't merged.
 VOID ComposeAtEdge(GUI_CORE* Core, PIXEL* Buffer, UINTN BlockX, UINTN BlockY, UINTN BlockWidth, UINTN BlockHeight)
 {
     const UINTN X = static_cast<UINTN>(Core->PointerX);
@@ -81,12 +81,14 @@ UINT8 GrayByService(PIXEL From, FLOAT_WORD RedShare, FLOAT_WORD GreenShare, FLOA
 }
 
 // Colours whose exact gray is a whole number, and whose gray in single precision is that number or one less, as the
-// roundings on the way fall. Each other arithmetic fails on several: numbers rounded another way or not at all, a product
-// and a sum rounded as one, another order of the sums, a fraction rounded and not dropped.
+// roundings on the way fall. Each other arithmetic fails on several: numbers rounded another way or not at all, a
+// product and a sum rounded as one, another order of the sums, a fraction rounded and not dropped.
 constexpr PIXEL gGrayProbes[] = {
-    {.Blue = 37, .Green = 53, .Red = 29, .Reserved = 0},   {.Blue = 90, .Green = 10, .Red = 130, .Reserved = 0},
-    {.Blue = 245, .Green = 233, .Red = 1, .Reserved = 0},  {.Blue = 56, .Green = 5, .Red = 19, .Reserved = 0},
-    {.Blue = 255, .Green = 255, .Red = 255, .Reserved = 0},
+    {.Blue = 37, .Green = 53, .Red = 29, .Reserved = 0},
+    {.Blue = 90, .Green = 10, .Red = 130, .Reserved = 0},
+    {.Blue = 37, .Green = 37, .Red = 37, .Reserved = 0},
+    {.Blue = 245, .Green = 233, .Red = 1, .Reserved = 0},
+    {.Blue = 56, .Green = 5, .Red = 19, .Reserved = 0},
 };
 constexpr UINTN gGrayProbeCount = sizeof(gGrayProbes) / sizeof(gGrayProbes[0]);
 

@@ -51,8 +51,9 @@ struct ONE_PIXEL {
     }
 };
 
-// Calls Step(PIXELS, I) for pixels I, I + 1 ... of a row of Count, as many as PIXELS loads and stores, from pixel I on. A
-// row's last pixels go through the same arithmetic in smaller loads and stores, so that nothing beyond the row is touched.
+// Calls Step(PIXELS, I) for pixels I, I + 1 ... of a row of Count, as many as PIXELS loads and stores, from pixel I on.
+// A row's last pixels go through the same arithmetic in smaller loads and stores, so that nothing beyond the row is
+// touched.
 template <typename STEP> inline VOID ForRow(UINTN I, UINTN Count, STEP Step)
 {
     for (; I + 4 <= Count; I += 4) {
@@ -67,7 +68,8 @@ template <typename STEP> inline VOID ForRow(UINTN I, UINTN Count, STEP Step)
     }
 }
 
-// Puts Rule.Apply(destination, source) into eight pixels. A rule that can save work on eight alike pixels brings its own.
+// Puts Rule.Apply(destination, source) into eight pixels. A rule that can save work on eight alike pixels brings its
+// own.
 template <typename RULE> inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const RULE& Rule)
 {
     const __m128i First = Rule.Apply(FOUR_PIXELS::Load(Dst), FOUR_PIXELS::Load(Src));
@@ -92,8 +94,8 @@ constexpr UINTN gNarrow = 12;
 constexpr UINTN gStagedRows = 24;
 
 // A narrow block on a surface whose rows lie a multiple of 4096 bytes apart. The processor takes a load for one of the
-// stores shortly before it when their addresses agree in the low twelve bits, and waits. Row under row they all agree: so
-// all are worked out first and stored then.
+// stores shortly before it when their addresses agree in the low twelve bits, and waits. Row under row they all agree:
+// so all are worked out first and stored then.
 template <typename RULE>
 inline VOID ApplyToNarrowBlock(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const RULE& Rule)
 {
@@ -133,16 +135,17 @@ inline VOID ApplyToBlock(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, 
 // ((100 - Percent) x destination + Percent x source) / 100 with the remainder dropped, for one source colour.
 //
 // A division for each colour byte is what would cost here. With the source fixed the quotient is a line over the
-// destination byte d, d x Factor + Offset, worked out in words of 8 whole and 8 fraction bits: d stands in the high byte,
-// the high half of its 16-bit product with Factor is d x (100 - Percent) / 100, and the sum's high byte is the result.
+// destination byte d, d x Factor + Offset, worked out in words of 8 whole and 8 fraction bits: d stands in the high
+// byte, the high half of its 16-bit product with Factor is d x (100 - Percent) / 100, and the sum's high byte is the
+// result.
 //
-// That is exact for each percentage and any two bytes. The true quotient's fraction is a multiple of 1/100, which is 2.56
-// steps of the fraction's eight bits, so a sum that is a step or two too large has the right high byte all the same. It
-// must never be too small: Offset is rounded up and a step more, which makes good for the low half that is dropped.
+// That is exact for each percentage and any two bytes. The true quotient's fraction is a multiple of 1/100, which is
+// 2.56 steps of the fraction's eight bits, so a sum that is a step or two too large has the right high byte all the
+// same. It must never be too small: Offset is rounded up and a step more, which makes good for the low half that is
+// dropped.
 //
 // The reserved byte goes along as one more colour byte with a line that gives d itself.
-class MIXER {
-public:
+struct MIXER {
     MIXER(PIXEL Color, UINT32 Percent)
     {
         const UINT32 Factor = ((100 - Percent) * 0x10000 + 50) / 100;
@@ -161,7 +164,6 @@ public:
                             _mm_and_si128(_mm_add_epi16(Odd, OddOffsets), OddBytes));
     }
 
-private:
     static UINT32 Offset(UINT8 Source, UINT32 Percent) { return (Percent * Source * 256 + 99) / 100 + 1; }
 
     __m128i EvenFactors; // blue and red
@@ -173,15 +175,13 @@ private:
 // --- Overlay ---
 
 // A colour to find in pixels, whatever their reserved bytes are.
-class COLOR_TEST {
-public:
+struct COLOR_TEST {
     explicit COLOR_TEST(PIXEL Color) : Wanted(Splat(PixelWord(Color) & gColorBits)) {}
     __m128i Matches(__m128i Pixels) const
     {
         return _mm_cmpeq_epi32(_mm_and_si128(Pixels, Splat(gColorBits)), Wanted);
     }
 
-private:
     __m128i Wanted;
 };
 
@@ -207,8 +207,8 @@ struct KEY_AND_BLEND_RULE {
 };
 
 // Tints and artwork come in long stretches of one kind, and mixing is most of the work: eight pixels of which all are
-// mixed need no choosing, eight of which none is need no mixing. Asking for four would be wrong too often where the kinds
-// alternate, and each wrong guess of the processor costs more than it can save.
+// mixed need no choosing, eight of which none is need no mixing. Asking for four would be wrong too often where the
+// kinds alternate, and each wrong guess of the processor costs more than it can save.
 inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const BLEND_RULE& Rule)
 {
     const __m128i FirstSrc = FOUR_PIXELS::Load(Src);
@@ -265,28 +265,58 @@ struct TINT_RULE {
 
 // --- Gray ---
 
-class GRAY_RULE {
-public:
+struct GRAY_RULE {
     explicit GRAY_RULE(PIXEL KeyColor) : Key(KeyColor) {}
 
-    __m128i Apply(__m128i Dst, __m128i Src) const
+    // The gray of each pixel, as a word of 32 bits.
+    static __m128i Grays(__m128i Src)
     {
-        // Green and red stay where they are in the pixel. Their shares are divided by 256 and 65536 instead, which is exact.
+        // Green and red stay where they are in the pixel. Their shares are divided by 256 and 65536 instead, which is
+        // exact.
         const __m128 Blue = Scale(_mm_and_si128(Src, Splat(0xFF)), gBlueShare);
         const __m128 Green = Scale(_mm_and_si128(Src, Splat(0xFF00)), gGreenShare / 0x100);
         const __m128 Red = Scale(_mm_and_si128(Src, Splat(0xFF0000)), gRedShare / 0x10000);
-        const __m128i Gray = _mm_cvttps_epi32(_mm_add_ps(_mm_add_ps(Red, Green), Blue));
-        // One multiplication repeats the byte in the low word; the high word has it in its low byte alone.
-        const __m128i Twice = _mm_or_si128(Gray, _mm_slli_epi32(Gray, 16));
-        const __m128i Grays = _mm_mullo_epi16(Twice, Splat(0x00010101));
-        return Select(_mm_or_si128(Key.Matches(Dst), Splat(gReservedBits)), Dst, Grays);
+        return _mm_cvttps_epi32(_mm_add_ps(_mm_add_ps(Red, Green), Blue));
     }
 
-private:
-    static __m128 Scale(__m128i Bytes, float Share) { return _mm_mul_ps(_mm_cvtepi32_ps(Bytes), _mm_set1_ps(Share)); }
+    __m128i Apply(__m128i Dst, __m128i Src) const
+    {
+        const __m128i Gray = Grays(Src);
+        const __m128i Twice = _mm_or_si128(Gray, _mm_slli_epi32(Gray, 8));
+        const __m128i Thrice = _mm_or_si128(Twice, _mm_slli_epi32(Gray, 16));
+        return Select(_mm_or_si128(Key.Matches(Dst), Splat(gReservedBits)), Dst, Thrice);
+    }
 
     COLOR_TEST Key;
+
+    static __m128 Scale(__m128i Bytes, float Share) { return _mm_mul_ps(_mm_cvtepi32_ps(Bytes), _mm_set1_ps(Share)); }
 };
+
+// Cut-outs come in long stretches: eight key pixels need nothing, eight pixels without a key no choosing.
+inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const GRAY_RULE& Rule)
+{
+    const __m128i FirstDst = FOUR_PIXELS::Load(Dst);
+    const __m128i SecondDst = FOUR_PIXELS::Load(Dst + 4);
+    __m128i FirstKept = Rule.Key.Matches(FirstDst);
+    __m128i SecondKept = Rule.Key.Matches(SecondDst);
+    const int Which = _mm_movemask_epi8(_mm_packs_epi32(FirstKept, SecondKept));
+    if (Which == 0xFFFF) {
+        return;
+    }
+    const __m128i Words =
+        _mm_packs_epi32(GRAY_RULE::Grays(FOUR_PIXELS::Load(Src)), GRAY_RULE::Grays(FOUR_PIXELS::Load(Src + 4)));
+    const __m128i Twice = _mm_mullo_epi16(Words, Splat(0x01010101)); // the byte in both halves of its word
+    __m128i First = _mm_unpacklo_epi16(Twice, Words);                // and once more, below a zero
+    __m128i Second = _mm_unpackhi_epi16(Twice, Words);
+    if (Which != 0) {
+        First = _mm_andnot_si128(FirstKept, First);
+        Second = _mm_andnot_si128(SecondKept, Second);
+    }
+    FirstKept = _mm_or_si128(FirstKept, Splat(gReservedBits));
+    SecondKept = _mm_or_si128(SecondKept, Splat(gReservedBits));
+    FOUR_PIXELS::Store(Dst, _mm_or_si128(First, _mm_and_si128(FirstKept, FirstDst)));
+    FOUR_PIXELS::Store(Dst + 4, _mm_or_si128(Second, _mm_and_si128(SecondKept, SecondDst)));
+}
 
 // --- Pointer ---
 
@@ -307,10 +337,9 @@ inline __m128i SplatClass(PIXEL Color, UINT8 Class)
     return SplatPixel(Color);
 }
 
-// The classes are told by the pixel as a signed number, which its reserved byte leads: LINE_CHART_LINE alone is positive,
-// LINE_CHART_FILL is the lowest.
-class SERIES_RULE {
-public:
+// The classes are told by the pixel as a signed number, which its reserved byte leads: LINE_CHART_LINE alone is
+// positive, LINE_CHART_FILL is the lowest.
+struct SERIES_RULE {
     explicit SERIES_RULE(const CHART_LAYER_ROW& Row)
         : Blend(Splat(PixelWord(Row.Blend) & gColorBits)), Line(SplatPixel(Row.Line))
     {
@@ -323,33 +352,10 @@ public:
         return Select(IsLine, Line, Select(IsFill, Filled(Dst), Dst));
     }
 
-    // The same for eight pixels. What is above a curve and what is below it come in long stretches: eight pixels above
-    // need nothing, eight of fill no choosing.
-    VOID ApplyToEight(__m128i* First, __m128i* Second, const PIXEL* Layer) const
-    {
-        const __m128i FirstPlotted = FOUR_PIXELS::Load(Layer);
-        const __m128i SecondPlotted = FOUR_PIXELS::Load(Layer + 4);
-        const __m128i Both = _mm_and_si128(FirstPlotted, SecondPlotted);
-        if (TopBits(_mm_slli_epi32(Both, 1)) == gAllFour) {
-            return; // LINE_CHART_ABOVE is the only class with the second bit
-        }
-        const __m128i Either = _mm_or_si128(FirstPlotted, SecondPlotted);
-        if (TopBits(Both) == gAllFour && TopBits(_mm_slli_epi32(Either, 1)) == 0) {
-            *First = Filled(*First);
-            *Second = Filled(*Second);
-            return;
-        }
-        *First = Apply(*First, FirstPlotted);
-        *Second = Apply(*Second, SecondPlotted);
-    }
-
-private:
-    static constexpr int gAllFour = 15;
-    static int TopBits(__m128i Pixels) { return _mm_movemask_ps(_mm_castsi128_ps(Pixels)); }
-
     __m128i Filled(__m128i Dst) const
     {
-        // There is no shift of bytes: the bit that each gets from its neighbour is cut off, and so is the reserved byte.
+        // There is no shift of bytes: the bit that each gets from its neighbour is cut off, and so is the reserved
+        // byte.
         const __m128i Half = _mm_and_si128(_mm_srli_epi16(Dst, 1), Splat(0x007F7F7F));
         return _mm_or_si128(_mm_add_epi8(Half, Blend), _mm_and_si128(Dst, Splat(gReservedBits)));
     }
@@ -357,6 +363,22 @@ private:
     __m128i Blend;
     __m128i Line;
 };
+
+// What eight pixels of a layer are together.
+enum EIGHT_CLASS { EIGHT_ABOVE, EIGHT_FILL, EIGHT_MIXED };
+
+inline EIGHT_CLASS ClassOfEight(__m128i First, __m128i Second)
+{
+    constexpr int AllFour = 15;
+    const auto TopBits = [](__m128i Pixels) { return _mm_movemask_ps(_mm_castsi128_ps(Pixels)); };
+    const __m128i Both = _mm_and_si128(First, Second);
+    // Only LINE_CHART_ABOVE has the second bit, only LINE_CHART_LINE hasn't the first.
+    if (TopBits(_mm_slli_epi32(Both, 1)) == AllFour) {
+        return EIGHT_ABOVE;
+    }
+    const __m128i Either = _mm_or_si128(First, Second);
+    return TopBits(Both) == AllFour && TopBits(_mm_slli_epi32(Either, 1)) == 0 ? EIGHT_FILL : EIGHT_MIXED;
+}
 
 } // namespace
 
@@ -373,7 +395,7 @@ VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN 
         ApplyToBlock(Dst, Src, Columns, Rows, BLEND_RULE{COLOR_TEST(*Blend), MIXER(*Blend, Percent)});
     } else {
         ApplyToBlock(Dst, Src, Columns, Rows,
-                 KEY_AND_BLEND_RULE{COLOR_TEST(*Key), {COLOR_TEST(*Blend), MIXER(*Blend, Percent)}});
+                     KEY_AND_BLEND_RULE{COLOR_TEST(*Key), {COLOR_TEST(*Blend), MIXER(*Blend, Percent)}});
     }
 }
 
@@ -422,10 +444,32 @@ VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, c
     const SERIES_RULE UpperRule(Upper);
     UINTN I = 0;
     for (; I + 8 <= Count; I += 8) {
+        // What is above a curve and what is below it come in long stretches, which need less work or none.
+        const __m128i FirstLower = FOUR_PIXELS::Load(Lower.Layer + I);
+        const __m128i SecondLower = FOUR_PIXELS::Load(Lower.Layer + I + 4);
+        const __m128i FirstUpper = FOUR_PIXELS::Load(Upper.Layer + I);
+        const __m128i SecondUpper = FOUR_PIXELS::Load(Upper.Layer + I + 4);
+        const EIGHT_CLASS LowerClass = ClassOfEight(FirstLower, SecondLower);
+        const EIGHT_CLASS UpperClass = ClassOfEight(FirstUpper, SecondUpper);
+        if (LowerClass == EIGHT_ABOVE && UpperClass == EIGHT_ABOVE) {
+            continue;
+        }
         __m128i First = FOUR_PIXELS::Load(Pixels + I);
         __m128i Second = FOUR_PIXELS::Load(Pixels + I + 4);
-        LowerRule.ApplyToEight(&First, &Second, Lower.Layer + I);
-        UpperRule.ApplyToEight(&First, &Second, Upper.Layer + I);
+        if (LowerClass == EIGHT_FILL) {
+            First = LowerRule.Filled(First);
+            Second = LowerRule.Filled(Second);
+        } else if (LowerClass == EIGHT_MIXED) {
+            First = LowerRule.Apply(First, FirstLower);
+            Second = LowerRule.Apply(Second, SecondLower);
+        }
+        if (UpperClass == EIGHT_FILL) {
+            First = UpperRule.Filled(First);
+            Second = UpperRule.Filled(Second);
+        } else if (UpperClass == EIGHT_MIXED) {
+            First = UpperRule.Apply(First, FirstUpper);
+            Second = UpperRule.Apply(Second, SecondUpper);
+        }
         FOUR_PIXELS::Store(Pixels + I, First);
         FOUR_PIXELS::Store(Pixels + I + 4, Second);
     }
@@ -433,49 +477,6 @@ VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, c
         const __m128i Ground = LowerRule.Apply(Part.Load(Pixels + At), Part.Load(LowerLayer + At));
         Part.Store(Pixels + At, UpperRule.Apply(Ground, Part.Load(UpperLayer + At)));
     });
-}
-
-#else
-
-VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
-                   const PIXEL* Blend, UINT32 Percent)
-{
-    plain::OverlayPixels(Dst, Src, Columns, Rows, Key, Blend, Percent);
-}
-
-VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 Percent)
-{
-    plain::TintPixels(Dst, Columns, Rows, Color, Percent);
-}
-
-VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, PIXEL Key)
-{
-    plain::GrayPixels(Dst, Src, Columns, Rows, Key);
-}
-
-VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
-{
-    plain::FillPixels(Dst, Count, Color);
-}
-
-VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
-{
-    plain::CopyPixels(Dst, Src, Columns, Rows);
-}
-
-VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count)
-{
-    plain::LayPointerPixels(Dst, Image, Count);
-}
-
-VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line)
-{
-    plain::PlotChartRow(Layer, Columns, Count, Height, Fill, Line);
-}
-
-VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, const CHART_LAYER_ROW& Upper)
-{
-    plain::ComposeChartRow(Pixels, Count, Lower, Upper);
 }
 
 #endif

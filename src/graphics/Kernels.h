@@ -47,18 +47,18 @@ struct CHART_COLUMNS {
 };
 
 // Lays Columns x Rows pixels of Src over Dst. Key and Blend may be null; for each pixel the first rule that applies
-// decides. Equal to *Key: the destination stays. Equal to *Blend: each of its colour bytes becomes
-// ((100 - Percent) x destination + Percent x source) / 100, the remainder dropped, and its reserved byte stays. Else the
-// source pixel replaces it. Percent is 1 to 99.
+// decides. Equal to *Key: the destination stays. Equal to *Blend: each of its colour bytes becomes ((100 - Percent) x
+// destination + Percent x source) / 100, the remainder dropped, and its reserved byte stays. Else the source pixel
+// replaces it. Percent is 1 to 99.
 VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
                    const PIXEL* Blend, UINT32 Percent);
 
 // Mixes Percent (1 to 99) of Color into Columns x Rows pixels, by the rule above for a source that is all Blend.
 VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 Percent);
 
-// Gives each pixel of Dst the gray of the Src pixel at its place, unless it has the colour Key; its reserved byte stays.
-// The gray is (red x its share + green x its share) + blue x its share, each step rounded to single precision, without
-// its fraction.
+// Gives each pixel of Dst the gray of the Src pixel at its place, unless it has the colour Key; its reserved byte
+// stays. The gray is (red x its share + green x its share) + blue x its share, each step rounded to single precision,
+// without its fraction.
 VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, PIXEL Key);
 
 // Count pixels of one colour.

@@ -276,10 +276,10 @@ TEST_F(KernelsTest, GrayingGivesWhatThePlainTwinGivesInPlaceAndFromAnotherBuffer
         const BLOCKS Blocks = MakeBlocks();
         const PIXEL Key = RandomColor();
         const bool InPlace = Coin();
-        plain::GrayPixels({Expected, Blocks.DstStride}, {InPlace ? Expected : Src, InPlace ? Blocks.DstStride : Blocks.SrcStride},
-                          Blocks.Columns, Blocks.Rows, Key);
-        GrayPixels({Dst, Blocks.DstStride}, {InPlace ? Dst : Src, InPlace ? Blocks.DstStride : Blocks.SrcStride},
-                   Blocks.Columns, Blocks.Rows, Key);
+        const UINTN Stride = InPlace ? Blocks.DstStride : Blocks.SrcStride;
+        plain::GrayPixels({Expected, Blocks.DstStride}, {InPlace ? Expected : Src, Stride}, Blocks.Columns,
+                          Blocks.Rows, Key);
+        GrayPixels({Dst, Blocks.DstStride}, {InPlace ? Dst : Src, Stride}, Blocks.Columns, Blocks.Rows, Key);
     });
 }
 
