@@ -1,0 +1,197 @@
+#include "controls/CheckBox.h"
+
+#include <algorithm>
+
+#include "shell/Services.h"
+#include "tests/gui/ToolkitBench.h"
+
+namespace {
+
+std::string gRan; // what the links' functions did
+
+EFI_STATUS RunLink(EFI_EVENT, VOID* Context)
+{
+    gRan += static_cast<const char*>(Context);
+    return EFI_SUCCESS;
+}
+
+VOID* Tag(const char* Text) { return const_cast<char*>(Text); }
+
+// A fan's box at (286, 232), 20 by 20.
+struct CHECK_BOX : TOOLKIT {
+    CHECK_BOX_COMPONENT* Box = nullptr;
+
+    CHECK_BOX()
+    {
+        gRan.clear();
+        EXPECT_EQ(CreateCheckBox(&Box, nullptr, 286, 232, 19, &gArtworkFileGuid, CHECK_BOX_BMP, 0, 0), EFI_SUCCESS);
+    }
+    ~CHECK_BOX() override { (void)DestroyCheckBox(Box); }
+
+    // What the pointer engine does at a click while the pointer is there.
+    VOID Click(INT64 X, INT64 Y)
+    {
+        gGuiCore->PointerX = X;
+        gGuiCore->PointerY = Y;
+        gGuiCore->HitId = Box->Id;
+        gGuiCore->MouseState = L_CLICK;
+        (void)OnCheckBoxEvent(nullptr, Box);
+        (void)SetCheckBoxState(nullptr, Box);
+        gGuiCore->MouseState = NOEVENT;
+    }
+    // The frame that Screen shows at the box; -1 for none.
+    int Frame() const
+    {
+        for (int I = 0; I < 4; I++) {
+            bool Same = true;
+            for (UINTN At = 0; At < 400 && Same; At++) {
+                Same = ColorAt(gGuiCore->Screen, 286 + At % 20, 232 + At / 20) == ColorOf(Box->Frame[I][At]);
+            }
+            if (Same) {
+                return I;
+            }
+        }
+        return -1;
+    }
+};
+
+TEST_F(CHECK_BOX, ComesUpCheckedAndFollowsPointerAndClick)
+{
+    EXPECT_EQ(Box->State, 1);
+    EXPECT_EQ(Box->Rect.Width, 20u);
+    EXPECT_EQ(Box->Rect.Height, 20u);
+    const auto Hover = [this](UINT32 Phase) {
+        gGuiCore->HitId = Box->Id;
+        gGuiCore->HoverPhase = Phase;
+        EXPECT_EQ(OnCheckBoxEvent(nullptr, Box), EFI_SUCCESS);
+        gGuiCore->HoverPhase = HOVER_NONE;
+        return Frame();
+    };
+    (void)SetCheckBoxState(nullptr, Box);
+    EXPECT_EQ(Frame(), 0);
+    EXPECT_EQ(Hover(HOVER_ENTERED), 2);
+    EXPECT_EQ(Hover(HOVER_LEFT), 0);
+    Click(290, 240);
+    EXPECT_EQ(Box->State, 0);
+    EXPECT_EQ(Frame(), 1) << "the click ends with the frame at rest";
+    EXPECT_EQ(Hover(HOVER_ENTERED), 3);
+    EXPECT_EQ(Hover(HOVER_LEFT), 1);
+
+    gGuiCore->HitId = 0;
+    gGuiCore->LastHitId = 0;
+    EXPECT_EQ(OnCheckBoxEvent(nullptr, Box), EFI_NOT_FOUND);
+}
+
+TEST_F(CHECK_BOX, RunsItsLinksAtAClickAndMirrorsAlways)
+{
+    GUI_RECT Rect = {1, 1, 1, 1, 4};
+    UINT32 Ids[3];
+    GUI_COMPONENT* Parts[3];
+    for (UINTN I = 0; I < 3; I++) {
+        (void)RegisterComponent(gGuiCore->Components, nullptr, &Rect, _BLT_BUF, &Ids[I], nullptr, nullptr, u"part");
+        (void)FindComponent(gGuiCore->Components, static_cast<UINT16>(Ids[I]), &Parts[I]);
+    }
+    UINT8 Bytes[7] = {9, 9, 9, 9, 9, 9, 9};
+    const struct {
+        const char* Tag;
+        UINT8 Kind;
+        UINT32 Component;
+    } Links[7] = {
+        {"o", CHECK_BOX_LINK_OUTSIDE, 0}, {"i", CHECK_BOX_LINK_INSIDE, Ids[0]}, {"u", CHECK_BOX_LINK_UNCHECKED, Ids[2]},
+        {"c", CHECK_BOX_LINK_CHECKED, Ids[1]}, {"c", CHECK_BOX_LINK_CHECKED, 0}, {"i", CHECK_BOX_LINK_INSIDE, 0},
+        {"never", 4, 0},
+    };
+    for (UINTN I = 0; I < 7; I++) {
+        EXPECT_EQ(AddCheckBoxLink(Box, Tag(Links[I].Tag), RunLink, Links[I].Kind, &Bytes[I],
+                                  static_cast<UINT16>(Links[I].Component)),
+                  EFI_SUCCESS);
+    }
+    const auto AllBytesAre = [&Bytes](UINT8 Value) {
+        return std::all_of(Bytes, Bytes + 7, [Value](UINT8 Byte) { return Byte == Value; });
+    };
+
+    // Set by program: bytes, components and picture follow, and no function runs.
+    Box->State = 0;
+    (void)SetCheckBoxState(nullptr, Box);
+    EXPECT_EQ(gRan, "");
+    EXPECT_TRUE(AllBytesAre(0));
+    EXPECT_EQ(Parts[0]->Active, 0);
+    EXPECT_EQ(Parts[1]->Active, 0);
+    EXPECT_EQ(Parts[2]->Active, 1);
+
+    Click(290, 240);
+    EXPECT_EQ(gRan, "ccii") << "both of a kind by one signal, and the inside last";
+    EXPECT_TRUE(AllBytesAre(1));
+    EXPECT_EQ(Parts[0]->Active, 0) << "an inside link switches nothing";
+    EXPECT_EQ(Parts[1]->Active, 1);
+    EXPECT_EQ(Parts[2]->Active, 0);
+
+    gRan.clear();
+    Click(305, 251); // the last pixel inside
+    EXPECT_EQ(gRan, "uii");
+    EXPECT_TRUE(AllBytesAre(0));
+    EXPECT_EQ(Parts[1]->Active, 0);
+    EXPECT_EQ(Parts[2]->Active, 1);
+
+    gRan.clear();
+    Click(306, 251);
+    EXPECT_EQ(gRan, "cco") << "the click ended elsewhere";
+}
+
+TEST_F(CHECK_BOX, AClickInsideWithoutAnInsideLinkCountsAsOutside)
+{
+    UINT8 Byte = 9;
+    (void)AddCheckBoxLink(Box, Tag("o"), RunLink, CHECK_BOX_LINK_OUTSIDE, &Byte, 0);
+    Click(290, 240);
+    EXPECT_EQ(gRan, "o");
+    // A link without a function still mirrors.
+    UINT8 Silent = 9;
+    (void)AddCheckBoxLink(Box, nullptr, nullptr, CHECK_BOX_LINK_INSIDE, &Silent, 0);
+    Click(290, 240);
+    EXPECT_EQ(Silent, 1);
+}
+
+TEST_F(CHECK_BOX, NamesItselfByTheBoxesBeforeIt)
+{
+    const auto NameOf = [](const CHECK_BOX_COMPONENT* Of) { return std::u16string(Of->Name); };
+    const std::u16string First = NameOf(Box);
+    CHECK_BOX_COMPONENT* Captioned = nullptr;
+    CHECK_BOX_COMPONENT* Next = nullptr;
+    (void)CreateCheckBox(&Captioned, u"CPU", 55, 296, 18, &gArtworkFileGuid, CHECK_BOX_JPEG, 56, 7);
+    (void)CreateCheckBox(&Next, nullptr, 286, 232, 19, &gArtworkFileGuid, CHECK_BOX_BMP, 0, 0);
+    EXPECT_EQ(First.substr(0, 10), u"Check_Box_");
+    EXPECT_EQ(NameOf(Captioned), u"CPU");
+    EXPECT_EQ(std::stoi(std::string(First.begin() + 10, First.end())) + 2, static_cast<int>(gCheckBoxCount) - 1);
+    const std::string Number = std::to_string(gCheckBoxCount - 1);
+    EXPECT_EQ(NameOf(Next), u"Check_Box_" + std::u16string(Number.begin(), Number.end()));
+    (void)DestroyCheckBox(Captioned);
+    (void)DestroyCheckBox(Next);
+}
+
+TEST_F(CHECK_BOX, IsNotMadeFromAnUnknownFormat)
+{
+    CHECK_BOX_COMPONENT* None = nullptr;
+    EXPECT_EQ(CreateCheckBox(&None, nullptr, 1, 1, 19, &gArtworkFileGuid, 2, 0, 0), EFI_OUT_OF_RESOURCES);
+    FailNextAllocation();
+    EXPECT_EQ(CreateCheckBox(&None, nullptr, 1, 1, 19, &gArtworkFileGuid, CHECK_BOX_BMP, 0, 0), EFI_OUT_OF_RESOURCES);
+    EXPECT_EQ(None, nullptr);
+    EXPECT_EQ(Boot->Consoles.OutputText, "AllocatePool Fail (CreateCheckBox) ,Status=Out of Resources\n");
+    EXPECT_EQ(AddCheckBoxLink(nullptr, nullptr, RunLink, 0, nullptr, 0), EFI_LOAD_ERROR);
+    EXPECT_EQ(DestroyCheckBox(nullptr), EFI_NOT_FOUND);
+}
+
+TEST_F(CHECK_BOX, KeepsItsPicturesFreeOfThePointer)
+{
+    // Painted while the button is held over it, as a key's command does, and once more when the pointer has gone.
+    gGuiCore->PointerX = 288;
+    gGuiCore->PointerY = 234;
+    gGuiCore->MouseState = L_HOLD;
+    const std::vector<PIXEL> Before(Box->Images, Box->Images + 20 * 80);
+    DrawCheckBox(CHECK_BOX_CHECKED, Box);
+    gGuiCore->MouseState = NOEVENT;
+    for (UINTN I = 0; I < Before.size(); I++) {
+        ASSERT_EQ(ColorOf(Box->Images[I]), ColorOf(Before[I])) << "pixel " << I;
+    }
+}
+
+} // namespace

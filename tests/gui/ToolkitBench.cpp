@@ -1,0 +1,80 @@
+#include "tests/gui/ToolkitBench.h"
+
+#include <nlohmann/json.hpp>
+
+#include "platform/board/ArtworkPack.h"
+#include "shell/Board.h"
+#include "shell/Main.h"
+#include "support/Library.h"
+
+std::ostream& operator<<(std::ostream& Out, const BLT_CALL& Call)
+{
+    return Out << "(" << Call.X << ", " << Call.Y << ") " << Call.Width << " by " << Call.Height << ", delta "
+               << Call.Delta;
+}
+
+VOID TOOLKIT::Begin(UINT8 Generation)
+{
+    BOOT_OPTIONS Options;
+    Options.Generation = Generation;
+    Options.ArtworkPack = gArtworkPack;
+    Options.ArtworkPackSize = gArtworkPackSize;
+    Boot = std::make_unique<BOOT>(Options);
+    Boot->Complaints.Quiet = true;
+    Boot->Trace.Keep = true;
+    ASSERT_EQ(Boot->InstallBoard(), EFI_SUCCESS);
+    RunLibraryConstructors(Boot->BeginStart(), &Boot->ConsoleTable);
+    ASSERT_EQ(LocateProtocols(), EFI_SUCCESS);
+    ASSERT_EQ(CreateGuiCore(), EFI_SUCCESS);
+    FillPixels(gGuiCore->Screen, gScreenWidth * gScreenHeight, gScreenFill);
+    FillPixels(gGuiCore->Background, gScreenWidth * gScreenHeight, gBackgroundFill);
+    Boot->Trace.Lines.clear();
+}
+
+VOID TOOLKIT::End()
+{
+    (void)DestroyGuiCore();
+    gGuiCore = nullptr;
+    ReleasePool(gSavedScreen);
+    RunLibraryDestructors(gImageHandle);
+    for (const POOL_BLOCK& Block : Boot->Pool.Held(1)) {
+        ADD_FAILURE() << "pool still held: " << DescribeBlock(Block);
+    }
+    Boot->RemoveBoard();
+    for (const std::string& Complaint : Boot->Complaints.Lines) {
+        ADD_FAILURE() << "the firmware complains: " << Complaint;
+    }
+    Boot.reset();
+}
+
+std::vector<BLT_CALL> TOOLKIT::Blts()
+{
+    std::vector<BLT_CALL> Calls;
+    for (const std::string& Line : Boot->Trace.Lines) {
+        const nlohmann::json Object = nlohmann::json::parse(Line);
+        if (Object["call"] == "Blt") {
+            EXPECT_EQ(Object["status"], "0x0000000000000000");
+            Calls.push_back({Object["x"], Object["y"], Object["width"], Object["height"], Object["delta"]});
+        }
+    }
+    Boot->Trace.Lines.clear();
+    return Calls;
+}
+
+std::vector<std::string> TOOLKIT::Fields(const std::string& Call, const std::string& Field)
+{
+    std::vector<std::string> Found;
+    for (const std::string& Line : Boot->Trace.Lines) {
+        const nlohmann::json Object = nlohmann::json::parse(Line);
+        if (Object["call"] == Call) {
+            const nlohmann::json& Value = Object[Field];
+            Found.push_back(Value.is_string() ? Value.get<std::string>() : Value.dump());
+        }
+    }
+    Boot->Trace.Lines.clear();
+    return Found;
+}
+
+UINT32 ColorOf(PIXEL Pixel) { return UINT32{Pixel.Red} << 16 | UINT32{Pixel.Green} << 8 | Pixel.Blue; }
+
+UINT32 ColorAt(const PIXEL* Surface, UINTN X, UINTN Y) { return ColorOf(Surface[Y * gScreenWidth + X]); }
