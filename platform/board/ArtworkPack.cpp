@@ -1,5 +1,7 @@
 #include "platform/board/ArtworkPack.h"
+
 #include "platform/board/ArtworkSections.h"
+#include "shell/Services.h"
 
 struct ARTWORK_OVERRIDE {
     UINT32 Instance;
@@ -98,6 +100,16 @@ static const ARTWORK_OVERRIDE* FindOverride(UINT32 Instance) {
     return nullptr;
 }
 
+static bool HasSection(UINT32 Instance) {
+    for (UINT32 Index = 0; Index < gSectionCount; Index++) {
+        const ARTWORK_PACK_ENTRY Entry = ReadEntry(gPack, Index);
+        if (Entry.File == ARTWORK_FILE_MAIN && Entry.Instance == Instance) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool FindArtworkSection(UINT8 File, UINT8 SectionType, const UINT32* Instance, const UINT8** Data, UINTN* Size) {
     for (UINT32 Index = 0; Index < gSectionCount; Index++) {
         const ARTWORK_PACK_ENTRY Entry = ReadEntry(gPack, Index);
@@ -113,5 +125,13 @@ bool FindArtworkSection(UINT8 File, UINT8 SectionType, const UINT32* Instance, c
         *Size = Override != nullptr ? Override->Size : Entry.Size;
         return true;
     }
-    return false;
+    // A number that the pack doesn't have may come from a script alone.
+    const ARTWORK_OVERRIDE* Added = Instance != nullptr && *Instance != 0 ? FindOverride(*Instance) : nullptr;
+    if (File != ARTWORK_FILE_MAIN || !IsType(EFI_SECTION_RAW, SectionType) || Added == nullptr ||
+        Added->Data == nullptr || HasSection(*Instance)) {
+        return false;
+    }
+    *Data = Added->Data;
+    *Size = Added->Size;
+    return true;
 }

@@ -26,7 +26,9 @@ UINT64 CLOCK::Nanoseconds() const { return Virtual ? mNanoseconds : ReadMonotoni
 void CLOCK::Advance(UINT64 Microseconds)
 {
     if (Virtual) {
-        mNanoseconds += Microseconds * 1000;
+        // It stands still at the end of its range rather than go back.
+        const UINT64 Room = (~0ull - mNanoseconds) / 1000;
+        mNanoseconds += (Microseconds < Room ? Microseconds : Room) * 1000;
     }
 }
 

@@ -14,6 +14,21 @@ VOID OnStopSignal(int) { RequestStop(); }
 
 VOID Say(const std::string& Line) { std::fprintf(stderr, "%s\n", Line.c_str()); }
 
+// Found out before the session, so that nobody plays one for nothing. An empty path isn't asked for.
+bool CanBeWritten(const char* Option, const std::string& Path)
+{
+    if (Path.empty()) {
+        return true;
+    }
+    FILE* File = std::fopen(Path.c_str(), "ab");
+    if (File == nullptr) {
+        Say(std::string("ventara: ") + Option + " " + Path + ": expected a file that can be written");
+        return false;
+    }
+    (void)std::fclose(File);
+    return true;
+}
+
 int RunCommand(COMMAND& Command)
 {
     SESSION_OPTIONS& Options = Command.Session;
@@ -31,6 +46,9 @@ int RunCommand(COMMAND& Command)
             Say(Error);
             return EXIT_BAD_USE;
         }
+    }
+    if (!CanBeWritten("--record", Options.RecordPath) || !CanBeWritten("--screenshot", Command.ScreenshotPath)) {
+        return EXIT_BAD_USE;
     }
     if (!Command.TracePath.empty()) {
         Options.TraceFile = std::fopen(Command.TracePath.c_str(), "w");

@@ -1,11 +1,14 @@
 #include "platform/host/Player.h"
 
+#include <algorithm>
+
 #include "platform/board/ArtworkPack.h"
 #include "platform/host/Png.h"
 
 namespace {
 
 constexpr UINT64 gTickMicroseconds = 200000;
+constexpr UINT64 gMostTicks = ~0ull / gTickMicroseconds;
 
 } // namespace
 
@@ -39,7 +42,7 @@ PLAYER_NEXT PLAYER::RunAfterReturn(BOOT& Boot)
             return Command.Verb == SCRIPT_START ? NEXT_START : NEXT_RESET;
         }
         if (Command.Verb == SCRIPT_TICK) {
-            Boot.Clock.Advance(Command.Count * gTickMicroseconds);
+            Boot.Clock.Advance(std::min(Command.Count, gMostTicks) * gTickMicroseconds);
         } else if (Command.Verb != SCRIPT_TURN) {
             Do(Boot, Command);
         }
@@ -148,8 +151,11 @@ VOID PLAYER::PrepareBoard(BOOT&)
         } else if (Command->ArtworkKind == ARTWORK_TYPE) {
             SetArtworkSectionType(static_cast<UINT8>(Command->Instance));
         } else {
-            const bool None = Command->ArtworkKind == ARTWORK_NONE;
-            OverrideArtwork(Command->Instance, None ? nullptr : Command->Bytes.data(), Command->Bytes.size());
+            // An empty file is a section without bytes, not a missing one.
+            static constexpr UINT8 Empty[1] = {};
+            const UINT8* Bytes = Command->Bytes.empty() ? Empty : Command->Bytes.data();
+            OverrideArtwork(Command->Instance, Command->ArtworkKind == ARTWORK_NONE ? nullptr : Bytes,
+                            Command->Bytes.size());
         }
     }
 }

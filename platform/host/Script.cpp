@@ -149,9 +149,13 @@ const char* ParseRepeat(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
     return ParseCount(Arguments, &Command.Count) ? nullptr : "a count of at least 1";
 }
 
+// More than thirty years; the clock counts nanoseconds in 64 bits.
+constexpr UINT64 gLongestAdvance = 1000000000000000;
+
 const char* ParseAdvance(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
 {
-    return ParseNumber(Arguments.Next(), &Command.Count) ? nullptr : "advance US, in microseconds";
+    const bool Good = ParseNumber(Arguments.Next(), &Command.Count) && Command.Count <= gLongestAdvance;
+    return Good ? nullptr : "advance US, in microseconds, at most 10^15";
 }
 
 const char* ParseReading(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
@@ -206,8 +210,9 @@ const char* ParseFail(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
     if (!FindCall(Arguments.Next(), &Command.Call) || !CallHasStatus(Command.Call)) {
         return "the name of an operation that gives a status, as in the trace";
     }
-    if (!FindStatus(Arguments.Next(), &Command.Status)) {
-        return "the name of a status, such as NOT_FOUND";
+    // A call that said success and did nothing would leave its caller with outputs that nobody filled.
+    if (!FindStatus(Arguments.Next(), &Command.Status) || !EfiError(Command.Status)) {
+        return "the name of an error status, such as NOT_FOUND";
     }
     return ParseRepeat(Arguments, Command);
 }
@@ -286,11 +291,13 @@ constexpr VERB_FACTS gVerbs[] = {
 
 bool LetsTurnsGoBy(SCRIPT_VERB Verb) { return Verb == SCRIPT_TURN || Verb == SCRIPT_TICK || Verb == SCRIPT_START; }
 
-// A comment begins at a '#' that stands first or behind a blank, so that a text may hold one.
+// A comment begins at a '#'. Where the line may hold a text or the name of a file, it has to stand behind a blank.
 std::string_view WithoutComment(std::string_view Line)
 {
+    const std::string_view Word = ARGUMENTS{Line}.Next();
+    const bool HoldsText = Word == "string" || Word == "artwork" || Word == "screenshot";
     for (size_t At = 0; At < Line.size(); At++) {
-        if (Line[At] == '#' && (At == 0 || IsBlank(Line[At - 1]))) {
+        if (Line[At] == '#' && (!HoldsText || At == 0 || IsBlank(Line[At - 1]))) {
             return Line.substr(0, At);
         }
     }
