@@ -53,7 +53,7 @@ constexpr PICTURE gPictures[] = {
     {ARTWORK_FILE_MAIN, 11, "nodes-8", FORMAT::Bmp},
     {ARTWORK_FILE_MAIN, 13, "nodes-6", FORMAT::Bmp},
     {ARTWORK_FILE_MAIN, 15, "about-button", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 16, "about-button", FORMAT::Jpeg},
+    {ARTWORK_FILE_MAIN, 16, "help-button", FORMAT::Jpeg},
     {ARTWORK_FILE_MAIN, 17, "exit-button", FORMAT::Jpeg},
     {ARTWORK_FILE_MAIN, 18, "temperature-radio", FORMAT::Jpeg},
     {ARTWORK_FILE_MAIN, 19, "check-box", FORMAT::Bmp},

@@ -23,11 +23,13 @@ constexpr UINTN gButtonMinimumWidth = 88;
 constexpr UINTN gOutline = 2;
 
 constexpr PIXEL gPanel = {.Blue = 0x24, .Green = 0x24, .Red = 0x24, .Reserved = 0};
-constexpr PIXEL gBorder = {.Blue = 0x6E, .Green = 0x6E, .Red = 0x6E, .Reserved = 0};
+// A dark rim parts the box from what it lies on; inside it runs the cyan of the panel that is open, which the box is now.
+constexpr PIXEL gRim = {.Blue = 0x0A, .Green = 0x0A, .Red = 0x0A, .Reserved = 0};
+constexpr PIXEL gBorder = {.Blue = 0xC7, .Green = 0xC3, .Red = 0x3E, .Reserved = 0};
 constexpr PIXEL gText = {.Blue = 0xC8, .Green = 0xC8, .Red = 0xC8, .Reserved = 0};
-constexpr PIXEL gButtonFill = {.Blue = 0x38, .Green = 0x38, .Red = 0x38, .Reserved = 0};
-constexpr PIXEL gButtonRest = {.Blue = 0x5A, .Green = 0x5A, .Red = 0x5A, .Reserved = 0};
-constexpr PIXEL gButtonHover = {.Blue = 0xFF, .Green = 0xD0, .Red = 0x20, .Reserved = 0};
+constexpr PIXEL gButtonFill = {.Blue = 0x04, .Green = 0x04, .Red = 0x04, .Reserved = 0};
+constexpr PIXEL gButtonRest = {.Blue = 0x43, .Green = 0x40, .Red = 0x3C, .Reserved = 0};
+constexpr PIXEL gButtonHover = {.Blue = 0xF5, .Green = 0xF4, .Red = 0xF2, .Reserved = 0};
 
 // A row of the screen holds no more characters than this, so longer ones are cut.
 constexpr UINTN gRowCapacity = gScreenWidth / gCellWidth;
@@ -295,7 +297,10 @@ EFI_STATUS DrawMessageBox(MESSAGE_BOX* Box) {
     BOX_STATE State = __builtin_bit_cast(BOX_STATE, *Box);
     State.Hover = 0;
     Fill(Display, gPanel, State.X, State.Y, State.BoxWidth, State.BoxHeight);
-    DrawOutline(Display, gBorder, State.X, State.Y, State.BoxWidth, State.BoxHeight, 1);
+    DrawOutline(Display, gRim, State.X, State.Y, State.BoxWidth, State.BoxHeight, 1);
+    if (State.BoxWidth > 2 * gOutline && State.BoxHeight > 2 * gOutline) {
+        DrawOutline(Display, gBorder, State.X + 1u, State.Y + 1u, State.BoxWidth - 2, State.BoxHeight - 2, 1);
+    }
     DrawLines(Display, State);
     if (State.ButtonText != nullptr) {
         DrawButton(Display, State);

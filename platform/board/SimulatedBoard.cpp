@@ -42,19 +42,19 @@ struct ITEM_TEXT {
     const CHAR16* Text;
 };
 
-// The console gives each name a fixed place, in cells of 8 pixels: 6 for a source, 8 for a fan, 15 for a voltage. The
-// blanks in front centre a title in its button.
+// The console gives each name a fixed place, in cells of 8 pixels: 6 for a source, 8 for a fan, 15 for a voltage. A
+// fan's name of 4 to 6 cells stands in the middle of its tab. The blanks in front centre a title in its button.
 constexpr ITEM_TEXT gItemTexts[] = {
     {0, u"CPU"},
     {1, u"System"},
     {2, u"PCH"},
-    {4, u"CPU Fan"},
-    {5, u"CPU Opt"},
-    {6, u"System 1"},
-    {7, u"System 2"},
-    {8, u"System 3"},
-    {9, u"System 4"},
-    {10, u"Pump"},
+    {4, u"CPU 1"},
+    {5, u"CPU 2"},
+    {6, u"Case 1"},
+    {7, u"Case 2"},
+    {8, u"Case 3"},
+    {9, u"Case 4"},
+    {10, u" Pump"},
     {11, u"CPU Core"},
     {12, u"CPU I/O"},
     {13, u"System/3.3V"},
@@ -64,7 +64,7 @@ constexpr ITEM_TEXT gItemTexts[] = {
     {17, u"DRAM"},
     {STRING_GAUGE_CAPTION, u"Voltages"},
     {STRING_FULL_SPEED, u"   Full Speed"},
-    {STRING_DEFAULT, u"    Default"},
+    {STRING_DEFAULT, u"     Default"},
     {STRING_CANCEL, u"     Cancel"},
     {STRING_ABOUT, u"About"},
     {STRING_HELP, u"Help"},
