@@ -167,3 +167,25 @@ def write_animation(path, frames):
     with open(path, "wb") as file:
         file.write(b"".join(data))
     return len(merged)
+
+
+def count_frames(data):
+    """The pictures of an animated PNG file's bytes, each of which has to unpack to its whole size."""
+    frames, packed, size = 0, b"", (0, 0)
+
+    def end_frame():
+        width, height = size
+        if packed and len(zlib.decompress(packed)) != height * (4 * width + 1):
+            raise ValueError(f"picture {frames} isn't whole")
+
+    for name, body in _chunks(data):
+        if name == b"fcTL":
+            end_frame()
+            packed, size = b"", struct.unpack(">II", body[4:12])
+            frames += 1
+        elif name == b"IDAT":
+            packed += body
+        elif name == b"fdAT":
+            packed += body[4:]
+    end_frame()
+    return frames
