@@ -29,8 +29,8 @@ STILLS = (
     ("drag-thumb.png", "tour-drag-thumb.png", PANEL),
     ("fixed-level.png", "tour-level-changed.png", PANEL),
     ("full-speed.png", "tour-full-speed.png", PANEL),
-    ("about.png", "tour-about.png", SCREEN),
-    ("help.png", "tour-help.png", SCREEN),
+    ("about.png", "tour-about.png", (286, 226, 330, 160)),
+    ("help.png", "tour-help.png", (286, 145, 430, 290)),
 )
 
 
