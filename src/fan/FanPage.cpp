@@ -252,6 +252,9 @@ VOID ReadSettingIntoBox(FAN_PAGE* Page)
     (void)ReadFanSetting(Page, &Page->Setting);
     if (Page->CheckBox != nullptr) {
         Page->CheckBox->State = Page->Setting.CurveEnabled != 0 ? 1 : 0;
+        // The box's links bring the state here too, but when the page first comes up the firmware may run the frame's
+        // repaint before the box; the frame would then stay without its nodes.
+        Page->Frame.Linked = Page->CheckBox->State;
     }
 }
 
