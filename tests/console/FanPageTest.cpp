@@ -62,11 +62,10 @@ TEST(FanPage, TabTextsAreMovedByTheLayoutsBlanks)
         return false;
     };
     const RUN Full = SCENE("full").Play();
-    for (const char* Text : {"    CPU Fan", "    CPU Opt", "   System 1", "   System 2", "   System 3", "   System 4",
-                             "   Pump"}) {
+    for (const char* Text : {"    CPU 1", "    CPU 2", "   Case 1", "   Case 2", "   Case 3", "   Case 4", "    Pump"}) {
         EXPECT_TRUE(HasText(Full, Text)) << Text;
     }
-    EXPECT_TRUE(HasText(SCENE("kind0").Play(), "   CPU Opt"));
+    EXPECT_TRUE(HasText(SCENE("kind0").Play(), "   CPU 2"));
 }
 
 TEST(FanPage, OfAFanOfAnUnknownKindDoesNotExist)
