@@ -17,12 +17,23 @@ FIRMWARE_PAIRS = (
     ("/usr/share/edk2/x64/OVMF_CODE.4m.fd", "/usr/share/edk2/x64/OVMF_VARS.4m.fd"),
     ("/usr/share/edk2/ovmf/OVMF_CODE.fd", "/usr/share/edk2/ovmf/OVMF_VARS.fd"),
 )
+# A firmware with Secure Boot on, which trusts a key that everybody has: for trying signed images.
+SECURE_BOOT_PAIR = ("/usr/share/OVMF/OVMF_CODE_4M.secboot.fd", "/usr/share/OVMF/OVMF_VARS_4M.snakeoil.fd")
+SECURE_BOOT_KEY = ("/usr/share/ovmf/PkKek-1-snakeoil.key", "/usr/share/ovmf/PkKek-1-snakeoil.pem")
+SECURE_BOOT_PASSWORD = "snakeoil"
 
 # What stands for a mouse. PS/2 is in every machine; a tablet gives the window a pointer without grabbing it.
 POINTERS = {
     "ps2": [],
     "tablet": ["-device", "qemu-xhci", "-device", "usb-tablet"],
     "mouse": ["-device", "qemu-xhci", "-device", "usb-mouse"],
+}
+
+# What stands for a graphics adapter: a usual one, one whose memory is too small for 1024 by 768, or none.
+GRAPHICS = {
+    "std": ["-device", "VGA"],
+    "small": ["-device", "VGA,vgamem_mb=2"],
+    "none": [],
 }
 
 
@@ -45,21 +56,23 @@ def find_firmware():
     raise MissingTool("OVMF, the firmware for QEMU, isn't installed: apt-get install ovmf")
 
 
-def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", firmware=None):
+def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", graphics="std", secure_boot=False):
     """The command line up to what shows the display. folder takes the copied variable store and the logs."""
-    code, variables = firmware or find_firmware()
+    code, variables = SECURE_BOOT_PAIR if secure_boot else find_firmware()
     store = os.path.join(folder, "variables.fd")
     shutil.copyfile(variables, store)
     os.chmod(store, 0o600)
     return [
-        find_qemu(), "-machine", f"q35,accel={accel}", "-m", str(memory), "-nodefaults", "-no-user-config", "-vga", "std",
+        find_qemu(), "-machine", f"q35,accel={accel}" + (",smm=on" if secure_boot else ""), "-m", str(memory), "-nodefaults", "-no-user-config", "-vga", "none",
         "-drive", f"if=pflash,format=raw,unit=0,readonly=on,file={code}",
         "-drive", f"if=pflash,format=raw,unit=1,file={store}",
         "-drive", f"if=ide,format=raw,snapshot=on,file={image}",
         "-debugcon", f"file:{os.path.join(folder, 'debug.log')}", "-global", "isa-debugcon.iobase=0x402",
         "-serial", f"file:{os.path.join(folder, 'serial.log')}",
         "-qmp", f"unix:{os.path.join(folder, 'qmp.sock')},server=on,wait=off",
-        *POINTERS[pointer],
+        *GRAPHICS[graphics], *POINTERS[pointer],
+        # Only the firmware itself may write the variable store, or Secure Boot would be a word.
+        *(["-global", "driver=cfi.pflash01,property=secure,value=on"] if secure_boot else []),
     ]
 
 

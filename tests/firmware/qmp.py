@@ -1,7 +1,7 @@
 """A machine under QEMU that a test drives as a person would: looks at its screen, moves its mouse, presses its keys.
 
     with Machine(image) as machine:
-        machine.wait_for("ventara: first screen")
+        machine.wait_for_console()
         machine.click(790, 90)
         picture = machine.look()
 
@@ -134,16 +134,17 @@ def _read_png(data):
 class Machine:
     """One boot of an image. Always closed, and with it its QEMU, also when a test fails."""
 
-    def __init__(self, image, pointer="ps2", memory=256, accel=None, firmware=None, show_log=True):
+    def __init__(self, image, pointer="ps2", graphics="std", memory=256, accel=None, secure_boot=False, show_log=True):
         self.folder = tempfile.mkdtemp(prefix="ventara-boot-")
         self.show_log = show_log
+        self.pointer = pointer
         self.process = None
         self.qmp = None
         self.position = None  # where the console's pointer is, once it is known
         self.mark = 0  # the debug log is waited in from here on
         try:
-            arguments = qemu.make_arguments(image, self.folder, memory=memory, pointer=pointer,
-                                            accel=accel or os.environ.get("VENTARA_ACCEL", "tcg"), firmware=firmware)
+            arguments = qemu.make_arguments(image, self.folder, memory=memory, pointer=pointer, graphics=graphics,
+                                            accel=accel or os.environ.get("VENTARA_ACCEL", "tcg"), secure_boot=secure_boot)
             # QEMU ends with the test even if the test is killed.
             self.process = subprocess.Popen(arguments + ["-display", "none"], stdin=subprocess.DEVNULL,
                                             stderr=subprocess.PIPE, text=True, preexec_fn=_die_with_parent)
@@ -217,13 +218,13 @@ class Machine:
         except FileNotFoundError:
             return ""
 
-    def wait_for(self, text, timeout=120):
+    def wait_for(self, text, timeout=90):
         """Waits until the log holds the text behind what was waited for last; gives the rest of its line."""
         deadline = time.monotonic() + timeout
         while True:
             log = self.log()
             found = log.find(text, self.mark)
-            end = log.find("\n", found) if found >= 0 else -1
+            end = log.find("\n", found + len(text) - 1) if found >= 0 else -1
             if end >= 0:
                 self.mark = end + 1
                 return log[found + len(text):end]
@@ -232,6 +233,12 @@ class Machine:
             if time.monotonic() > deadline:
                 raise TimeoutError(f"no {text!r} within {timeout} s")
             time.sleep(0.05)
+
+    def wait_for_console(self):
+        """Waits until the console's first screen stands and the mouse is heard."""
+        self.wait_for("ventara: first screen")
+        if self.pointer == "ps2":
+            self.wait_for("ventara: PS/2 mouse")
 
     # --- Screen ---
 
@@ -265,47 +272,72 @@ class Machine:
         self.command("input-send-event", events=list(events))
 
     def move_by(self, x, y):
-        """Moves the mouse by that many counts, in steps that one PS/2 packet holds."""
+        """Moves the mouse by that many counts. One count moves the console's pointer by one pixel."""
         while x or y:
-            step_x, step_y = max(-100, min(100, x)), max(-100, min(100, y))
-            self._input({"type": "rel", "data": {"axis": "x", "value": step_x}},
-                        {"type": "rel", "data": {"axis": "y", "value": step_y}})
-            x, y = x - step_x, y - step_y
-            time.sleep(0.02)  # the guest's poll takes each packet before the next one comes
+            # The mouse keeps some four reports for a guest that is slow to take them.
+            for _ in range(4):
+                step_x, step_y = max(-100, min(100, x)), max(-100, min(100, y))
+                if step_x or step_y:
+                    self._input({"type": "rel", "data": {"axis": "x", "value": step_x}},
+                                {"type": "rel", "data": {"axis": "y", "value": step_y}})
+                x, y = x - step_x, y - step_y
+            try:
+                self.wait_for("ventara: pointer ", timeout=5)
+            except TimeoutError:
+                pass  # whether it arrived is looked at in the end
 
-    def home(self):
-        """Runs the pointer into the top left corner, whatever its place: the only one that is known without looking."""
-        self.move_by(-2 * WIDTH, -2 * HEIGHT)
-        time.sleep(0.3)
-        self.position = (0, 0)
+    def _is_at(self, x, y):
+        """Whether the console's pointer comes to rest there, or rested there last."""
+        if f"{x} {y}" == self._last_place():
+            return True
+        try:
+            self.wait_for(f"ventara: pointer {x} {y}\n", timeout=3)
+        except TimeoutError:
+            return False
+        return True
+
+    def _last_place(self):
+        places = [line for line in self.log().splitlines() if line.startswith("ventara: pointer ")]
+        return places[-1][len("ventara: pointer "):] if places else ""
 
     def move_to(self, x, y):
-        """Puts the console's pointer on a pixel. One count of the mouse moves it by one pixel."""
-        self.home()
-        self.move_by(x, y)
-        time.sleep(0.3)
-        self.position = (x, y)
+        """Puts the console's pointer on a pixel, by way of the top left corner: the only place that a mouse finds without
+        looking."""
+        for _ in range(5):
+            self.move_by(-WIDTH, -HEIGHT)
+            if not self._is_at(0, 0):
+                continue
+            if (x, y) != (0, 0):
+                self.move_by(x, y)
+            if self._is_at(x, y):
+                self.position = (x, y)
+                return
+        raise TimeoutError(f"the pointer didn't come to {x}, {y}; it is at {self._last_place()}")
 
     def drag_to(self, x, y):
-        """Moves on from where move_to has put the pointer, without homing, so that held buttons drag."""
+        """Moves on from where move_to has put the pointer, straight, so that a held button drags."""
         self.move_by(x - self.position[0], y - self.position[1])
-        time.sleep(0.3)
+        if not self._is_at(x, y):
+            raise TimeoutError(f"the pointer didn't come to {x}, {y}; it is at {self._last_place()}")
         self.position = (x, y)
 
     def move_tablet(self, x, y):
         """For a machine with a tablet: puts the pointer on a pixel at once."""
         self._input({"type": "abs", "data": {"axis": "x", "value": (x * 0x7FFF + WIDTH // 2) // (WIDTH - 1)}},
                     {"type": "abs", "data": {"axis": "y", "value": (y * 0x7FFF + HEIGHT // 2) // (HEIGHT - 1)}})
-        time.sleep(0.3)
+        if not self._is_at(x, y):
+            raise TimeoutError(f"the pointer didn't come to {x}, {y}; it is at {self._last_place()}")
         self.position = (x, y)
 
     def button(self, name, down):
         self._input({"type": "btn", "data": {"button": name, "down": down}})
 
-    def press(self, name="left", hold=0.08):
-        """Presses and releases a button where the pointer stands. A press of under 0.185 s counts as a click."""
+    def press(self, name="left", hold=0):
+        """Presses and releases a button where the pointer stands. The console counts a press of under 0.185 s as a
+        click; without a hold the two reports follow at once, and the guest sees them in two turns of its loop."""
         self.button(name, True)
-        time.sleep(hold)
+        if hold:
+            time.sleep(hold)
         self.button(name, False)
         time.sleep(0.3)
 

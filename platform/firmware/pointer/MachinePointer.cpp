@@ -18,6 +18,9 @@ constexpr UINTN gReportsPerRead = 16;
 constexpr UINTN gSilenceStep = 500; // microseconds between two looks for the last byte of a mouse
 constexpr UINTN gSilenceSteps = 1000;
 
+// Without a report for so long (microseconds) the pointer has come to rest, and whoever watches is told where.
+constexpr UINT64 gRestTime = 30000;
+
 // The kinds of devices, each with its buttons as it last reported them.
 enum KIND : UINT8 { KIND_PROTOCOL, KIND_USB, KIND_PS2, KIND_COUNT };
 
@@ -29,7 +32,9 @@ struct MACHINE_POINTER {
     INT64 Height;
     UINT8 Left[KIND_COUNT];
     UINT8 Right[KIND_COUNT];
-    bool InUse; // between the console's first read and its close
+    bool InUse;     // between the console's first read and its close
+    bool Moved;     // since its place was last told
+    UINT64 MovedAt; // microseconds
     PS2_MOUSE Ps2;
 };
 
@@ -37,6 +42,15 @@ EFI_BOOT_SERVICES* gBoot;
 MACHINE_POINTER gPointer;
 
 INT64 Clamp(INT64 Value, INT64 Limit) { return Value < 0 ? 0 : Value >= Limit ? Limit - 1 : Value; }
+
+VOID ReportPlace(const MACHINE_POINTER* Pointer)
+{
+    Report("ventara: pointer ");
+    ReportDecimal(static_cast<UINT64>(Pointer->X));
+    Report(" ");
+    ReportDecimal(static_cast<UINT64>(Pointer->Y));
+    Report("\n");
+}
 
 // Moves the pointer and keeps the buttons; true when the kind's buttons changed.
 bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Change)
@@ -68,9 +82,13 @@ bool PollKind(MACHINE_POINTER* Pointer, KIND Kind, UINT64 Now, POINTER_CHANGE* C
             return false;
         }
         // The keyboard's driver polls the same controller from a timer; it is kept out while bytes are looked at.
+        bool WasSetUp = Pointer->Ps2.State != PS2_SETTING_UP;
         EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
         bool Reported = PollPs2Mouse(&Pointer->Ps2, Now, Change);
         gBoot->RestoreTPL(Level);
+        if (!WasSetUp && Pointer->Ps2.State == PS2_STREAMING) {
+            Report("ventara: PS/2 mouse\n");
+        }
         return Reported;
     }
     case KIND_COUNT:
@@ -120,7 +138,13 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
             if (!Reported) {
                 break;
             }
+            Pointer->Moved = true;
+            Pointer->MovedAt = Now;
         }
+    }
+    if (Pointer->Moved && Now - Pointer->MovedAt >= gRestTime) {
+        Pointer->Moved = false;
+        ReportPlace(Pointer);
     }
     *X = Pointer->X;
     *Y = Pointer->Y;
@@ -148,6 +172,7 @@ VOID SetPointerLimits(POINTER_SOURCE* This, UINTN Width, UINTN Height)
 VOID ResetPointer(MACHINE_POINTER* Pointer)
 {
     Pointer->InUse = false;
+    Pointer->Moved = false;
     Pointer->X = Pointer->Width / 2;
     Pointer->Y = Pointer->Height / 2;
     for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
