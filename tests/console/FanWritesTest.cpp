@@ -173,12 +173,9 @@ TEST(FanWrites, SettingsAgainstTheContractLeaveTheConsoleWholeAndTheNextWriteLeg
     // The bench fails when a service gets a record that no fan should get; here every page writes once after having read
     // one, and again after Default and Cancel have brought it back.
     const std::string Bad[] = {
-        "01 00 00 00 00 00 00 00 00 00 00",       // nothing of it legal
-        "01 01 02 03 04 04 03 02 01 00 09",       // columns and levels that fall, a level of 9
-        "01 05 05 05 05 03 03 03 03 00 00",       // nodes on one cell, level 0
-        "ff ff ff ff ff ff ff ff ff ff ff ff",    // everything too far
-        "01 04 03 02 01 09 09 09 09 00 00 80",    // levels above the rows, a level of 32768
-        "00 0e 0d 0c 0b 00 01 02 03 00 ff",       // one column too far, one level too low
+        "01 01 02 03 04 04 03 02 01 00 09",    // columns and levels that fall, a level of 9
+        "ff ff ff ff ff ff ff ff ff ff ff ff", // everything too far
+        "00 05 05 05 00 00 01 02 09 00 00",    // nodes on one column, levels and fixed level of 0
     };
     for (const std::string& Bytes : Bad) {
         SCOPED_TRACE(Bytes);
@@ -190,12 +187,12 @@ TEST(FanWrites, SettingsAgainstTheContractLeaveTheConsoleWholeAndTheNextWriteLeg
         Scene.Click(gBoxX, gBoxY).Key("d").Click(gBoxX, gBoxY).Key("c").Click(gBoxX, gBoxY);
         for (int Fan = 5; Fan <= 10; Fan++) {
             SelectTab(Scene, Fan);
-            Scene.Ticks().Click(gBoxX, gBoxY).Key("d").Ticks().Click(gBoxX, gBoxY).Key("c").Click(gBoxX, gBoxY);
-            Scene.Drag(397, 482, {{397, 362}}).Drag(397, 282, {{397, 362}}).Drag(397, 402, {{397, 362}});
+            Scene.Ticks().Click(gBoxX, gBoxY).Key("d").Click(gBoxX, gBoxY).Key("c");
+            Scene.Drag(397, 482, {{397, 362}}).Drag(397, 282, {{397, 362}});
         }
         const RUN Run = Scene.Play();
         EXPECT_EQ(Run.Session.Status, EFI_SUCCESS);
-        EXPECT_GE(Run.AllSettings().size(), 20u);
+        EXPECT_GE(Run.AllSettings().size(), 15u);
     }
 }
 

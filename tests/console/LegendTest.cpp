@@ -64,6 +64,14 @@ TEST(Legend, SaysDutyAndTemperatureOfEachNodeInItsColour)
         EXPECT_TRUE(HasInk(On, 874, Row, 8)) << Row;
         EXPECT_FALSE(HasInk(On, 866, Row, 8)) << Row;
     }
+    // Rows are 29 apart to the pixel: the slash stands alike in each.
+    for (UINTN Row = 1; Row < 4; Row++) {
+        for (UINTN Y = 0; Y < 19; Y++) {
+            for (UINTN X = 908; X < 916; X++) {
+                ASSERT_EQ(PixelAt(On, X, 260 + Y) == gPanel, PixelAt(On, X, 260 + 29 * Row + Y) == gPanel) << Row;
+            }
+        }
+    }
     EXPECT_FALSE(HasInk(On, 924, 0, 8)); // "25%" begins at 932
     EXPECT_TRUE(HasInk(On, 924, 3, 8));  // "100%" at 924
 
