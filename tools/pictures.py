@@ -3,8 +3,8 @@
 
 tests/pictures/BOARD.txt is a script that is played on that simulated board; each of its screenshots has a reference of
 its name. A pixel counts as different when a channel is off by more than 32 of 255, so that another version of the
-program that renders the artwork isn't taken for a mistake. What differs is left in build/pictures, beside a picture that
-shows where.
+program that renders the artwork isn't taken for a mistake. What differs is left in build/pictures, beside a picture
+that shows where.
 """
 import argparse
 import glob

@@ -48,7 +48,8 @@ def add_frames(script):
 
 
 def main():
-    parser = argparse.ArgumentParser(prog="ventara tour", description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser = argparse.ArgumentParser(prog="ventara tour", description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", default=os.path.join(ROOT, "build", "release", "ventara"), metavar="FILE",
                         help="the hosted console (default: build/release/ventara)")
     parser.add_argument("--output", default=os.path.join(ROOT, "docs", "pictures"), metavar="FOLDER",

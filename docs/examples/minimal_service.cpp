@@ -1,7 +1,7 @@
 // The smallest hardware service that the console runs on: one temperature, one fan, one voltage.
 //
-// A boot-service driver whose entry point is InstallMinimalService. What a board's own service does differently stands in
-// CONTROLLER and the functions around it: there it talks to a chip, here it keeps a record and works out a speed.
+// A boot-service driver whose entry point is InstallMinimalService. A board's own service differs in CONTROLLER and the
+// functions around it: there it talks to a chip, here it keeps a record and works out a speed.
 #include "shell/Services.h"
 #include "uefi/SystemTable.h"
 
@@ -59,7 +59,8 @@ CHAR16* GetItemString(HW_SERVICE_PROTOCOL*, UINT8 ItemId)
     };
     for (const ITEM_TEXT& Entry : Texts) {
         VOID* Copy = nullptr;
-        if (Entry.Item == ItemId && !EfiError(gServices->AllocatePool(EfiBootServicesData, sizeof(Entry.Text), &Copy))) {
+        if (Entry.Item == ItemId &&
+            !EfiError(gServices->AllocatePool(EfiBootServicesData, sizeof(Entry.Text), &Copy))) {
             gServices->CopyMem(Copy, const_cast<CHAR16*>(Entry.Text), sizeof(Entry.Text));
             return static_cast<CHAR16*>(Copy);
         }
