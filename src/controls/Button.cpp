@@ -98,10 +98,10 @@ EFI_STATUS CreateButton(BTN_COMPONENT** ButtonOut, const EFI_GUID* FileGuid, UIN
         }
     }
 
-    (void)gBS->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_NOTIFY, OnButtonEvent, Button, &Button->PrimaryGroup,
-                             &Button->Events[BUTTON_SLOT_PRIMARY]);
+    (void)CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_NOTIFY, OnButtonEvent, Button, &Button->PrimaryGroup,
+                           &Button->Events[BUTTON_SLOT_PRIMARY]);
     const EFI_STATUS Status =
-        gBS->CreateEvent(EVT_NOTIFY_SIGNAL, TPL_NOTIFY, OnButtonReset, Button, &Button->SecondaryEvent);
+        CreateEvent(EVT_NOTIFY_SIGNAL, TPL_NOTIFY, OnButtonReset, Button, &Button->SecondaryEvent);
     if (gGuiCore->Components != nullptr) {
         (void)RegisterComponent(gGuiCore->Components, Button, &Button->Rect, _BTN_COMPONENT, &Button->Id,
                                 Button->Events[BUTTON_SLOT_PRIMARY], Button->SecondaryEvent, Button->Title);
@@ -156,7 +156,7 @@ EFI_STATUS SetButtonCallback(BTN_COMPONENT* Button, EFI_EVENT_NOTIFY Notify, UIN
     }
     (void)CancelAndCloseEvent(Button->Events[Slot]);
     Button->Events[Slot] = nullptr;
-    return gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_NOTIFY, Notify, Button, &Button->Events[Slot]);
+    return CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_NOTIFY, Notify, Button, &Button->Events[Slot]);
 }
 
 EFI_STATUS AddButtonListener(BTN_COMPONENT* Button, UINT32 Type, EFI_EVENT_NOTIFY Notify)
@@ -173,8 +173,8 @@ EFI_STATUS AddButtonListener(BTN_COMPONENT* Button, UINT32 Type, EFI_EVENT_NOTIF
     Listener->Type = Type;
     EFI_STATUS Status = EFI_SUCCESS;
     if (Type < gListenerTypeCount) {
-        Status = gBS->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, Notify, Button, &Button->ListenerGroups[Type],
-                                    &Listener->Event);
+        Status = CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, Notify, Button, &Button->ListenerGroups[Type],
+                                  &Listener->Event);
     }
     Button->ListenerCount++;
     return Status;

@@ -134,10 +134,10 @@ EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT
     New->Rect.Y = Y;
     LoadBoxStrip(New, Caption, Instance, FileGuid, Format, CaptionX, CaptionY);
 
-    (void)gBS->CreateEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnCheckBoxEvent, New, &New->PrimaryEvent);
+    (void)CreateEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnCheckBoxEvent, New, &New->PrimaryEvent);
     GenerateGuid(&New->EventGroup);
-    (void)gBS->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, SetCheckBoxState, New, &New->EventGroup,
-                             &New->SecondaryEvent);
+    (void)CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, SetCheckBoxState, New, &New->EventGroup,
+                           &New->SecondaryEvent);
     NameBox(New, Caption, CaptionX, CaptionY);
     if (gGuiCore->Components != nullptr) {
         (void)RegisterComponent(gGuiCore->Components, New, &New->Rect, _CHECK_BOX_COMPONENT, &New->Id,
@@ -194,7 +194,7 @@ EFI_STATUS AddCheckBoxLink(CHECK_BOX_COMPONENT* Box, VOID* Context, EFI_EVENT_NO
     Link->ComponentId = ComponentId;
     if (Kind < gCheckBoxLinkKindCount) {
         // Without a notify function the firmware refuses the event: such a link only mirrors and switches.
-        (void)gBS->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, Notify, Context, &Box->LinkGroup[Kind], &Link->Event);
+        (void)CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, Notify, Context, &Box->LinkGroup[Kind], &Link->Event);
     }
     Link->Kind = Kind;
     Box->LinkCount++;

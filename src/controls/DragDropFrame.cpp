@@ -191,9 +191,8 @@ EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* D
     FillCells(Frame);
     FillPixels(Frame->CleanImage, static_cast<UINTN>(Rect.Width) * Rect.Height, gPanelColor);
 
-    (void)gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropEvent, Frame, &Frame->PrimaryEvent);
-    (void)gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropRefresh, Frame,
-                           &Frame->SecondaryEvent);
+    (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropEvent, Frame, &Frame->PrimaryEvent);
+    (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropRefresh, Frame, &Frame->SecondaryEvent);
     // The nodes come first, so that the hit scan finds a node before the frame that it stands on.
     for (UINT32 I = 0; I < gNodeCount; I++) {
         CreateNode(Frame, I, NodeCells[I], Width, Height);

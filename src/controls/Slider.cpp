@@ -112,9 +112,8 @@ EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT
     PaintGridImage(Slider->GridImage, Rect.Width, Rect.Height, Slider->CellWidth, Slider->CellHeight);
     FillPixels(Slider->PlainImage, static_cast<UINTN>(Rect.Width) * Rect.Height, gPanelColor);
 
-    (void)gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderEvent, Slider, &Slider->PrimaryEvent);
-    (void)gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderRefresh, Slider,
-                           &Slider->SecondaryEvent);
+    (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderEvent, Slider, &Slider->PrimaryEvent);
+    (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderRefresh, Slider, &Slider->SecondaryEvent);
 
     Slider->Level = Level;
     Slider->ThumbRect.X = Rect.X;

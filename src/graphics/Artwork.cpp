@@ -10,6 +10,14 @@ constexpr CHAR8 gSourcePath[] = "graphics\\Artwork.cpp";
 // No picture of the catalogue is larger than the screen; a decoder's word for anything beyond this isn't taken.
 constexpr UINT32 gLargestSide = 4096;
 
+// What a service left in its outputs when it failed isn't ours to free.
+EFI_STATUS GiveNothing(EFI_STATUS Status, VOID** Data, UINTN* Size)
+{
+    *Data = nullptr;
+    *Size = 0;
+    return Status;
+}
+
 } // namespace
 
 bool PlausibleSize(UINT32 Width, UINT32 Height)
@@ -24,9 +32,12 @@ EFI_STATUS FindImageFile(const EFI_GUID* FileGuid, UINT32 Instance, VOID** Data,
         UINTN ProbeSize = 0;
         const EFI_STATUS ProbeStatus = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_RAW, &Probe, &ProbeSize);
         const UINT8 SectionType = EfiError(ProbeStatus) ? EFI_SECTION_PE32 : EFI_SECTION_RAW;
-        FreePool(Probe);
+        if (!EfiError(ProbeStatus)) {
+            FreePool(Probe);
+        }
         EFI_GUID File = *FileGuid;
-        return gImageSection->GetArtworkSection(Instance, Data, Size, &File, &SectionType);
+        const EFI_STATUS Found = gImageSection->GetArtworkSection(Instance, Data, Size, &File, &SectionType);
+        return EfiError(Found) ? GiveNothing(Found, Data, Size) : Found;
     }
 
     EFI_STATUS Status = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_RAW, Data, Size);
@@ -38,7 +49,7 @@ EFI_STATUS FindImageFile(const EFI_GUID* FileGuid, UINT32 Instance, VOID** Data,
         return Status;
     }
     REPORT("Can't find the image (InitCursorBlt)");
-    return EFI_NO_MEDIA;
+    return GiveNothing(EFI_NO_MEDIA, Data, Size);
 }
 
 EFI_STATUS LoadJpegBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, UINT32* Width, UINT32* Height)
@@ -68,7 +79,9 @@ EFI_STATUS LoadJpegBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, U
         *Height = PictureHeight;
     }
     ReleasePool(Stored.Data);
-    FreePool(Decoded);
+    if (!EfiError(Status)) {
+        FreePool(Decoded);
+    }
     return EFI_SUCCESS;
 }
 

@@ -89,6 +89,8 @@ EFI_STATUS StringToBlt(const PIXEL* Foreground, const PIXEL* Background, PIXEL**
             Status = Image == nullptr || Image->Image.Bitmap == nullptr
                          ? EFI_NOT_FOUND
                          : TakeWholeImage(*Image, Out, Width, Height);
+        } else {
+            Image = nullptr; // whatever a failing service left there
         }
     } else {
         EFI_HII_ROW_INFO* Rows = nullptr;
@@ -98,8 +100,10 @@ EFI_STATUS StringToBlt(const PIXEL* Foreground, const PIXEL* Background, PIXEL**
             Status = Image == nullptr || Image->Image.Bitmap == nullptr || Rows == nullptr || RowCount == 0
                          ? EFI_NOT_FOUND
                          : TakeFirstRow(*Image, Rows[0], Out, Width, Height);
+            FreePool(Rows);
+        } else {
+            Image = nullptr;
         }
-        FreePool(Rows);
     }
     FreeImage(Image);
     return Status;

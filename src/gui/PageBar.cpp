@@ -29,7 +29,7 @@ EFI_STATUS OnGroupEvent(EFI_EVENT, VOID*)
 
 EFI_STATUS CreateSelectEvent(PAGE_BAR_ENTRY* Entry, EFI_EVENT_NOTIFY SelectNotify)
 {
-    return gBS->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_NOTIFY, SelectNotify, Entry, &Entry->SelectEvent);
+    return CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_NOTIFY, SelectNotify, Entry, &Entry->SelectEvent);
 }
 
 EFI_STATUS JoinPageBar(PAGE_BAR* Bar, VOID* Control, UINT32 ControlId, UINT8 Kind, EFI_EVENT_NOTIFY SelectNotify)
@@ -64,8 +64,8 @@ EFI_STATUS JoinPageBar(PAGE_BAR* Bar, VOID* Control, UINT32 ControlId, UINT8 Kin
         Component->PrimaryEvent = Bar->Event;
     }
     (void)CreateSelectEvent(Entry, SelectNotify);
-    const EFI_STATUS Status = gBS->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnGroupEvent, Entry,
-                                                 &Entry->GroupGuid, &Entry->GroupEvent);
+    const EFI_STATUS Status = CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnGroupEvent, Entry,
+                                               &Entry->GroupGuid, &Entry->GroupEvent);
     Component->SecondaryEvent = Entry->GroupEvent;
     Entry->Index = Bar->Entries->Count;
     if (Entry->Index == 0) {
@@ -257,7 +257,7 @@ EFI_STATUS CreatePageBar(PAGE_BAR** BarOut)
     Bar->Entries = static_cast<PAGE_BAR_LIST*>(Block);
     InitializeList(&Bar->Entries->Head);
     Bar->Entries->Count = 0;
-    (void)gBS->CreateEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnPageBarEvent, Bar, &Bar->Event);
+    (void)CreateEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnPageBarEvent, Bar, &Bar->Event);
     Bar->HoverHandler = OnPageBarEvent;
     *BarOut = Bar;
     return EFI_SUCCESS;
@@ -304,7 +304,7 @@ EFI_STATUS AddPageBarTarget(BTN_COMPONENT* Button, VOID* Context, EFI_EVENT_NOTI
     }
     InsertTail(&Entry->Targets, &Target->Link);
     // Without a notify function the firmware refuses, the event stays null, and the target only switches its component.
-    (void)gBS->CreateEventEx(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, Notify, Context, &Entry->GroupGuid, &Target->Event);
+    (void)CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, Notify, Context, &Entry->GroupGuid, &Target->Event);
     Target->ComponentId = ComponentId;
     if (Flag != nullptr) {
         Target->Flag = Flag;

@@ -59,7 +59,7 @@ constexpr UINTN gLastStall = 300000; // microseconds: the last picture stands a 
 VOID CreateTimers()
 {
     for (UINTN I = 0; gTimerPeriods[I] != 0; I++) {
-        (void)gBS->CreateEvent(EVT_TIMER, TPL_CALLBACK, nullptr, nullptr, &gEvents[I]);
+        (void)CreateEvent(EVT_TIMER, TPL_CALLBACK, nullptr, nullptr, &gEvents[I]);
         (void)gBS->SetTimer(gEvents[I], TimerPeriodic, gTimerPeriods[I]);
     }
     for (UINTN I = 0; I < gTimerCount; I++) {

@@ -150,6 +150,25 @@ const CHAR8* FileNameOfPath(const CHAR8* Path)
     return Name;
 }
 
+EFI_STATUS CreateEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context, EFI_EVENT* Event)
+{
+    const EFI_STATUS Status = gBS->CreateEvent(Type, NotifyTpl, Notify, Context, Event);
+    if (EfiError(Status)) {
+        *Event = nullptr;
+    }
+    return Status;
+}
+
+EFI_STATUS CreateGroupEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, const VOID* Context,
+                            const EFI_GUID* Group, EFI_EVENT* Event)
+{
+    const EFI_STATUS Status = gBS->CreateEventEx(Type, NotifyTpl, Notify, Context, Group, Event);
+    if (EfiError(Status)) {
+        *Event = nullptr;
+    }
+    return Status;
+}
+
 EFI_STATUS CancelAndCloseEvent(EFI_EVENT Event)
 {
     if (Event == nullptr) {

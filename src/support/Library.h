@@ -79,6 +79,12 @@ const CHAR8* FileNameOfPath(const CHAR8* Path);
 
 // --- Events ---
 
+// The firmware's services of these names, the second for an event of a group, but that *Event is null after a failure,
+// whatever the firmware left there.
+EFI_STATUS CreateEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context, EFI_EVENT* Event);
+EFI_STATUS CreateGroupEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, const VOID* Context,
+                            const EFI_GUID* Group, EFI_EVENT* Event);
+
 // SetTimer with TimerCancel, then CloseEvent; nothing for a null event. Gives the status of the cancel.
 EFI_STATUS CancelAndCloseEvent(EFI_EVENT Event);
 // SignalEvent, skipped for a null event.
