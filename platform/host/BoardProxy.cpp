@@ -13,9 +13,9 @@ using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 BOARD_PROXY& Board() { return gBoot->Board; }
 
 // An operation with nothing to tell but its name and its status.
-template <typename SERVICE> EFI_STATUS Pass(CALL Call, SERVICE&& Service)
+template <typename SERVICE, typename... OUTPUT> EFI_STATUS Pass(CALL Call, SERVICE&& Service, OUTPUT*... Outputs)
 {
-    const EFI_STATUS Status = Cross(Call, Service);
+    const EFI_STATUS Status = Cross(Call, Service, Outputs...);
     TraceCall(Call).Status(Status);
     return Status;
 }
@@ -84,7 +84,7 @@ EFI_STATUS ReadItem(UINT8 Item, UINT64* Value, UINT8* Present)
 
 EFI_STATUS GetItemValue(HW_SERVICE_PROTOCOL*, UINT8 Item, UINT64* Value, UINT8* Present)
 {
-    const EFI_STATUS Status = Cross(CALL_GET_ITEM_VALUE, [&] { return ReadItem(Item, Value, Present); });
+    const EFI_STATUS Status = Cross(CALL_GET_ITEM_VALUE, [&] { return ReadItem(Item, Value, Present); }, Value, Present);
     TRACE_LINE Line(gBoot->Trace.IsOn() ? &gBoot->Trace : nullptr, CALL_GET_ITEM_VALUE);
     Line.Status(Status).Number("item", Item);
     if (EfiError(Status)) {
@@ -104,7 +104,7 @@ static_assert(SetterOf(gFanItemCount - 1) == CALL_SET_FAN_10_SETTING);
 template <UINTN Fan> EFI_STATUS GetFanSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING* Setting)
 {
     const EFI_STATUS Status =
-        Cross(GetterOf(Fan), [&] { return Board().Hardware->Fan[Fan].Get(Board().Hardware, Setting); });
+        Cross(GetterOf(Fan), [&] { return Board().Hardware->Fan[Fan].Get(Board().Hardware, Setting); }, Setting);
     // After a failure the record may never have been written.
     TraceCall(GetterOf(Fan)).Status(Status).Hex("record", EfiError(Status) ? nullptr : Setting, sizeof(*Setting));
     return Status;
@@ -145,7 +145,8 @@ EFI_STATUS RestoreFanSettings(HW_SERVICE_PROTOCOL*)
 EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Right)
 {
     gBoot->Crossing.NotePointerRead(gBoot->Trace);
-    return Cross(CALL_GET_CURSOR_STATE, [&] { return Board().Cursor->GetCursorState(X, Y, Z, Left, Right); });
+    return Cross(CALL_GET_CURSOR_STATE, [&] { return Board().Cursor->GetCursorState(X, Y, Z, Left, Right); },
+                 X, Y, Z, Left, Right);
 }
 
 EFI_STATUS SetCursorLimits(UINTN Width, UINTN Height)
@@ -175,7 +176,7 @@ EFI_STATUS FloatToString(FLOAT_WORD Value, CHAR16* Buffer, UINTN Length)
 EFI_STATUS GetFileSection(const EFI_GUID* File, UINT8 Type, VOID** Data, UINTN* Size)
 {
     const EFI_STATUS Status =
-        Cross(CALL_GET_FILE_SECTION, [&] { return Board().Lookup->GetFileSection(File, Type, Data, Size); });
+        Cross(CALL_GET_FILE_SECTION, [&] { return Board().Lookup->GetFileSection(File, Type, Data, Size); }, Data, Size);
     TraceCall(CALL_GET_FILE_SECTION).Status(Status).Guid("guid", File).Number("type", Type);
     return Status;
 }
@@ -184,7 +185,7 @@ EFI_STATUS GetArtworkSection(UINT32 Instance, VOID** Data, UINTN* Size, const EF
 {
     const EFI_STATUS Status = Cross(CALL_GET_ARTWORK_SECTION, [&] {
         return Board().Sections->GetArtworkSection(Instance, Data, Size, File, Type);
-    });
+    }, Data, Size);
     TraceCall(CALL_GET_ARTWORK_SECTION)
         .Status(Status)
         .Guid("guid", File)
@@ -206,7 +207,7 @@ EFI_STATUS ConvertJpeg(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageS
     return Pass(CALL_CONVERT_JPEG, [&] {
         return Board().Decoder->ConvertJPEGToUgaBltA(Board().Decoder, Image, ImageSize, Blt, BltSize, Height, Width,
                                                      PixelsPerRow);
-    });
+    }, Blt, BltSize, Height, Width, PixelsPerRow);
 }
 
 EFI_STATUS ConvertBmp(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize, PIXEL** Blt, UINTN* BltSize,
@@ -214,7 +215,7 @@ EFI_STATUS ConvertBmp(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSi
 {
     return Pass(CALL_CONVERT_BMP, [&] {
         return Board().Decoder->ConvertBmpToGopBltA(Board().Decoder, Image, ImageSize, Blt, BltSize, Height, Width);
-    });
+    }, Blt, BltSize, Height, Width);
 }
 
 UINT8 GetFirmwareGeneration(IMAGE_DECODER_PROTOCOL*)
@@ -231,7 +232,7 @@ EFI_STATUS CreateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y, UINTN Width, UIN
 {
     const EFI_STATUS Status = Cross(CALL_CREATE_MESSAGE_BOX, [&] {
         return Board().Draw->CreateMessageBox(Box, X, Y, Width, Height, LineCount, Lines, ButtonCount, Buttons);
-    });
+    }, Box);
     TraceCall(CALL_CREATE_MESSAGE_BOX)
         .Status(Status)
         .Number("x", X)
@@ -245,7 +246,7 @@ EFI_STATUS CreateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y, UINTN Width, UIN
 
 EFI_STATUS UpdateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y)
 {
-    return Cross(CALL_UPDATE_MESSAGE_BOX, [&] { return Board().Draw->UpdateMessageBox(Box, X, Y); });
+    return Cross(CALL_UPDATE_MESSAGE_BOX, [&] { return Board().Draw->UpdateMessageBox(Box, X, Y); }, Box);
 }
 
 EFI_STATUS DrawMessageBox(MESSAGE_BOX* Box)

@@ -13,7 +13,7 @@ EFI_STATUS AllocatePages(EFI_ALLOCATE_TYPE Type, EFI_MEMORY_TYPE MemoryType, UIN
 {
     const EFI_STATUS Status = Cross(CALL_ALLOCATE_PAGES, [&] {
         return Firmware().AllocatePages(Type, MemoryType, Pages, Memory);
-    });
+    }, Memory);
     TraceCall(CALL_ALLOCATE_PAGES).Status(Status).Number("pages", Pages);
     return Status;
 }
@@ -30,7 +30,7 @@ EFI_STATUS GetMemoryMap(UINTN* Size, EFI_MEMORY_DESCRIPTOR* Map, UINTN* Key, UIN
 {
     const EFI_STATUS Status = Cross(CALL_GET_MEMORY_MAP, [&] {
         return Firmware().GetMemoryMap(Size, Map, Key, DescriptorSize, DescriptorVersion);
-    });
+    }, Size, Key, DescriptorSize);
     TraceCall(CALL_GET_MEMORY_MAP).Status(Status);
     return Status;
 }
@@ -39,7 +39,7 @@ EFI_STATUS AllocatePool(EFI_MEMORY_TYPE, UINTN Size, VOID** Buffer)
 {
     VOID* const Caller = __builtin_return_address(0);
     const EFI_STATUS Status =
-        Cross(CALL_ALLOCATE_POOL, [&] { return gBoot->Pool.Allocate(Size, Caller, Buffer); });
+        Cross(CALL_ALLOCATE_POOL, [&] { return gBoot->Pool.Allocate(Size, Caller, Buffer); }, Buffer);
     if (gBoot->Trace.Pool) {
         const POOL_BLOCK* Block = EfiError(Status) ? nullptr : gBoot->Pool.Find(*Buffer);
         TraceCall(CALL_ALLOCATE_POOL)
@@ -68,7 +68,7 @@ EFI_STATUS CreateEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, 
 {
     const EFI_STATUS Status = Cross(CALL_CREATE_EVENT, [&] {
         return Firmware().CreateEvent(Type, NotifyTpl, Notify, Context, Event);
-    });
+    }, Event);
     TraceCall(CALL_CREATE_EVENT)
         .Status(Status)
         .Number("event", EfiError(Status) ? 0 : gBoot->Crossing.AddEvent(*Event))
@@ -82,7 +82,7 @@ EFI_STATUS CreateEventEx(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify
 {
     const EFI_STATUS Status = Cross(CALL_CREATE_EVENT_EX, [&] {
         return Firmware().CreateEventEx(Type, NotifyTpl, Notify, Context, Group, Event);
-    });
+    }, Event);
     TraceCall(CALL_CREATE_EVENT_EX)
         .Status(Status)
         .Number("event", EfiError(Status) ? 0 : gBoot->Crossing.AddEvent(*Event))
@@ -108,7 +108,7 @@ EFI_STATUS WaitForEvent(UINTN Count, EFI_EVENT* Events, UINTN* Index)
 {
     gBoot->Crossing.NoteWait(gBoot->Trace);
     const EFI_STATUS Status =
-        Cross(CALL_WAIT_FOR_EVENT, [&] { return Firmware().WaitForEvent(Count, Events, Index); });
+        Cross(CALL_WAIT_FOR_EVENT, [&] { return Firmware().WaitForEvent(Count, Events, Index); }, Index);
     TraceCall(CALL_WAIT_FOR_EVENT)
         .Status(Status)
         .Number("count", Count)
@@ -119,7 +119,8 @@ EFI_STATUS WaitForEvent(UINTN Count, EFI_EVENT* Events, UINTN* Index)
 EFI_STATUS SignalEvent(EFI_EVENT Event)
 {
     EFI_STATUS Failure;
-    const bool Fails = gBoot->Crossing.Overrides.TakeFailure(CALL_SIGNAL_EVENT, &Failure);
+    bool Garbage; // there is nothing to fill
+    const bool Fails = gBoot->Crossing.Overrides.TakeFailure(CALL_SIGNAL_EVENT, &Failure, &Garbage);
     // The line stands before those of the notify functions that the signal runs. What the signal will answer is known
     // beforehand: only an event that isn't open is refused.
     const EFI_STATUS Status = Fails ? Failure : gBoot->Events.IsOpen(Event) ? EFI_SUCCESS : EFI_INVALID_PARAMETER;
@@ -176,7 +177,7 @@ EFI_STATUS UninstallProtocolInterface(EFI_HANDLE Handle, const EFI_GUID* Guid, V
 EFI_STATUS HandleProtocol(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface)
 {
     const EFI_STATUS Status =
-        Cross(CALL_HANDLE_PROTOCOL, [&] { return Firmware().HandleProtocol(Handle, Guid, Interface); });
+        Cross(CALL_HANDLE_PROTOCOL, [&] { return Firmware().HandleProtocol(Handle, Guid, Interface); }, Interface);
     CoverInterface(Status, Guid, Interface);
     TraceCall(CALL_HANDLE_PROTOCOL).Status(Status).Guid("guid", Guid);
     return Status;
@@ -185,7 +186,7 @@ EFI_STATUS HandleProtocol(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interf
 EFI_STATUS LocateHandle(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid, VOID* Key, UINTN* Size, EFI_HANDLE* Buffer)
 {
     const EFI_STATUS Status =
-        Cross(CALL_LOCATE_HANDLE, [&] { return Firmware().LocateHandle(Type, Guid, Key, Size, Buffer); });
+        Cross(CALL_LOCATE_HANDLE, [&] { return Firmware().LocateHandle(Type, Guid, Key, Size, Buffer); }, Size);
     TraceCall(CALL_LOCATE_HANDLE).Status(Status).Guid("guid", Guid);
     return Status;
 }
@@ -195,7 +196,7 @@ EFI_STATUS LocateHandleBuffer(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid,
 {
     const EFI_STATUS Status = Cross(CALL_LOCATE_HANDLE_BUFFER, [&] {
         return Firmware().LocateHandleBuffer(Type, Guid, Key, Count, Buffer);
-    });
+    }, Count, Buffer);
     TraceCall(CALL_LOCATE_HANDLE_BUFFER).Status(Status).Guid("guid", Guid);
     return Status;
 }
@@ -205,7 +206,7 @@ EFI_STATUS OpenProtocol(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interfac
 {
     const EFI_STATUS Status = Cross(CALL_OPEN_PROTOCOL, [&] {
         return Firmware().OpenProtocol(Handle, Guid, Interface, Agent, Controller, Attributes);
-    });
+    }, Interface);
     CoverInterface(Status, Guid, Interface);
     TraceCall(CALL_OPEN_PROTOCOL).Status(Status).Guid("guid", Guid).Number("attributes", Attributes);
     return Status;
@@ -223,7 +224,7 @@ EFI_STATUS CloseProtocol(EFI_HANDLE Handle, const EFI_GUID* Guid, EFI_HANDLE Age
 EFI_STATUS LocateProtocol(const EFI_GUID* Guid, VOID* Registration, VOID** Interface)
 {
     const EFI_STATUS Status =
-        Cross(CALL_LOCATE_PROTOCOL, [&] { return Firmware().LocateProtocol(Guid, Registration, Interface); });
+        Cross(CALL_LOCATE_PROTOCOL, [&] { return Firmware().LocateProtocol(Guid, Registration, Interface); }, Interface);
     CoverInterface(Status, Guid, Interface);
     TraceCall(CALL_LOCATE_PROTOCOL).Status(Status).Guid("guid", Guid);
     return Status;
@@ -234,7 +235,7 @@ EFI_STATUS LocateProtocol(const EFI_GUID* Guid, VOID* Registration, VOID** Inter
 EFI_STATUS GetNextMonotonicCount(UINT64* Count)
 {
     const EFI_STATUS Status =
-        Cross(CALL_GET_NEXT_MONOTONIC_COUNT, [&] { return Firmware().GetNextMonotonicCount(Count); });
+        Cross(CALL_GET_NEXT_MONOTONIC_COUNT, [&] { return Firmware().GetNextMonotonicCount(Count); }, Count);
     TraceCall(CALL_GET_NEXT_MONOTONIC_COUNT).Status(Status);
     return Status;
 }
@@ -255,7 +256,7 @@ EFI_STATUS Stall(UINTN Microseconds)
 
 EFI_STATUS GetTime(EFI_TIME* Time, EFI_TIME_CAPABILITIES* Capabilities)
 {
-    const EFI_STATUS Status = Cross(CALL_GET_TIME, [&] { return FirmwareRuntime().GetTime(Time, Capabilities); });
+    const EFI_STATUS Status = Cross(CALL_GET_TIME, [&] { return FirmwareRuntime().GetTime(Time, Capabilities); }, Time);
     TraceCall(CALL_GET_TIME).Status(Status);
     return Status;
 }
@@ -268,7 +269,7 @@ EFI_STATUS GetVariable(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* Attri
     UINT32 Stored = 0;
     const EFI_STATUS Status = Cross(CALL_GET_VARIABLE, [&] {
         return FirmwareRuntime().GetVariable(Name, Vendor, &Stored, Size, Data);
-    });
+    }, Size);
     const bool Found = Status == EFI_SUCCESS || Status == EFI_BUFFER_TOO_SMALL;
     if (Found && Attributes != nullptr) {
         *Attributes = Stored;
@@ -304,7 +305,7 @@ EFI_STATUS ReadKeyStroke(EFI_SIMPLE_TEXT_INPUT_PROTOCOL* This, EFI_INPUT_KEY* Ke
 {
     const EFI_STATUS Status = Cross(CALL_READ_KEY_STROKE, [&] {
         return gBoot->FirmwareTable.ConIn->ReadKeyStroke(This, Key);
-    });
+    }, Key);
     if (!EfiError(Status)) {
         TraceCall(CALL_READ_KEY_STROKE)
             .Status(Status)

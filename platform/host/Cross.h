@@ -1,13 +1,28 @@
-// For the functions that stand in front of a service: one way to let a script's failure take the service's place.
+// For the functions that stand in front of a service: one way to let a failure that a script or a test wants take the
+// service's place.
 #pragma once
+
+#include <cstring>
 
 #include "platform/host/Boot.h"
 
-// The status of Service(), or, without calling it, the one that a script gave to this call.
-template <typename SERVICE> EFI_STATUS Cross(CALL Call, SERVICE&& Service)
+// As a pointer neither null nor anywhere, as a number far out of every range.
+constexpr UINT8 gGarbagePattern = 0xA5;
+
+// The status of Service(), or, without calling it, the one that this call is to fail with. Outputs are the places that
+// the service fills, for a failure that leaves garbage behind; any may be null.
+template <typename SERVICE, typename... OUTPUT> EFI_STATUS Cross(CALL Call, SERVICE&& Service, OUTPUT*... Outputs)
 {
     EFI_STATUS Status;
-    return gBoot->Crossing.Overrides.TakeFailure(Call, &Status) ? Status : Service();
+    bool Garbage;
+    if (!gBoot->Crossing.Overrides.TakeFailure(Call, &Status, &Garbage)) {
+        return Service();
+    }
+    if (Garbage) {
+        ((Outputs == nullptr ? nullptr : std::memset(static_cast<VOID*>(Outputs), gGarbagePattern, sizeof(*Outputs))),
+         ...);
+    }
+    return Status;
 }
 
 inline TRACE_LINE TraceCall(CALL Call) { return TraceCall(gBoot->Trace, Call); }

@@ -1,7 +1,11 @@
 #include "platform/host/Crossing.h"
 
-bool OVERRIDES::TakeFailure(CALL Call, EFI_STATUS* Status)
+bool OVERRIDES::TakeFailure(CALL Call, EFI_STATUS* Status, bool* Garbage)
 {
+    *Garbage = false;
+    if (Plan.Call != nullptr && Plan.Call(Plan.Context, Call, Status, Garbage)) {
+        return true;
+    }
     FAILURE& Failure = Failures[Call];
     if (Failure.Left == 0) {
         return false;

@@ -22,6 +22,15 @@ struct READING_OVERRIDE {
     UINT64 Value;
 };
 
+// For tests that try every failure in turn: asked at each call that can fail, and at each allocation, the board services'
+// own included. Both functions may be null; true means that it fails.
+struct FAILURE_PLAN {
+    // *Garbage true: what the call would have filled holds no value that means anything, instead of what stood there.
+    bool (*Call)(VOID* Context, CALL Call, EFI_STATUS* Status, bool* Garbage) = nullptr;
+    bool (*Allocation)(VOID* Context) = nullptr;
+    VOID* Context = nullptr;
+};
+
 // What outlives a reset of the machine: it is not the machine's.
 struct OVERRIDES {
     struct FAILURE {
@@ -31,11 +40,12 @@ struct OVERRIDES {
     FAILURE Failures[CALL_COUNT] = {};
     std::map<UINT8, READING_OVERRIDE> Readings;
     std::map<UINT8, std::optional<std::u16string>> Strings; // nothing: a null string
+    FAILURE_PLAN Plan;
 
     // The next Count calls return Status and do nothing.
     VOID Fail(CALL Call, EFI_STATUS Status, UINT64 Count) { Failures[Call] = {Status, Count}; }
-    // True, with the status, when this call is one of those.
-    bool TakeFailure(CALL Call, EFI_STATUS* Status);
+    // True, with the status, when this call is one of those, or one that the plan wants to fail.
+    bool TakeFailure(CALL Call, EFI_STATUS* Status, bool* Garbage);
 };
 
 struct CROSSING {

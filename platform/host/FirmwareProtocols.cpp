@@ -86,7 +86,7 @@ EFI_STATUS ConsoleBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, EFI_GRAPHICS_OUTPUT_BL
 
 EFI_STATUS ConsoleGetTimerValue(EFI_CPU_ARCH_PROTOCOL* This, UINT32 Index, UINT64* Value, UINT64* Period)
 {
-    return Cross(CALL_GET_TIMER_VALUE, [&] { return GetTimerValue(This, Index, Value, Period); });
+    return Cross(CALL_GET_TIMER_VALUE, [&] { return GetTimerValue(This, Index, Value, Period); }, Value, Period);
 }
 
 EFI_STATUS ConsoleStringToImage(const EFI_HII_FONT_PROTOCOL* This, EFI_HII_OUT_FLAGS Flags, const CHAR16* String,
@@ -95,7 +95,7 @@ EFI_STATUS ConsoleStringToImage(const EFI_HII_FONT_PROTOCOL* This, EFI_HII_OUT_F
 {
     const EFI_STATUS Status = Cross(CALL_STRING_TO_IMAGE, [&] {
         return StringToImage(This, Flags, String, Information, Image, X, Y, Rows, RowCount, Columns);
-    });
+    }, Image, Rows, RowCount);
     TraceCall(CALL_STRING_TO_IMAGE).Status(Status).Text("text", String);
     return Status;
 }

@@ -25,7 +25,8 @@ EFI_STATUS POOL::Allocate(UINTN Size, VOID* Caller, VOID** Buffer)
         return EFI_INVALID_PARAMETER;
     }
     mAllocationsOfStart++;
-    if ((FailFrom != 0 && mAllocationsOfStart >= FailFrom) || (FailOnly != 0 && mAllocationsOfStart == FailOnly)) {
+    if ((FailFrom != 0 && mAllocationsOfStart >= FailFrom) || (FailOnly != 0 && mAllocationsOfStart == FailOnly) ||
+        (Refuses != nullptr && Refuses(RefusesContext))) {
         return EFI_OUT_OF_RESOURCES;
     }
     VOID* Data = std::malloc(Size == 0 ? 1 : Size);

@@ -197,10 +197,15 @@ bool SESSION::StartOnce()
     TraceCall(Boot->Trace, CALL_START).Text("board", std::string_view(Options.Board)).Number("seed", Options.Seed);
     Boot->Pool.FailFrom = Options.PoolLimit;
     Boot->Pool.FailOnly = Options.PoolFail;
+    Boot->Pool.Refuses = Options.Failures.Allocation;
+    Boot->Pool.RefusesContext = Options.Failures.Context;
+    Boot->Crossing.Overrides.Plan = Options.Failures;
     const UINTN Mark = Boot->Events.MarkNow();
     const EFI_STATUS Status = Entry(Image, &Boot->ConsoleTable);
     Boot->Pool.FailFrom = 0;
     Boot->Pool.FailOnly = 0;
+    Boot->Pool.Refuses = nullptr;
+    Boot->Crossing.Overrides.Plan = {};
     if (Shell) {
         Shell->Uninstall(Boot->Handles, Image);
     }
