@@ -7,6 +7,7 @@ that nothing of a run stays behind.
 import argparse
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -85,6 +86,16 @@ def find_display(qemu):
     raise MissingTool("this QEMU can't open a window: apt-get install qemu-system-gui, or use --headless")
 
 
+def run(arguments):
+    """Runs the machine to its end. It doesn't outlive this command."""
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
+    with subprocess.Popen(arguments, stdin=subprocess.DEVNULL) as process:
+        try:
+            return process.wait()
+        finally:
+            process.kill()
+
+
 def main():
     root = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
     parser = argparse.ArgumentParser(prog="ventara qemu", description=__doc__)
@@ -111,7 +122,7 @@ def main():
                     print(os.path.join(folder, name), flush=True)
             else:
                 arguments += ["-display", find_display(arguments[0])]
-            sys.exit(subprocess.run(arguments, check=False).returncode)
+            sys.exit(run(arguments))
     except MissingTool as problem:
         sys.exit(str(problem))
     except KeyboardInterrupt:

@@ -71,11 +71,11 @@ class BootCase(unittest.TestCase):
         self.folder = tempfile.mkdtemp(prefix="ventara-test-")
         self.addCleanup(shutil.rmtree, self.folder, True)
 
-    def make_image(self, starter="BOOTX64.efi", console="ventara.efi", driver="ventara-board.efi"):
-        """A disk image with these files in the three places; None leaves a place empty."""
+    def make_image(self, starter="BOOTX64.efi", console="ventara.efi", driver="ventara-board.efi", extra=()):
+        """A disk image with these files in the three places, and more; None leaves a place empty."""
         places = []
         for source, place in ((starter, "EFI/BOOT/BOOTX64.EFI"), (console, "ventara.efi"),
-                              (driver, "ventara-board.efi")):
+                              (driver, "ventara-board.efi"), *extra):
             if source is not None:
                 places.append((os.path.join(FIRMWARE, source), place))
         path = os.path.join(self.folder, "disk.img")
@@ -231,6 +231,27 @@ class WhatIsMissing(BootCase):
                 free.append(int(machine.wait_for("probe: free pages: ")))
             # The first rounds leave the firmware's own pool larger than it was.
             self.assertEqual(free[2], free[3])
+
+
+class FromTheShell(BootCase):
+    def test_driver_and_console_start_from_the_firmware_shell_and_leave_with_it(self):
+        # Without a starter the firmware finds nothing to boot and opens its shell.
+        with Machine(self.make_image(starter=None, extra=(("BOOTX64.efi", "start.efi"),))) as machine:
+            for _ in range(20):  # until the shell is there to read it; what comes early is dropped
+                machine.type("load fs0:\\ventara-board.efi\n")
+                if "ventara: board services installed" in machine.log():
+                    break
+            self.assertEqual(machine.wait_for("ventara: board services installed: "), "Success")
+            machine.type("fs0:\\ventara.efi\n")
+            machine.wait_for_console()
+            machine.key("esc")
+            machine.wait_for("ventara: pointer closed")
+            machine.type("fs0:\\start.efi\n")
+            machine.wait_for("ventara: starter")
+            machine.wait_for_console()
+            self.assertNotIn("board driver loaded", machine.log(), "the services are there already")
+            machine.key("esc")
+            self.assertEqual(machine.wait_for("ventara: returned "), "Success")
 
 
 class SecureBoot(BootCase):

@@ -266,6 +266,13 @@ class Machine:
         self.command("send-key", keys=[{"type": "qcode", "data": name} for name in names])
         time.sleep(0.2)
 
+    def type(self, text):
+        """Types the text as on a keyboard of the US layout."""
+        names = {" ": ["spc"], "\n": ["ret"], "\\": ["backslash"], ":": ["shift", "semicolon"], ".": ["dot"], "-": ["minus"],
+                 "_": ["shift", "minus"], "/": ["slash"]}
+        for character in text:
+            self.key(*names.get(character, [character.lower()]))
+
     # --- Mouse ---
 
     def _input(self, *events):
