@@ -224,6 +224,28 @@ TEST_F(Ps2Mouse, NoLossOfBytesLeavesAButtonPressed)
     }
 }
 
+// A mouse that doesn't rest gives no pause from which the next packet's start could be told.
+TEST_F(Ps2Mouse, AByteLostInAStreamWithoutPausesPressesNothing)
+{
+    for (int Lost = 0; Lost < 3; Lost++) {
+        SetUp();
+        Controller = {};
+        StartAndSetUp();
+        for (int Step = 0; Step < 60; Step++) {
+            Controller.Move(3, 0);
+            if (Step == 20) {
+                Controller.Output.erase(Controller.Output.begin() + Lost);
+            }
+            Run(5);
+            ASSERT_EQ(Left + Right, 0) << "step " << Step << ", byte " << Lost << " was lost";
+        }
+        INT64 Before = X;
+        Controller.Move(3, 0);
+        Run(100);
+        EXPECT_EQ(X - Before, 3);
+    }
+}
+
 TEST_F(Ps2Mouse, AReleaseThatIsLostAsAWholeIsAskedFor)
 {
     StartAndSetUp();
