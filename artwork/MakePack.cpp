@@ -82,7 +82,8 @@ struct RGB_IMAGE {
     std::exit(1);
 }
 
-void AppendBytes(void* Context, void* Data, int Size) {
+void AppendBytes(void* Context, void* Data, int Size)
+{
     auto* Bytes = static_cast<BYTES*>(Context);
     const auto* First = static_cast<const UINT8*>(Data);
     Bytes->insert(Bytes->end(), First, First + Size);
@@ -90,7 +91,8 @@ void AppendBytes(void* Context, void* Data, int Size) {
 
 UINT8 FlattenOnBlack(int Value, int Alpha) { return static_cast<UINT8>((Value * Alpha + 127) / 255); }
 
-RGB_IMAGE LoadPicture(const std::string& Path, const PICTURE& Picture) {
+RGB_IMAGE LoadPicture(const std::string& Path, const PICTURE& Picture)
+{
     RGB_IMAGE Image;
     int Channels = 0;
     int FullHeight = 0;
@@ -138,7 +140,8 @@ RGB_IMAGE LoadPicture(const std::string& Path, const PICTURE& Picture) {
     return Image;
 }
 
-BYTES StorePicture(const RGB_IMAGE& Image, FORMAT Format) {
+BYTES StorePicture(const RGB_IMAGE& Image, FORMAT Format)
+{
     BYTES Bytes;
     const int Written =
         Format == FORMAT::Jpeg
@@ -151,13 +154,15 @@ BYTES StorePicture(const RGB_IMAGE& Image, FORMAT Format) {
     return Bytes;
 }
 
-void PutUint32(BYTES* Bytes, UINT64 Value) {
+void PutUint32(BYTES* Bytes, UINT64 Value)
+{
     for (int Shift = 0; Shift < 32; Shift += 8) {
         Bytes->push_back(static_cast<UINT8>(Value >> Shift));
     }
 }
 
-UINT32 TakeUint32(const BYTES& Bytes, size_t Offset) {
+UINT32 TakeUint32(const BYTES& Bytes, size_t Offset)
+{
     UINT32 Value = 0;
     for (size_t Index = 0; Index < 4; Index++) {
         Value |= static_cast<UINT32>(Bytes[Offset + Index]) << (8 * Index);
@@ -165,14 +170,16 @@ UINT32 TakeUint32(const BYTES& Bytes, size_t Offset) {
     return Value;
 }
 
-void WriteFile(const char* Path, const BYTES& Bytes) {
+void WriteFile(const char* Path, const BYTES& Bytes)
+{
     FILE* File = std::fopen(Path, "wb");
     if (File == nullptr || std::fwrite(Bytes.data(), 1, Bytes.size(), File) != Bytes.size() || std::fclose(File) != 0) {
         Fail(std::string("can't write ") + Path);
     }
 }
 
-BYTES ReadFile(const char* Path) {
+BYTES ReadFile(const char* Path)
+{
     FILE* File = std::fopen(Path, "rb");
     if (File == nullptr) {
         Fail(std::string("can't read ") + Path);
@@ -186,7 +193,8 @@ BYTES ReadFile(const char* Path) {
     return Bytes;
 }
 
-void MakePack(const std::string& Directory, const char* PackPath) {
+void MakePack(const std::string& Directory, const char* PackPath)
+{
     BYTES Pack = {'V', 'T', 'R', 'P', 'A', 'C', 'K', '1'};
     PutUint32(&Pack, std::size(gPictures));
     PutUint32(&Pack, 0);
@@ -210,7 +218,8 @@ void MakePack(const std::string& Directory, const char* PackPath) {
 }
 
 // Pictures from left to right in rows, each as high as its highest.
-void MakeSheet(const char* PackPath, const char* SheetPath) {
+void MakeSheet(const char* PackPath, const char* SheetPath)
+{
     constexpr int Scale = 2;
     constexpr int Gap = 16;
     constexpr int SheetWidth = 942 * Scale + 2 * Gap;
@@ -253,7 +262,8 @@ void MakeSheet(const char* PackPath, const char* SheetPath) {
 
 } // namespace
 
-int main(int Count, char** Arguments) {
+int main(int Count, char** Arguments)
+{
     if (Count == 4 && std::string_view(Arguments[1]) == "--sheet") {
         MakeSheet(Arguments[2], Arguments[3]);
         return 0;

@@ -19,12 +19,14 @@ static ARTWORK_OVERRIDE gOverride[gMaxOverrides] = {};
 static UINTN gOverrideCount = 0;
 
 // The pack is a block of bytes without alignment: it is read byte by byte, and so also the same on every machine.
-static UINT32 ReadUint32(const UINT8* Bytes) {
+static UINT32 ReadUint32(const UINT8* Bytes)
+{
     return static_cast<UINT32>(Bytes[0]) | static_cast<UINT32>(Bytes[1]) << 8 | static_cast<UINT32>(Bytes[2]) << 16 |
            static_cast<UINT32>(Bytes[3]) << 24;
 }
 
-static ARTWORK_PACK_ENTRY ReadEntry(const UINT8* Pack, UINT32 Index) {
+static ARTWORK_PACK_ENTRY ReadEntry(const UINT8* Pack, UINT32 Index)
+{
     const UINT8* Bytes = Pack + sizeof(ARTWORK_PACK_HEADER) + Index * sizeof(ARTWORK_PACK_ENTRY);
     return {
         .File = Bytes[offsetof(ARTWORK_PACK_ENTRY, File)],
@@ -36,7 +38,8 @@ static ARTWORK_PACK_ENTRY ReadEntry(const UINT8* Pack, UINT32 Index) {
     };
 }
 
-bool CheckArtworkPack(const UINT8* Pack, UINTN Size) {
+bool CheckArtworkPack(const UINT8* Pack, UINTN Size)
+{
     if (Pack == nullptr || Size < sizeof(ARTWORK_PACK_HEADER)) {
         return false;
     }
@@ -60,13 +63,15 @@ bool CheckArtworkPack(const UINT8* Pack, UINTN Size) {
     return true;
 }
 
-VOID UseArtworkPack(const UINT8* Pack, UINTN Size) {
+VOID UseArtworkPack(const UINT8* Pack, UINTN Size)
+{
     const bool Usable = CheckArtworkPack(Pack, Size);
     gPack = Usable ? Pack : nullptr;
     gSectionCount = Usable ? ReadUint32(Pack + offsetof(ARTWORK_PACK_HEADER, Count)) : 0;
 }
 
-VOID OverrideArtwork(UINT32 Instance, const UINT8* Data, UINTN Size) {
+VOID OverrideArtwork(UINT32 Instance, const UINT8* Data, UINTN Size)
+{
     UINTN Index = 0;
     while (Index < gOverrideCount && gOverride[Index].Instance != Instance) {
         Index++;
@@ -82,16 +87,19 @@ VOID OverrideArtwork(UINT32 Instance, const UINT8* Data, UINTN Size) {
 
 VOID SetArtworkSectionType(UINT8 SectionType) { gForcedSectionType = SectionType; }
 
-VOID ResetArtwork() {
+VOID ResetArtwork()
+{
     gOverrideCount = 0;
     gForcedSectionType = 0;
 }
 
-static bool IsType(UINT8 Stored, UINT8 Wanted) {
+static bool IsType(UINT8 Stored, UINT8 Wanted)
+{
     return Wanted == (gForcedSectionType != 0 ? gForcedSectionType : Stored);
 }
 
-static const ARTWORK_OVERRIDE* FindOverride(UINT32 Instance) {
+static const ARTWORK_OVERRIDE* FindOverride(UINT32 Instance)
+{
     for (UINTN Index = 0; Index < gOverrideCount; Index++) {
         if (gOverride[Index].Instance == Instance) {
             return &gOverride[Index];
@@ -100,7 +108,8 @@ static const ARTWORK_OVERRIDE* FindOverride(UINT32 Instance) {
     return nullptr;
 }
 
-static bool HasSection(UINT32 Instance) {
+static bool HasSection(UINT32 Instance)
+{
     for (UINT32 Index = 0; Index < gSectionCount; Index++) {
         const ARTWORK_PACK_ENTRY Entry = ReadEntry(gPack, Index);
         if (Entry.File == ARTWORK_FILE_MAIN && Entry.Instance == Instance) {
@@ -110,7 +119,8 @@ static bool HasSection(UINT32 Instance) {
     return false;
 }
 
-bool FindArtworkSection(UINT8 File, UINT8 SectionType, const UINT32* Instance, const UINT8** Data, UINTN* Size) {
+bool FindArtworkSection(UINT8 File, UINT8 SectionType, const UINT32* Instance, const UINT8** Data, UINTN* Size)
+{
     for (UINT32 Index = 0; Index < gSectionCount; Index++) {
         const ARTWORK_PACK_ENTRY Entry = ReadEntry(gPack, Index);
         if (Entry.File != File || !IsType(Entry.SectionType, SectionType) ||

@@ -4,7 +4,8 @@ static EFI_BOOT_SERVICES* gArtworkBootServices = nullptr;
 
 VOID UseArtworkPool(EFI_BOOT_SERVICES* BootServices) { gArtworkBootServices = BootServices; }
 
-VOID* AllocateArtworkPool(UINTN Size) {
+VOID* AllocateArtworkPool(UINTN Size)
+{
     VOID* Block = nullptr;
     if (EfiError(gArtworkBootServices->AllocatePool(EfiBootServicesData, Size, &Block))) {
         return nullptr;
@@ -12,7 +13,8 @@ VOID* AllocateArtworkPool(UINTN Size) {
     return Block;
 }
 
-VOID FreeArtworkPool(VOID* Block) {
+VOID FreeArtworkPool(VOID* Block)
+{
     if (Block != nullptr) {
         (void)gArtworkBootServices->FreePool(Block);
     }

@@ -1,7 +1,8 @@
 #include "platform/board/ArtworkServices.h"
 #include "platform/board/ArtworkSections.h"
 
-static bool IsSameGuid(const EFI_GUID& A, const EFI_GUID& B) {
+static bool IsSameGuid(const EFI_GUID& A, const EFI_GUID& B)
+{
     bool Same = A.Data1 == B.Data1 && A.Data2 == B.Data2 && A.Data3 == B.Data3;
     for (UINTN Index = 0; Index < sizeof(A.Data4); Index++) {
         Same = Same && A.Data4[Index] == B.Data4[Index];
@@ -10,7 +11,8 @@ static bool IsSameGuid(const EFI_GUID& A, const EFI_GUID& B) {
 }
 
 static EFI_STATUS CopySection(const EFI_GUID* FileGuid, UINT8 SectionType, const UINT32* Instance, VOID** Data,
-                              UINTN* Size) {
+                              UINTN* Size)
+{
     UINT8 File = 0;
     if (IsSameGuid(*FileGuid, gArtworkFileGuid)) {
         File = ARTWORK_FILE_MAIN;
@@ -36,7 +38,8 @@ static EFI_STATUS CopySection(const EFI_GUID* FileGuid, UINT8 SectionType, const
     return EFI_SUCCESS;
 }
 
-static EFI_STATUS GetFileSection(const EFI_GUID* FileGuid, UINT8 SectionType, VOID** Data, UINTN* Size) {
+static EFI_STATUS GetFileSection(const EFI_GUID* FileGuid, UINT8 SectionType, VOID** Data, UINTN* Size)
+{
     if (FileGuid == nullptr || Data == nullptr || Size == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -44,7 +47,8 @@ static EFI_STATUS GetFileSection(const EFI_GUID* FileGuid, UINT8 SectionType, VO
 }
 
 static EFI_STATUS GetArtworkSection(UINT32 Instance, VOID** Data, UINTN* Size, const EFI_GUID* FileGuid,
-                                    const UINT8* SectionType) {
+                                    const UINT8* SectionType)
+{
     if (FileGuid == nullptr || SectionType == nullptr || Data == nullptr || Size == nullptr) {
         return EFI_INVALID_PARAMETER;
     }

@@ -30,7 +30,8 @@ UINT64 gBoardRequiredService;
 
 } // namespace
 
-EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIONS* Options, EFI_HANDLE* Handle) {
+EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIONS* Options, EFI_HANDLE* Handle)
+{
     if (SystemTable == nullptr || Options == nullptr || Handle == nullptr || Options->Microseconds == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -57,7 +58,8 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
         static_cast<VOID*>(nullptr));
 }
 
-EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle) {
+EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle)
+{
     if (Handle == nullptr || gServices == nullptr) {
         return EFI_INVALID_PARAMETER;
     }

@@ -109,14 +109,16 @@ constexpr INT32 gLineY = 690;
 constexpr INT32 gWordGap = 11;
 
 // The colour that lies Part of Whole of the way from one colour to another.
-PIXEL Mix(const PIXEL& From, const PIXEL& To, INT32 Part, INT32 Whole) {
+PIXEL Mix(const PIXEL& From, const PIXEL& To, INT32 Part, INT32 Whole)
+{
     const auto Channel = [&](INT32 A, INT32 B) {
         return static_cast<UINT8>((A * (Whole - Part) + B * Part + Whole / 2) / Whole);
     };
     return {Channel(From.Blue, To.Blue), Channel(From.Green, To.Green), Channel(From.Red, To.Red), 0};
 }
 
-VOID PaintGround(PIXEL* Display) {
+VOID PaintGround(PIXEL* Display)
+{
     for (INT32 Y = 0; Y < gHeight; Y++) {
         for (INT32 X = 0; X < gWidth; X++) {
             // Mostly from top to bottom, a little from left to right: light comes from the upper left.
@@ -128,7 +130,8 @@ VOID PaintGround(PIXEL* Display) {
 // All places of a sample are in units of 1/(2 * gSamples) of a pixel from the mark's centre, squares fit an INT32.
 constexpr INT32 gGrain = 2 * gSamples;
 
-bool IsInBlade(INT32 X, INT32 Y, const BLADE_AXIS& Axis) {
+bool IsInBlade(INT32 X, INT32 Y, const BLADE_AXIS& Axis)
+{
     const INT32 Along = (X * Axis.Cosine + Y * Axis.Sine) / gUnit;
     const INT32 Across = (Y * Axis.Cosine - X * Axis.Sine) / gUnit;
     for (const BLADE_DISC& Disc : gBladeDiscs) {
@@ -142,7 +145,8 @@ bool IsInBlade(INT32 X, INT32 Y, const BLADE_AXIS& Axis) {
     return true;
 }
 
-bool IsInMark(INT32 X, INT32 Y) {
+bool IsInMark(INT32 X, INT32 Y)
+{
     const INT32 Square = X * X + Y * Y;
     if (Square <= gHubRadius * gHubRadius * gGrain * gGrain) {
         return true;
@@ -158,7 +162,8 @@ bool IsInMark(INT32 X, INT32 Y) {
     return false;
 }
 
-VOID PaintMark(PIXEL* Display) {
+VOID PaintMark(PIXEL* Display)
+{
     for (INT32 Y = -gMarkRadius; Y < gMarkRadius; Y++) {
         for (INT32 X = -gMarkRadius; X < gMarkRadius; X++) {
             INT32 Inside = 0;
@@ -181,7 +186,8 @@ VOID PaintMark(PIXEL* Display) {
     }
 }
 
-INT32 MeasureText(const CHAR8* Row) {
+INT32 MeasureText(const CHAR8* Row)
+{
     INT32 Width = 0;
     while (Row[Width] != 0) {
         Width++;
@@ -189,7 +195,8 @@ INT32 MeasureText(const CHAR8* Row) {
     return Width;
 }
 
-VOID PaintPart(PIXEL* Display, INT32 X, INT32 Y, const TEXT_PART& Part) {
+VOID PaintPart(PIXEL* Display, INT32 X, INT32 Y, const TEXT_PART& Part)
+{
     for (INT32 Row = 0; Row < gTextHeight; Row++) {
         for (INT32 Column = 0; Part.Rows[Row][Column] != 0; Column++) {
             if (Part.Rows[Row][Column] == '#') {
@@ -200,7 +207,8 @@ VOID PaintPart(PIXEL* Display, INT32 X, INT32 Y, const TEXT_PART& Part) {
 }
 
 // The line stands in the middle of the display's width.
-VOID PaintLine(PIXEL* Display) {
+VOID PaintLine(PIXEL* Display)
+{
     INT32 Width = -gWordGap;
     for (const TEXT_PART& Part : gLine) {
         Width += MeasureText(Part.Rows[0]) + gWordGap;
@@ -214,7 +222,8 @@ VOID PaintLine(PIXEL* Display) {
 
 } // namespace
 
-VOID PaintBootScreen(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Display) {
+VOID PaintBootScreen(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Display)
+{
     PaintGround(Display);
     PaintMark(Display);
     PaintLine(Display);

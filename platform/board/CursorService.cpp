@@ -9,12 +9,14 @@ POINTER_SOURCE* gSource;
 UINTN gLimitWidth = gScreenWidth;
 UINTN gLimitHeight = gScreenHeight;
 
-INT64 ClampTo(INT64 Position, UINTN Limit) {
+INT64 ClampTo(INT64 Position, UINTN Limit)
+{
     const INT64 Last = Limit == 0 ? 0 : static_cast<INT64>(Limit - 1);
     return Position < 0 ? 0 : Position > Last ? Last : Position;
 }
 
-EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Right) {
+EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Right)
+{
     if (X == nullptr || Y == nullptr || Z == nullptr || Left == nullptr || Right == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -33,7 +35,8 @@ EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Righ
     return EFI_SUCCESS;
 }
 
-EFI_STATUS SetCursorLimits(UINTN Width, UINTN Height) {
+EFI_STATUS SetCursorLimits(UINTN Width, UINTN Height)
+{
     gLimitWidth = Width;
     gLimitHeight = Height;
     if (gSource != nullptr && gSource->SetLimits != nullptr) {
@@ -42,7 +45,8 @@ EFI_STATUS SetCursorLimits(UINTN Width, UINTN Height) {
     return EFI_SUCCESS;
 }
 
-EFI_STATUS CloseCursor() {
+EFI_STATUS CloseCursor()
+{
     if (gSource != nullptr && gSource->Close != nullptr) {
         gSource->Close(gSource);
     }
@@ -57,7 +61,8 @@ CURSOR_SERVICE_PROTOCOL gBoardCursor = {
     .CloseCursor = CloseCursor,
 };
 
-VOID UsePointerSource(POINTER_SOURCE* Source) {
+VOID UsePointerSource(POINTER_SOURCE* Source)
+{
     gSource = Source;
     gLimitWidth = gScreenWidth;
     gLimitHeight = gScreenHeight;

@@ -10,7 +10,8 @@ VOID SetDecoderGeneration(UINT8 Generation) { gGeneration = Generation; }
 
 static EFI_STATUS ConvertJPEGToUgaBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
                                        EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
-                                       UINT32* Width, UINT32* PixelsPerRow) {
+                                       UINT32* Width, UINT32* PixelsPerRow)
+{
     if (Image == nullptr || Blt == nullptr || BltSize == nullptr || Height == nullptr || Width == nullptr ||
         PixelsPerRow == nullptr) {
         return EFI_INVALID_PARAMETER;
@@ -25,7 +26,8 @@ static EFI_STATUS ConvertJPEGToUgaBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Imag
 
 static EFI_STATUS ConvertBmpToGopBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
                                       EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
-                                      UINT32* Width) {
+                                      UINT32* Width)
+{
     if (Image == nullptr || Blt == nullptr || BltSize == nullptr || Height == nullptr || Width == nullptr) {
         return EFI_INVALID_PARAMETER;
     }

@@ -12,7 +12,8 @@ struct CURVE_NODE {
     UINT8 Level;
 };
 
-constexpr FAN_SETTING MakeCurve(UINT8 Enabled, const CURVE_NODE (&Nodes)[4], UINT16 FixedLevel) {
+constexpr FAN_SETTING MakeCurve(UINT8 Enabled, const CURVE_NODE (&Nodes)[4], UINT16 FixedLevel)
+{
     FAN_SETTING Setting = {};
     Setting.CurveEnabled = Enabled;
     Setting.Column0 = Nodes[0].Column;
@@ -27,7 +28,8 @@ constexpr FAN_SETTING MakeCurve(UINT8 Enabled, const CURVE_NODE (&Nodes)[4], UIN
     return Setting;
 }
 
-constexpr FAN_SETTING MakeFixedLevel(UINT16 FixedLevel) {
+constexpr FAN_SETTING MakeFixedLevel(UINT16 FixedLevel)
+{
     FAN_SETTING Setting = {};
     Setting.FixedLevel = FixedLevel;
     return Setting;
@@ -51,7 +53,8 @@ bool gFullSpeed[gFanItemCount];
 UINT64 gFaults;
 const CHAR8* gLastFault;
 
-const FAN_SETTING& BuiltInDefault(UINT8 FanItem) {
+const FAN_SETTING& BuiltInDefault(UINT8 FanItem)
+{
     if (FanItem == 8) {
         return gCurve6OffDefault;
     }
@@ -68,14 +71,16 @@ const FAN_SETTING& BuiltInDefault(UINT8 FanItem) {
     }
 }
 
-VOID HoldAll(const FAN_SETTING* Settings) {
+VOID HoldAll(const FAN_SETTING* Settings)
+{
     for (UINT8 Index = 0; Index < gFanItemCount; Index++) {
         gHeld[Index] = Settings[Index];
         gFullSpeed[Index] = false;
     }
 }
 
-const CHAR8* CheckCurve(const FAN_SETTING* Setting, UINT8 Rows) {
+const CHAR8* CheckCurve(const FAN_SETTING* Setting, UINT8 Rows)
+{
     const UINT8 Columns[4] = {Setting->Column0, Setting->Column1, Setting->Column2, Setting->Column3};
     const UINT8 Levels[4] = {Setting->Level0, Setting->Level1, Setting->Level2, Setting->Level3};
     for (UINTN Node = 0; Node < 4; Node++) {
@@ -95,12 +100,14 @@ const CHAR8* CheckCurve(const FAN_SETTING* Setting, UINT8 Rows) {
     return nullptr;
 }
 
-bool HasCurve(const FAN_SETTING* Setting) {
+bool HasCurve(const FAN_SETTING* Setting)
+{
     return (Setting->CurveEnabled | Setting->Column3 | Setting->Column2 | Setting->Column1 | Setting->Column0 |
             Setting->Level0 | Setting->Level1 | Setting->Level2 | Setting->Level3) != 0;
 }
 
-const CHAR8* CheckForBoard(UINT8 FanItem, const FAN_SETTING* Setting) {
+const CHAR8* CheckForBoard(UINT8 FanItem, const FAN_SETTING* Setting)
+{
     if (Setting == nullptr) {
         return "no record";
     }
@@ -112,7 +119,8 @@ const CHAR8* CheckForBoard(UINT8 FanItem, const FAN_SETTING* Setting) {
 
 } // namespace
 
-VOID ResetFanStore(const SIMULATED_BOARD* Board) {
+VOID ResetFanStore(const SIMULATED_BOARD* Board)
+{
     gBoard = Board;
     for (UINT8 Index = 0; Index < gFanItemCount; Index++) {
         gDefault[Index] = BuiltInDefault(static_cast<UINT8>(gFirstFanItem + Index));
@@ -123,7 +131,8 @@ VOID ResetFanStore(const SIMULATED_BOARD* Board) {
     gLastFault = nullptr;
 }
 
-VOID MarkFanStore() {
+VOID MarkFanStore()
+{
     for (UINT8 Index = 0; Index < gFanItemCount; Index++) {
         gMark[Index] = gHeld[Index];
     }
@@ -131,7 +140,8 @@ VOID MarkFanStore() {
 
 const FAN_SETTING* HeldFanSetting(UINT8 FanItem) { return &gHeld[FanItem - gFirstFanItem]; }
 
-EFI_STATUS StoreFanSetting(UINT8 FanItem, const FAN_SETTING* Setting) {
+EFI_STATUS StoreFanSetting(UINT8 FanItem, const FAN_SETTING* Setting)
+{
     if (const CHAR8* Fault = CheckForBoard(FanItem, Setting)) {
         gFaults++;
         gLastFault = Fault;
@@ -146,7 +156,8 @@ VOID LoadFanDefaults() { HoldAll(gDefault); }
 
 VOID RestoreFanStore() { HoldAll(gMark); }
 
-VOID HoldFullSpeed() {
+VOID HoldFullSpeed()
+{
     for (bool& Full : gFullSpeed) {
         Full = true;
     }
@@ -156,7 +167,8 @@ bool RunsFullSpeed(UINT8 FanItem) { return gFullSpeed[FanItem - gFirstFanItem]; 
 
 const FAN_SETTING* AutomaticFanSetting() { return &gCurve8Default; }
 
-const CHAR8* CheckFanSetting(FAN_CONTROL Control, const FAN_SETTING* Setting) {
+const CHAR8* CheckFanSetting(FAN_CONTROL Control, const FAN_SETTING* Setting)
+{
     if (Setting->CurveEnabled > 1) {
         return "CurveEnabled is neither 0 nor 1";
     }
@@ -189,7 +201,8 @@ UINT64 BoardContractFaults() { return gFaults; }
 
 const CHAR8* LastBoardContractFault() { return gLastFault; }
 
-EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting) {
+EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting)
+{
     if (!IsFanItem(FanItem) || Setting == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -200,7 +213,8 @@ EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting) {
     return EFI_SUCCESS;
 }
 
-EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting) {
+EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting)
+{
     if (!IsFanItem(FanItem) || Setting == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -208,7 +222,8 @@ EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting) {
     return EFI_SUCCESS;
 }
 
-EFI_STATUS ReadBoardSetting(UINT8 FanItem, FAN_SETTING* Setting) {
+EFI_STATUS ReadBoardSetting(UINT8 FanItem, FAN_SETTING* Setting)
+{
     if (!IsFanItem(FanItem) || Setting == nullptr) {
         return EFI_INVALID_PARAMETER;
     }

@@ -17,7 +17,8 @@ bool IsNumber(float Value) { return Value == Value; }
 bool IsInfinite(float Value) { return IsNumber(Value) && !IsNumber(Value - Value); }
 
 // Exact up to 22 and close enough beyond for the nine digits of a single.
-double PowerOfTen(INT32 Exponent) {
+double PowerOfTen(INT32 Exponent)
+{
     double Power = 1;
     for (; Exponent > 0; Exponent--) {
         Power *= 10;
@@ -25,12 +26,14 @@ double PowerOfTen(INT32 Exponent) {
     return Power;
 }
 
-double Scale(double Value, INT32 Exponent) {
+double Scale(double Value, INT32 Exponent)
+{
     return Exponent >= 0 ? Value * PowerOfTen(Exponent) : Value / PowerOfTen(-Exponent);
 }
 
 // Exponent e with 10^e <= Value < 10^(e+1).
-INT32 DecimalExponent(double Value) {
+INT32 DecimalExponent(double Value)
+{
     INT32 Exponent = 0;
     while (Value >= PowerOfTen(Exponent + 1)) {
         Exponent++;
@@ -47,7 +50,8 @@ struct DECIMAL {
 };
 
 // The fewest digits that give back the same single.
-DECIMAL ShortestDecimal(float Value) {
+DECIMAL ShortestDecimal(float Value)
+{
     const INT32 Exponent = DecimalExponent(Value);
     DECIMAL Decimal = {};
     for (INT32 Count = 1; Count <= gMaximumDigits; Count++) {
@@ -68,7 +72,8 @@ struct BACKWARD_TEXT {
     VOID Put(CHAR16 Char) { Text[--Start] = Char; }
 };
 
-VOID PutDecimal(BACKWARD_TEXT* Out, DECIMAL Decimal) {
+VOID PutDecimal(BACKWARD_TEXT* Out, DECIMAL Decimal)
+{
     while (Decimal.Places > 0 && Decimal.Digits % 10 == 0) {
         Decimal.Digits /= 10;
         Decimal.Places--;
@@ -92,13 +97,15 @@ VOID PutDecimal(BACKWARD_TEXT* Out, DECIMAL Decimal) {
     }
 }
 
-VOID PutName(BACKWARD_TEXT* Out, CHAR16 A, CHAR16 B, CHAR16 C) {
+VOID PutName(BACKWARD_TEXT* Out, CHAR16 A, CHAR16 B, CHAR16 C)
+{
     Out->Put(C);
     Out->Put(B);
     Out->Put(A);
 }
 
-EFI_STATUS FloatToString(FLOAT_WORD Word, CHAR16* Buffer, UINTN Length) {
+EFI_STATUS FloatToString(FLOAT_WORD Word, CHAR16* Buffer, UINTN Length)
+{
     if (Buffer == nullptr || Length == 0) {
         return EFI_INVALID_PARAMETER;
     }
@@ -136,7 +143,8 @@ FLOAT_WORD FloatSubtract(FLOAT_WORD A, FLOAT_WORD B) { return ToWord(ToFloat(A) 
 FLOAT_WORD FloatMultiply(FLOAT_WORD A, FLOAT_WORD B) { return ToWord(ToFloat(A) * ToFloat(B)); }
 
 // Without a detour over a divisor of 0, which the language leaves open although the processor doesn't.
-FLOAT_WORD FloatDivide(FLOAT_WORD A, FLOAT_WORD B) {
+FLOAT_WORD FloatDivide(FLOAT_WORD A, FLOAT_WORD B)
+{
     const float Dividend = ToFloat(A);
     const float Divisor = ToFloat(B);
     if (Divisor != 0) {
@@ -151,7 +159,8 @@ FLOAT_WORD FloatDivide(FLOAT_WORD A, FLOAT_WORD B) {
     return Infinity | ((static_cast<UINT32>(A) ^ static_cast<UINT32>(B)) & SignBit);
 }
 
-INT64 FloatToInt(FLOAT_WORD A) {
+INT64 FloatToInt(FLOAT_WORD A)
+{
     constexpr float Beyond = 9223372036854775808.0f; // 2^63, the first value that no longer fits
     constexpr INT64 Maximum = 0x7FFFFFFFFFFFFFFFll;
     const float Value = ToFloat(A);

@@ -12,14 +12,16 @@ EFI_BOOT_SERVICES* gServices;
 // Before a setting changes, the model catches up under the old one: time that has passed keeps its setting.
 VOID CatchUp() { AdvanceThermal(gMicroseconds()); }
 
-EFI_STATUS Initialize(HW_SERVICE_PROTOCOL*) {
+EFI_STATUS Initialize(HW_SERVICE_PROTOCOL*)
+{
     MarkFanStore();
     return EFI_SUCCESS;
 }
 
 UINT8 GetFanKind(HW_SERVICE_PROTOCOL*, UINT8) { return gBoard->FanKind; }
 
-CHAR16* GetItemString(HW_SERVICE_PROTOCOL*, UINT8 ItemId) {
+CHAR16* GetItemString(HW_SERVICE_PROTOCOL*, UINT8 ItemId)
+{
     const CHAR16* Text = TextOfItem(gBoard, ItemId);
     if (Text == nullptr) {
         return nullptr;
@@ -39,7 +41,8 @@ CHAR16* GetItemString(HW_SERVICE_PROTOCOL*, UINT8 ItemId) {
     return Copy;
 }
 
-EFI_STATUS GetItemValue(HW_SERVICE_PROTOCOL*, UINT8 ItemId, UINT64* Value, UINT8* Present) {
+EFI_STATUS GetItemValue(HW_SERVICE_PROTOCOL*, UINT8 ItemId, UINT64* Value, UINT8* Present)
+{
     if (Value == nullptr || Present == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -54,7 +57,8 @@ EFI_STATUS GetItemValue(HW_SERVICE_PROTOCOL*, UINT8 ItemId, UINT64* Value, UINT8
     return EFI_SUCCESS;
 }
 
-template <UINT8 FanItem> EFI_STATUS GetSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING* Setting) {
+template <UINT8 FanItem> EFI_STATUS GetSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING* Setting)
+{
     if (Setting == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -62,26 +66,30 @@ template <UINT8 FanItem> EFI_STATUS GetSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING
     return EFI_SUCCESS;
 }
 
-template <UINT8 FanItem> EFI_STATUS SetSetting(HW_SERVICE_PROTOCOL*, const FAN_SETTING* Setting) {
+template <UINT8 FanItem> EFI_STATUS SetSetting(HW_SERVICE_PROTOCOL*, const FAN_SETTING* Setting)
+{
     CatchUp();
     return StoreFanSetting(FanItem, Setting);
 }
 
 template <UINT8 FanItem> constexpr FAN_SETTING_ACCESS gAccess = {GetSetting<FanItem>, SetSetting<FanItem>};
 
-EFI_STATUS LoadDefaultFanSettings(HW_SERVICE_PROTOCOL*) {
+EFI_STATUS LoadDefaultFanSettings(HW_SERVICE_PROTOCOL*)
+{
     CatchUp();
     LoadFanDefaults();
     return EFI_SUCCESS;
 }
 
-EFI_STATUS SetAllFansFullSpeed(HW_SERVICE_PROTOCOL*) {
+EFI_STATUS SetAllFansFullSpeed(HW_SERVICE_PROTOCOL*)
+{
     CatchUp();
     HoldFullSpeed();
     return EFI_SUCCESS;
 }
 
-EFI_STATUS RestoreFanSettings(HW_SERVICE_PROTOCOL*) {
+EFI_STATUS RestoreFanSettings(HW_SERVICE_PROTOCOL*)
+{
     CatchUp();
     RestoreFanStore();
     return EFI_SUCCESS;
@@ -102,7 +110,8 @@ HW_SERVICE_PROTOCOL gBoardHardware = {
     .RestoreFanSettings = RestoreFanSettings,
 };
 
-VOID UseHardware(const SIMULATED_BOARD* Board, UINT64 (*Microseconds)(), EFI_BOOT_SERVICES* BootServices) {
+VOID UseHardware(const SIMULATED_BOARD* Board, UINT64 (*Microseconds)(), EFI_BOOT_SERVICES* BootServices)
+{
     gBoard = Board;
     gMicroseconds = Microseconds;
     gServices = BootServices;

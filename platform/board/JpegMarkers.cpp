@@ -13,7 +13,8 @@ constexpr UINT32 gHuffmanLengths = 16;   // code lengths of 1 to 16 bits
 constexpr UINT32 gMaxHuffmanSymbols = 256;
 
 // Body of a segment: any number of tables, each with its class and number, a count for each code length, and symbols.
-static bool CheckHuffmanTables(const UINT8* Body, UINT32 Size) {
+static bool CheckHuffmanTables(const UINT8* Body, UINT32 Size)
+{
     UINT32 Place = 0;
     while (Place < Size) {
         if (Size - Place < 1 + gHuffmanLengths) {
@@ -33,7 +34,8 @@ static bool CheckHuffmanTables(const UINT8* Body, UINT32 Size) {
 }
 
 // Where the coded data of a scan ends: at the next prefix that begins a marker other than a restart.
-static UINT32 SkipCodedData(const UINT8* Image, UINT32 ImageSize, UINT32 Place) {
+static UINT32 SkipCodedData(const UINT8* Image, UINT32 ImageSize, UINT32 Place)
+{
     while (ImageSize - Place >= 2) {
         const UINT8 Next = Image[Place + 1];
         const bool Coded = Next == gStuffedByte || (Next >= gFirstRestart && Next <= gLastRestart);
@@ -45,7 +47,8 @@ static UINT32 SkipCodedData(const UINT8* Image, UINT32 ImageSize, UINT32 Place) 
     return Place;
 }
 
-bool CheckJpegMarkers(const UINT8* Image, UINT32 ImageSize) {
+bool CheckJpegMarkers(const UINT8* Image, UINT32 ImageSize)
+{
     if (ImageSize < 2 || Image[0] != gMarkerPrefix || Image[1] != gStartOfImage) {
         return false;
     }

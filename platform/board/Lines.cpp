@@ -11,7 +11,8 @@ INT64 Larger(INT64 A, INT64 B) { return A > B ? A : B; }
 INT64 Smaller(INT64 A, INT64 B) { return A < B ? A : B; }
 
 // Quotient towards negative infinity; the divisor is positive.
-INT64 FloorDivide(INT64 Dividend, INT64 Divisor) {
+INT64 FloorDivide(INT64 Dividend, INT64 Divisor)
+{
     const INT64 Quotient = Dividend / Divisor;
     return Quotient * Divisor > Dividend ? Quotient - 1 : Quotient;
 }
@@ -19,7 +20,8 @@ INT64 FloorDivide(INT64 Dividend, INT64 Divisor) {
 } // namespace
 
 EFI_STATUS DrawLine(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer, UINTN BufferWidth, UINTN BufferHeight, UINTN X0, UINTN Y0,
-                    UINTN X1, UINTN Y1, UINTN Thickness, UINT32 Color) {
+                    UINTN X1, UINTN Y1, UINTN Thickness, UINT32 Color)
+{
     INT64 StartX = static_cast<INT64>(X0);
     INT64 StartY = static_cast<INT64>(Y0);
     INT64 EndX = static_cast<INT64>(X1);

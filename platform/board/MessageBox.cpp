@@ -64,7 +64,8 @@ static_assert(offsetof(BOX_STATE, ButtonMode) == offsetof(MESSAGE_BOX, ButtonMod
 
 EFI_BOOT_SERVICES* gServices;
 
-template <typename T> T* LocateService(const EFI_GUID& Guid) {
+template <typename T> T* LocateService(const EFI_GUID& Guid)
+{
     VOID* Interface = nullptr;
     if (gServices == nullptr || EfiError(gServices->LocateProtocol(&Guid, nullptr, &Interface))) {
         return nullptr;
@@ -76,7 +77,8 @@ UINTN Larger(UINTN A, UINTN B) { return A > B ? A : B; }
 
 UINTN Smaller(UINTN A, UINTN B) { return A < B ? A : B; }
 
-bool IsWide(CHAR16 Char) {
+bool IsWide(CHAR16 Char)
+{
     return (Char >= 0x1100 && Char <= 0x115F) || (Char >= 0x2E80 && Char <= 0xD7A3) ||
            (Char >= 0xF900 && Char <= 0xFAFF) || (Char >= 0xFF00 && Char <= 0xFF60);
 }
@@ -90,7 +92,8 @@ struct TEXT_ROW {
 };
 
 // Takes the next row off *Text, which becomes null behind the last one.
-TEXT_ROW NextRow(const CHAR16** Text) {
+TEXT_ROW NextRow(const CHAR16** Text)
+{
     TEXT_ROW Row = {.Text = *Text, .Count = 0, .Width = 0, .Blank = true};
     const CHAR16* Char = *Text;
     for (; *Char != 0 && *Char != u'\n'; Char++) {
@@ -107,7 +110,8 @@ struct TEXT_SIZE {
     UINTN Width;
 };
 
-VOID AddTextSize(TEXT_SIZE* Size, const CHAR16* Text) {
+VOID AddTextSize(TEXT_SIZE* Size, const CHAR16* Text)
+{
     for (const CHAR16* Rest = Text; Rest != nullptr;) {
         const TEXT_ROW Row = NextRow(&Rest);
         Size->Rows++;
@@ -118,7 +122,8 @@ VOID AddTextSize(TEXT_SIZE* Size, const CHAR16* Text) {
 const CHAR16* TextOrEmpty(const CHAR16* Text) { return Text == nullptr ? u"" : Text; }
 
 // The button lies in the middle, above the lower margin. In a box too small for it, it is as large as the box allows.
-VOID PlaceButton(BOX_STATE* State) {
+VOID PlaceButton(BOX_STATE* State)
+{
     if (State->ButtonText == nullptr) {
         return;
     }
@@ -133,7 +138,8 @@ VOID PlaceButton(BOX_STATE* State) {
     State->ButtonY = static_cast<UINT16>(State->Y + State->BoxHeight - Height - Below);
 }
 
-VOID Fill(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const PIXEL& Color, UINTN X, UINTN Y, UINTN Width, UINTN Height) {
+VOID Fill(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const PIXEL& Color, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
     if (Width == 0 || Height == 0) {
         return;
     }
@@ -143,7 +149,8 @@ VOID Fill(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const PIXEL& Color, UINTN X, UI
 
 // Four bars inside the rectangle.
 VOID DrawOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const PIXEL& Color, UINTN X, UINTN Y, UINTN Width, UINTN Height,
-                 UINTN Thickness) {
+                 UINTN Thickness)
+{
     if (Width < 2 * Thickness || Height < 2 * Thickness) {
         Fill(Display, Color, X, Y, Width, Height);
         return;
@@ -154,14 +161,16 @@ VOID DrawOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const PIXEL& Color, UINT
     Fill(Display, Color, X + Width - Thickness, Y + Thickness, Thickness, Height - 2 * Thickness);
 }
 
-VOID DrawButtonOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State) {
+VOID DrawButtonOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State)
+{
     DrawOutline(Display, State.Hover != 0 ? gButtonHover : gButtonRest, State.ButtonX, State.ButtonY,
                 State.ButtonWidth, State.ButtonHeight, gOutline);
 }
 
 // Draws one row with its left upper corner at (X, Y), cut to Width by Height; nothing where the font has no picture.
 VOID DrawRow(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const TEXT_ROW& Row, const PIXEL& Background, UINTN X, UINTN Y,
-             UINTN Width, UINTN Height) {
+             UINTN Width, UINTN Height)
+{
     const EFI_HII_FONT_PROTOCOL* Font = LocateService<EFI_HII_FONT_PROTOCOL>(gEfiHiiFontProtocolGuid);
     if (Font == nullptr || Row.Blank || Width == 0 || Height == 0) {
         return;
@@ -208,7 +217,8 @@ VOID DrawRow(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const TEXT_ROW& Row, const P
     }
 }
 
-VOID DrawLines(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State) {
+VOID DrawLines(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State)
+{
     if (State.BoxWidth <= 2 * gMarginX) {
         return;
     }
@@ -227,7 +237,8 @@ VOID DrawLines(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State) {
     }
 }
 
-VOID DrawButton(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State) {
+VOID DrawButton(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State)
+{
     Fill(Display, gButtonFill, State.ButtonX, State.ButtonY, State.ButtonWidth, State.ButtonHeight);
     DrawButtonOutline(Display, State);
     if (State.ButtonWidth <= 2 * gOutline || State.ButtonHeight <= 2 * gOutline) {
@@ -243,7 +254,8 @@ VOID DrawButton(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State) {
             State.ButtonY + gOutline + (Height - TextHeight) / 2, TextWidth, TextHeight);
 }
 
-bool IsOnButton(const BOX_STATE& State, UINTN X, UINTN Y) {
+bool IsOnButton(const BOX_STATE& State, UINTN X, UINTN Y)
+{
     return State.ButtonText != nullptr && X >= State.ButtonX && X < UINTN{State.ButtonX} + State.ButtonWidth &&
            Y >= State.ButtonY && Y < UINTN{State.ButtonY} + State.ButtonHeight;
 }
@@ -253,7 +265,8 @@ bool IsOnButton(const BOX_STATE& State, UINTN X, UINTN Y) {
 VOID UseMessageBoxServices(EFI_BOOT_SERVICES* BootServices) { gServices = BootServices; }
 
 EFI_STATUS CreateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y, UINTN Width, UINTN Height, UINT16 LineCount,
-                            CHAR16** Lines, UINT16 ButtonCount, CHAR16** Buttons) {
+                            CHAR16** Lines, UINT16 ButtonCount, CHAR16** Buttons)
+{
     if (Box == nullptr || X >= gScreenWidth || Y >= gScreenHeight || (LineCount != 0 && Lines == nullptr) ||
         (ButtonCount != 0 && Buttons == nullptr)) {
         return EFI_INVALID_PARAMETER;
@@ -286,7 +299,8 @@ EFI_STATUS CreateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y, UINTN Width, UIN
     return EFI_SUCCESS;
 }
 
-EFI_STATUS DrawMessageBox(MESSAGE_BOX* Box) {
+EFI_STATUS DrawMessageBox(MESSAGE_BOX* Box)
+{
     if (Box == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -309,7 +323,8 @@ EFI_STATUS DrawMessageBox(MESSAGE_BOX* Box) {
     return EFI_SUCCESS;
 }
 
-EFI_STATUS UpdateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y) {
+EFI_STATUS UpdateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y)
+{
     if (Box == nullptr) {
         return EFI_INVALID_PARAMETER;
     }

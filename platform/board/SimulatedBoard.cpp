@@ -81,7 +81,8 @@ constexpr ITEM_TEXT gItemTexts[] = {
     {STRING_ABOUT_ADDRESS, u"            www.kestrin.example"},
 };
 
-bool SameText(const CHAR8* A, const CHAR8* B) {
+bool SameText(const CHAR8* A, const CHAR8* B)
+{
     while (*A != 0 && *A == *B) {
         A++;
         B++;
@@ -91,7 +92,8 @@ bool SameText(const CHAR8* A, const CHAR8* B) {
 
 } // namespace
 
-const SIMULATED_BOARD* FindSimulatedBoard(const CHAR8* Name) {
+const SIMULATED_BOARD* FindSimulatedBoard(const CHAR8* Name)
+{
     if (Name == nullptr) {
         return &gBoards[0];
     }
@@ -103,13 +105,15 @@ const SIMULATED_BOARD* FindSimulatedBoard(const CHAR8* Name) {
     return nullptr;
 }
 
-bool HasItem(const SIMULATED_BOARD* Board, UINT8 Item) {
+bool HasItem(const SIMULATED_BOARD* Board, UINT8 Item)
+{
     return Item < gItemCount && (Board->Present & Bit(Item)) != 0;
 }
 
 bool IsFanItem(UINT8 Item) { return Item >= gFirstFanItem && Item < gFirstFanItem + gFanItemCount; }
 
-FAN_CONTROL ControlOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem) {
+FAN_CONTROL ControlOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem)
+{
     switch (FanItem) {
     case 4:
         return CONTROL_CURVE8;
@@ -124,7 +128,8 @@ FAN_CONTROL ControlOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem) {
     }
 }
 
-UINT8 SourceOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem) {
+UINT8 SourceOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem)
+{
     const UINT8 Own = gSimulatedFans[FanItem - gFirstFanItem].Source;
     if (HasItem(Board, Own)) {
         return Own;
@@ -137,7 +142,8 @@ UINT8 SourceOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem) {
     return gNoSource;
 }
 
-const CHAR16* TextOfItem(const SIMULATED_BOARD* Board, UINT8 Item) {
+const CHAR16* TextOfItem(const SIMULATED_BOARD* Board, UINT8 Item)
+{
     if (Item < gItemCount && !HasItem(Board, Item)) {
         return nullptr;
     }

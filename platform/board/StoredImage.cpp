@@ -7,7 +7,8 @@
 static bool gPoolRanOut = false;
 
 // The blocks are cleared: a JPEG that uses a table which it hasn't defined finds an empty one.
-static VOID* AllocateForImage(size_t Size) {
+static VOID* AllocateForImage(size_t Size)
+{
     auto* Block = static_cast<UINT8*>(AllocateArtworkPool(Size));
     if (Block == nullptr) {
         gPoolRanOut = true;
@@ -39,7 +40,8 @@ static VOID* AllocateForImage(size_t Size) {
 
 static_assert(gMaxImageSide == STBI_MAX_DIMENSIONS);
 
-static UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count) {
+static UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count)
+{
     UINT64 Value = 0;
     for (UINTN Index = 0; Index < Count; Index++) {
         Value |= static_cast<UINT64>(Bytes[Index]) << (8 * Index);
@@ -48,7 +50,8 @@ static UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count) {
 }
 
 // The library fills a BMP that ends too early with zeros: all its rows have to be there.
-static bool HasBmpRows(const UINT8* Image, UINT32 ImageSize, UINT32 Width, UINT32 Height) {
+static bool HasBmpRows(const UINT8* Image, UINT32 ImageSize, UINT32 Width, UINT32 Height)
+{
     constexpr UINT32 SmallestHeaders = 26;
     constexpr UINT64 OldInfoHeaderSize = 12; // that form has 16-bit sides, so its depth stands earlier
     if (ImageSize < SmallestHeaders + 4) {
@@ -61,7 +64,8 @@ static bool HasBmpRows(const UINT8* Image, UINT32 ImageSize, UINT32 Width, UINT3
     return PixelOffset <= ImageSize && RowSize * Height <= ImageSize - PixelOffset;
 }
 
-static bool IsFormat(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT32 ImageSize) {
+static bool IsFormat(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT32 ImageSize)
+{
     if (ImageSize < 2) {
         return false;
     }
@@ -69,7 +73,8 @@ static bool IsFormat(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT32 Imag
 }
 
 EFI_STATUS ReadStoredImage(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT32 ImageSize, UINT32 RowMultiple,
-                           EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Pixels, UINT32* Width, UINT32* Height, UINT32* Stride) {
+                           EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Pixels, UINT32* Width, UINT32* Height, UINT32* Stride)
+{
     if (ImageSize > 0x7FFFFFFF || !IsFormat(Format, Image, ImageSize)) {
         return EFI_UNSUPPORTED;
     }

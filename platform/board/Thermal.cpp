@@ -64,7 +64,8 @@ struct THERMAL_MODEL {
 };
 THERMAL_MODEL gModel;
 
-UINT32 NextRandom() {
+UINT32 NextRandom()
+{
     UINT64 Word = gModel.Random;
     Word ^= Word >> 12;
     Word ^= Word << 25;
@@ -73,7 +74,8 @@ UINT32 NextRandom() {
     return static_cast<UINT32>((Word * 0x2545F4914F6CDD1Dull) >> 32);
 }
 
-INT32 RandomBetween(INT32 Low, INT32 High) {
+INT32 RandomBetween(INT32 Low, INT32 High)
+{
     const UINT32 Span = static_cast<UINT32>(High - Low) + 1;
     return Low + static_cast<INT32>(NextRandom() % Span);
 }
@@ -83,13 +85,15 @@ INT32 Clamp(INT32 Value, INT32 Low, INT32 High) { return Value < Low ? Low : Val
 INT32 MilliDegreesOf(UINT8 Source) { return static_cast<INT32>(gModel.Heat[Source] / gFine); }
 
 // A board is idle most of the time and works in bursts.
-VOID ChooseLoad(UINT8 Source) {
+VOID ChooseLoad(UINT8 Source)
+{
     const bool Busy = NextRandom() % 3 == 0;
     gModel.LoadGoal[Source] = Busy ? RandomBetween(500, gFullLoad) : RandomBetween(20, 250);
     gModel.LoadSteps[Source] = static_cast<UINT32>(RandomBetween(60, 300));
 }
 
-VOID StepLoad(UINT8 Source) {
+VOID StepLoad(UINT8 Source)
+{
     if (gModel.LoadSteps[Source] == 0) {
         ChooseLoad(Source);
     }
@@ -98,7 +102,8 @@ VOID StepLoad(UINT8 Source) {
 }
 
 // Airflow over a source: the mean of its fans' speeds against their top speeds, in thousandths.
-INT32 AirflowOver(UINT8 Source) {
+INT32 AirflowOver(UINT8 Source)
+{
     INT64 Sum = 0;
     INT64 Count = 0;
     for (UINT8 Index = 0; Index < gFanItemCount; Index++) {
@@ -111,20 +116,23 @@ INT32 AirflowOver(UINT8 Source) {
     return Count == 0 ? 0 : static_cast<INT32>(Sum / Count);
 }
 
-INT64 SettledHeat(UINT8 Source) {
+INT64 SettledHeat(UINT8 Source)
+{
     const SOURCE_FACTS& Facts = gSources[Source];
     const INT64 Heat = Facts.IdleHeat + INT64{Facts.FullHeat - Facts.IdleHeat} * gModel.Load[Source] / gFullLoad;
     const INT64 Kept = gFullDuty - INT64{Facts.Cooling} * AirflowOver(Source) / gFullDuty;
     return (Facts.Ambient + Heat * Kept / gFullDuty) * gFine;
 }
 
-INT64 SettledSpeed(UINT8 Index) {
+INT64 SettledSpeed(UINT8 Index)
+{
     const SIMULATED_FAN& Fan = gSimulatedFans[Index];
     const INT32 Speed = Fan.TopSpeed * DutyOfFan(static_cast<UINT8>(gFirstFanItem + Index)) / gFullDuty;
     return INT64{Clamp(Speed, Fan.LowSpeed, Fan.TopSpeed)} * gFine;
 }
 
-VOID StepModel() {
+VOID StepModel()
+{
     for (UINT8 Source = 0; Source < gTemperatureItemCount; Source++) {
         StepLoad(Source);
         gModel.Heat[Source] += (SettledHeat(Source) - gModel.Heat[Source]) / gSources[Source].SettlingSteps;
@@ -142,24 +150,28 @@ VOID StepModel() {
 
 UINT64 ReadTemperature(UINT8 Source) { return static_cast<UINT64>((MilliDegreesOf(Source) + 500) / 1000); }
 
-UINT64 ReadSpeed(UINT8 Index) {
+UINT64 ReadSpeed(UINT8 Index)
+{
     const INT32 Speed = static_cast<INT32>(gModel.Speed[Index] / gFine) + gModel.Jitter[Index];
     return static_cast<UINT64>(Clamp(Speed, 0, gSimulatedFans[Index].TopSpeed));
 }
 
-UINT64 ReadRail(UINT8 Index) {
+UINT64 ReadRail(UINT8 Index)
+{
     const RAIL_FACTS& Rail = gRails[Index];
     const INT32 Value = Rail.Nominal - Rail.Sag * gModel.Load[0] / gFullLoad + gModel.Ripple[Index];
     return static_cast<UINT64>(Value / Rail.ConverterStep * Rail.ConverterStep);
 }
 
-INT32 DutyOfLevel(INT32 Level, FAN_CONTROL Control) {
+INT32 DutyOfLevel(INT32 Level, FAN_CONTROL Control)
+{
     return Control == CONTROL_CURVE8 ? Clamp(Level, 1, 8) * 125 : 400 + Clamp(Level, 1, 6) * 100;
 }
 
 } // namespace
 
-VOID ResetThermal(const SIMULATED_BOARD* Board, UINT64 Seed, UINT64 Now) {
+VOID ResetThermal(const SIMULATED_BOARD* Board, UINT64 Seed, UINT64 Now)
+{
     gModel = THERMAL_MODEL{};
     gModel.Board = Board;
     gModel.Time = Now;
@@ -183,7 +195,8 @@ VOID ResetThermal(const SIMULATED_BOARD* Board, UINT64 Seed, UINT64 Now) {
     }
 }
 
-VOID AdvanceThermal(UINT64 Now) {
+VOID AdvanceThermal(UINT64 Now)
+{
     if (Now <= gModel.Time) {
         return;
     }
@@ -194,7 +207,8 @@ VOID AdvanceThermal(UINT64 Now) {
     }
 }
 
-UINT64 ReadModel(UINT8 Item) {
+UINT64 ReadModel(UINT8 Item)
+{
     if (Item < gTemperatureItemCount) {
         return ReadTemperature(Item);
     }
@@ -207,7 +221,8 @@ UINT64 ReadModel(UINT8 Item) {
     return 0;
 }
 
-INT32 DutyOfCurve(const FAN_SETTING* Setting, FAN_CONTROL Control, INT32 MilliDegrees) {
+INT32 DutyOfCurve(const FAN_SETTING* Setting, FAN_CONTROL Control, INT32 MilliDegrees)
+{
     const INT32 Columns[4] = {Setting->Column0, Setting->Column1, Setting->Column2, Setting->Column3};
     const INT32 Levels[4] = {Setting->Level0, Setting->Level1, Setting->Level2, Setting->Level3};
     INT32 LastDegrees = 0;
@@ -226,7 +241,8 @@ INT32 DutyOfCurve(const FAN_SETTING* Setting, FAN_CONTROL Control, INT32 MilliDe
     return LastDuty;
 }
 
-INT32 DutyOfFan(UINT8 FanItem) {
+INT32 DutyOfFan(UINT8 FanItem)
+{
     if (RunsFullSpeed(FanItem)) {
         return gFullDuty;
     }

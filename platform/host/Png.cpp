@@ -28,7 +28,8 @@ constexpr unsigned gMaximumSide = 32768; // keeps every product of sides and cha
 
 } // namespace
 
-bool WritePng(const char* Path, const UINT32* Pixels, unsigned Width, unsigned Height) {
+bool WritePng(const char* Path, const UINT32* Pixels, unsigned Width, unsigned Height)
+{
     if (Width == 0 || Height == 0 || Width > gMaximumSide || Height > gMaximumSide / gChannels) {
         return false;
     }
@@ -56,7 +57,8 @@ bool WritePng(const char* Path, const UINT32* Pixels, unsigned Width, unsigned H
     return Written;
 }
 
-bool ReadPng(const char* Path, std::vector<UINT32>* Pixels, unsigned* Width, unsigned* Height) {
+bool ReadPng(const char* Path, std::vector<UINT32>* Pixels, unsigned* Width, unsigned* Height)
+{
     int FileWidth = 0;
     int FileHeight = 0;
     int FileChannels = 0;

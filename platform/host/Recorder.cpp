@@ -16,7 +16,8 @@ struct RECORDER {
 
 namespace {
 
-VOID RecordKey(FILE* File, const EFI_INPUT_KEY& Key) {
+VOID RecordKey(FILE* File, const EFI_INPUT_KEY& Key)
+{
     if (Key.ScanCode == SCAN_ESC && Key.UnicodeChar == 0) {
         std::fputs("key esc\n", File);
     } else if (Key.ScanCode == SCAN_NULL && Key.UnicodeChar == CHAR_CARRIAGE_RETURN) {
@@ -31,7 +32,8 @@ VOID RecordKey(FILE* File, const EFI_INPUT_KEY& Key) {
     }
 }
 
-VOID RecordTime(RECORDER* Recorder, UINT64 Now) {
+VOID RecordTime(RECORDER* Recorder, UINT64 Now)
+{
     if (!Recorder->Begun) {
         Recorder->LastTurn = Now;
         Recorder->Stalled = 0;
@@ -49,7 +51,8 @@ VOID RecordTime(RECORDER* Recorder, UINT64 Now) {
 
 } // namespace
 
-RECORDER* OpenRecorder(const char* Path) {
+RECORDER* OpenRecorder(const char* Path)
+{
     FILE* File = std::fopen(Path, "w");
     if (File == nullptr) {
         return nullptr;
@@ -65,7 +68,8 @@ RECORDER* OpenRecorder(const char* Path) {
                         .Right = false};
 }
 
-VOID RecordTurn(RECORDER* Recorder, UINT64 Now, const WINDOW_INPUT& Input) {
+VOID RecordTurn(RECORDER* Recorder, UINT64 Now, const WINDOW_INPUT& Input)
+{
     RecordTime(Recorder, Now);
     // The first turn says where the pointer is; that the buttons are up, a player takes for granted.
     if (!Recorder->Begun || Input.PointerX != Recorder->PointerX || Input.PointerY != Recorder->PointerY) {
@@ -91,20 +95,23 @@ VOID RecordTurn(RECORDER* Recorder, UINT64 Now, const WINDOW_INPUT& Input) {
     }
 }
 
-VOID RecordStall(RECORDER* Recorder, UINT64 Microseconds) {
+VOID RecordStall(RECORDER* Recorder, UINT64 Microseconds)
+{
     if (Recorder->Begun) {
         Recorder->Stalled += Microseconds;
     }
 }
 
-VOID RecordCommand(RECORDER* Recorder, const char* Line) {
+VOID RecordCommand(RECORDER* Recorder, const char* Line)
+{
     std::fprintf(Recorder->File, "%s\n", Line);
     if (std::fflush(Recorder->File) != 0) {
         Recorder->Failed = true;
     }
 }
 
-bool CloseRecorder(RECORDER* Recorder) {
+bool CloseRecorder(RECORDER* Recorder)
+{
     const bool Written = !Recorder->Failed && std::ferror(Recorder->File) == 0;
     const bool Closed = std::fclose(Recorder->File) == 0;
     delete Recorder;

@@ -20,7 +20,8 @@ constexpr CHAR16 gDegreeSign = 0x00B0;
 
 } // namespace
 
-const UINT8* SystemFontGlyph(CHAR16 Char) {
+const UINT8* SystemFontGlyph(CHAR16 Char)
+{
     if (Char == gOSlash) {
         Char = gDegreeSign;
     }

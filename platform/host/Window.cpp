@@ -83,7 +83,8 @@ constexpr KEY_NAME gKeys[] = {
 char gError[256];
 
 // Where it finds no screen, SDL falls back on drivers that show nothing. They are welcome only when asked for.
-bool ShowsNothing() {
+bool ShowsNothing()
+{
     const char* Driver = SDL_GetCurrentVideoDriver();
     return SDL_getenv("SDL_VIDEODRIVER") == nullptr &&
            (Driver == nullptr || SDL_strcmp(Driver, "offscreen") == 0 || SDL_strcmp(Driver, "dummy") == 0 ||
@@ -91,19 +92,22 @@ bool ShowsNothing() {
 }
 
 // SDL's own text is gone with the next call that fails.
-const char* KeepError() {
+const char* KeepError()
+{
     std::snprintf(gError, sizeof gError, "%s", SDL_GetError());
     return gError;
 }
 
-UINT64 HostMicroseconds() {
+UINT64 HostMicroseconds()
+{
     const auto Now = std::chrono::steady_clock::now().time_since_epoch();
     return static_cast<UINT64>(std::chrono::duration_cast<std::chrono::microseconds>(Now).count());
 }
 
 // Text as the host types it, in UTF-8, to key strokes. What a firmware's key stroke can't carry, beyond U+FFFF, is
 // dropped.
-VOID AppendText(std::vector<EFI_INPUT_KEY>* Keys, const char* Text) {
+VOID AppendText(std::vector<EFI_INPUT_KEY>* Keys, const char* Text)
+{
     while (*Text != 0) {
         const UINT32 First = static_cast<UINT8>(*Text++);
         const unsigned Following = First < 0xC0 ? 0 : First < 0xE0 ? 1 : First < 0xF0 ? 2 : 3;
@@ -118,7 +122,8 @@ VOID AppendText(std::vector<EFI_INPUT_KEY>* Keys, const char* Text) {
 }
 
 // The first size of the window: the display's own, twice that on a screen with room for it, and less on a small one.
-VOID ChooseSize(int* Width, int* Height) {
+VOID ChooseSize(int* Width, int* Height)
+{
     *Width = WINDOW_DISPLAY_WIDTH;
     *Height = WINDOW_DISPLAY_HEIGHT;
     SDL_Rect Screen;
@@ -137,7 +142,8 @@ VOID ChooseSize(int* Width, int* Height) {
     }
 }
 
-VOID TakeSizes(WINDOW* Window) {
+VOID TakeSizes(WINDOW* Window)
+{
     SDL_GetWindowSize(Window->Frame, &Window->FrameWidth, &Window->FrameHeight);
     if (SDL_GetRendererOutputSize(Window->Renderer, &Window->OutputWidth, &Window->OutputHeight) != 0) {
         Window->OutputWidth = Window->FrameWidth;
@@ -146,7 +152,8 @@ VOID TakeSizes(WINDOW* Window) {
     Window->Place = PlaceDisplay(Window->OutputWidth, Window->OutputHeight);
 }
 
-VOID DestroyTextures(WINDOW* Window) {
+VOID DestroyTextures(WINDOW* Window)
+{
     if (Window->Picture != nullptr) {
         SDL_DestroyTexture(Window->Picture);
         Window->Picture = nullptr;
@@ -160,7 +167,8 @@ VOID DestroyTextures(WINDOW* Window) {
 // At a whole multiple of its size the display is copied pixel by pixel. Otherwise it is first enlarged by the next
 // whole number and then smoothed down to its place: pixels keep hard edges and equal sizes but for a blend of under one
 // screen pixel between them. Smaller than it is, it is smoothed down at once.
-bool CreateTextures(WINDOW* Window) {
+bool CreateTextures(WINDOW* Window)
+{
     const DISPLAY_PLACE& Place = Window->Place;
     const bool Whole = Place.Width % WINDOW_DISPLAY_WIDTH == 0 && Place.Height % WINDOW_DISPLAY_HEIGHT == 0;
     const bool Larger = Place.Width > WINDOW_DISPLAY_WIDTH;
@@ -186,7 +194,8 @@ bool CreateTextures(WINDOW* Window) {
     return true;
 }
 
-VOID Present(WINDOW* Window) {
+VOID Present(WINDOW* Window)
+{
     SDL_UpdateTexture(Window->Picture, nullptr, Window->Shown.data(), static_cast<int>(gDisplayPitch));
     SDL_Texture* Source = Window->Picture;
     if (Window->Enlarged != nullptr && SDL_SetRenderTarget(Window->Renderer, Window->Enlarged) == 0) {
@@ -201,12 +210,14 @@ VOID Present(WINDOW* Window) {
     SDL_RenderPresent(Window->Renderer);
 }
 
-VOID ToggleFullScreen(WINDOW* Window) {
+VOID ToggleFullScreen(WINDOW* Window)
+{
     const bool Full = (SDL_GetWindowFlags(Window->Frame) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0;
     SDL_SetWindowFullscreen(Window->Frame, Full ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
 }
 
-VOID TakePointer(WINDOW* Window, int X, int Y) {
+VOID TakePointer(WINDOW* Window, int X, int Y)
+{
     if (Window->FrameWidth > 0 && Window->FrameHeight > 0) {
         X = X * Window->OutputWidth / Window->FrameWidth;
         Y = Y * Window->OutputHeight / Window->FrameHeight;
@@ -215,7 +226,8 @@ VOID TakePointer(WINDOW* Window, int X, int Y) {
     SDL_ShowCursor(IsOnDisplay(Window->Place, X, Y) ? SDL_DISABLE : SDL_ENABLE);
 }
 
-VOID TakeButton(WINDOW* Window, const SDL_MouseButtonEvent& Button) {
+VOID TakeButton(WINDOW* Window, const SDL_MouseButtonEvent& Button)
+{
     TakePointer(Window, Button.x, Button.y);
     if (Button.button == SDL_BUTTON_LEFT) {
         Window->Left = Button.state == SDL_PRESSED;
@@ -224,7 +236,8 @@ VOID TakeButton(WINDOW* Window, const SDL_MouseButtonEvent& Button) {
     }
 }
 
-VOID TakeKey(WINDOW* Window, const SDL_KeyboardEvent& Event, std::vector<EFI_INPUT_KEY>* Keys) {
+VOID TakeKey(WINDOW* Window, const SDL_KeyboardEvent& Event, std::vector<EFI_INPUT_KEY>* Keys)
+{
     if (Event.keysym.sym == SDLK_F11) {
         if (Event.repeat == 0) {
             ToggleFullScreen(Window);
@@ -238,7 +251,8 @@ VOID TakeKey(WINDOW* Window, const SDL_KeyboardEvent& Event, std::vector<EFI_INP
     }
 }
 
-VOID TakeWindowEvent(WINDOW* Window, const SDL_WindowEvent& Event) {
+VOID TakeWindowEvent(WINDOW* Window, const SDL_WindowEvent& Event)
+{
     switch (Event.event) {
     case SDL_WINDOWEVENT_SIZE_CHANGED:
         TakeSizes(Window);
@@ -254,7 +268,8 @@ VOID TakeWindowEvent(WINDOW* Window, const SDL_WindowEvent& Event) {
     }
 }
 
-VOID TakeEvent(WINDOW* Window, const SDL_Event& Event, std::vector<EFI_INPUT_KEY>* Keys) {
+VOID TakeEvent(WINDOW* Window, const SDL_Event& Event, std::vector<EFI_INPUT_KEY>* Keys)
+{
     switch (Event.type) {
     case SDL_QUIT:
         Window->Closed = true;
@@ -286,7 +301,8 @@ VOID TakeEvent(WINDOW* Window, const SDL_Event& Event, std::vector<EFI_INPUT_KEY
 
 } // namespace
 
-WINDOW* OpenWindow(const char* Title, const char** Error) {
+WINDOW* OpenWindow(const char* Title, const char** Error)
+{
     // A click that brings the window to the front is meant for the console as well.
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     // An ordinary window: a desktop's effects and its screen saver stay as they are.
@@ -335,7 +351,8 @@ WINDOW* OpenWindow(const char* Title, const char** Error) {
     return Window;
 }
 
-VOID CloseWindow(WINDOW* Window) {
+VOID CloseWindow(WINDOW* Window)
+{
     DestroyTextures(Window);
     SDL_DestroyRenderer(Window->Renderer);
     SDL_DestroyWindow(Window->Frame);
@@ -344,7 +361,8 @@ VOID CloseWindow(WINDOW* Window) {
     SDL_QuitSubSystem(SDL_INIT_VIDEO);
 }
 
-bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input) {
+bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input)
+{
     const INT32 OldX = Window->PointerX;
     const INT32 OldY = Window->PointerY;
     Input->Keys.clear();
@@ -380,7 +398,8 @@ bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input) {
     return !Window->Closed;
 }
 
-VOID ShowDisplay(WINDOW* Window, const UINT32* Pixels) {
+VOID ShowDisplay(WINDOW* Window, const UINT32* Pixels)
+{
     const UINT64 Now = HostMicroseconds();
     if (Window->LastLook != 0 && Now - Window->LastLook < gLookInterval) {
         return;
@@ -405,7 +424,8 @@ VOID ShowDisplay(WINDOW* Window, const UINT32* Pixels) {
     }
 }
 
-VOID PaceWindow(WINDOW* Window) {
+VOID PaceWindow(WINDOW* Window)
+{
     const UINT64 Now = HostMicroseconds();
     const UINT64 Elapsed = Now - Window->LastTurn;
     if (Elapsed < gTurnWhileMoving) {
@@ -423,7 +443,8 @@ VOID PaceWindow(WINDOW* Window) {
 
 UINT64 TurnInterval(UINT64 SinceChange) { return SinceChange < gMovingFor ? gTurnWhileMoving : gTurnAtRest; }
 
-DISPLAY_PLACE PlaceDisplay(int Width, int Height) {
+DISPLAY_PLACE PlaceDisplay(int Width, int Height)
+{
     Width = std::max(Width, 1);
     Height = std::max(Height, 1);
     INT64 PlaceWidth = Width;
@@ -446,7 +467,8 @@ DISPLAY_PLACE PlaceDisplay(int Width, int Height) {
             .Height = static_cast<int>(PlaceHeight)};
 }
 
-VOID MapToDisplay(const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX, INT32* DisplayY) {
+VOID MapToDisplay(const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX, INT32* DisplayY)
+{
     const INT64 FromLeft = INT64{X} - Place.X;
     const INT64 FromTop = INT64{Y} - Place.Y;
     // Clamped before the division: it rounds towards zero, and a point just outside must not land inside.
@@ -456,6 +478,7 @@ VOID MapToDisplay(const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX, INT
     *DisplayY = static_cast<INT32>(Row * WINDOW_DISPLAY_HEIGHT / Place.Height);
 }
 
-bool IsOnDisplay(const DISPLAY_PLACE& Place, int X, int Y) {
+bool IsOnDisplay(const DISPLAY_PLACE& Place, int X, int Y)
+{
     return X >= Place.X && X < Place.X + Place.Width && Y >= Place.Y && Y < Place.Y + Place.Height;
 }

@@ -27,7 +27,8 @@ struct PICTURE {
 
 class ARTWORK_BENCH {
 public:
-    ARTWORK_BENCH() {
+    ARTWORK_BENCH()
+{
         Services.AllocatePool = Allocate;
         Services.FreePool = Free;
         LiveBlocks = 0;
@@ -89,7 +90,8 @@ public:
     EFI_BOOT_SERVICES Services = {};
 
 private:
-    EFI_STATUS Keep(EFI_STATUS Status, PIXEL* Blt, PICTURE* Out) {
+    EFI_STATUS Keep(EFI_STATUS Status, PIXEL* Blt, PICTURE* Out)
+{
         if (!EfiError(Status)) {
             Out->Pixels.assign(Blt, Blt + Out->Size / sizeof(PIXEL));
             Services.FreePool(Blt);

@@ -5,7 +5,8 @@
 namespace {
 
 // A 3 by 2 picture; rows stand bottom up and are filled to four bytes.
-std::vector<UINT8> MakeBmp(UINT16 BitsPerPixel, INT32 Width = 3, INT32 Height = 2) {
+std::vector<UINT8> MakeBmp(UINT16 BitsPerPixel, INT32 Width = 3, INT32 Height = 2)
+{
     std::vector<UINT8> Bytes(54);
     const auto Put = [&Bytes](size_t Offset, UINT32 Value, size_t Count) {
         for (size_t Index = 0; Index < Count; Index++) {
@@ -31,7 +32,8 @@ std::vector<UINT8> MakeBmp(UINT16 BitsPerPixel, INT32 Width = 3, INT32 Height = 
 }
 
 // Neither outputs nor pool may show that a decoder tried.
-void ExpectRefused(ARTWORK_BENCH* Bench, const std::vector<UINT8>& Bytes) {
+void ExpectRefused(ARTWORK_BENCH* Bench, const std::vector<UINT8>& Bytes)
+{
     auto* const Untouched = reinterpret_cast<PIXEL*>(UINTN{8});
     PIXEL* Blt = Untouched;
     UINTN Size = 11;
@@ -54,7 +56,8 @@ void ExpectRefused(ARTWORK_BENCH* Bench, const std::vector<UINT8>& Bytes) {
 
 } // namespace
 
-TEST(ArtworkDecoder, GivesJpegRowsInWholeBlocks) {
+TEST(ArtworkDecoder, GivesJpegRowsInWholeBlocks)
+{
     ARTWORK_BENCH Bench;
     const PICTURE Tab = Bench.Jpeg(5);
     EXPECT_EQ(Tab.Width, 97u);
@@ -64,7 +67,8 @@ TEST(ArtworkDecoder, GivesJpegRowsInWholeBlocks) {
     EXPECT_EQ(Bench.LiveBlocks, 0);
 }
 
-TEST(ArtworkDecoder, KeepsTheBytesOfABmpAndDropsItsAlpha) {
+TEST(ArtworkDecoder, KeepsTheBytesOfABmpAndDropsItsAlpha)
+{
     ARTWORK_BENCH Bench;
     for (const UINT16 Bits : {UINT16{24}, UINT16{32}}) {
         PICTURE Picture;
@@ -87,7 +91,8 @@ TEST(ArtworkDecoder, KeepsTheBytesOfABmpAndDropsItsAlpha) {
     }
 }
 
-TEST(ArtworkDecoder, RefusesTheOtherFormatAndWhatIsNoPicture) {
+TEST(ArtworkDecoder, RefusesTheOtherFormatAndWhatIsNoPicture)
+{
     ARTWORK_BENCH Bench;
     PICTURE Picture;
     EXPECT_EQ(Bench.DecodeJpeg(Bench.Section(26), &Picture), EFI_UNSUPPORTED);
@@ -98,7 +103,8 @@ TEST(ArtworkDecoder, RefusesTheOtherFormatAndWhatIsNoPicture) {
     }
 }
 
-TEST(ArtworkDecoder, RefusesPicturesThatEndTooEarly) {
+TEST(ArtworkDecoder, RefusesPicturesThatEndTooEarly)
+{
     ARTWORK_BENCH Bench;
     const std::vector<UINT8> Jpeg = Bench.Section(20);
     for (size_t Size = 0; Size < Jpeg.size(); Size += 7) {
@@ -110,7 +116,8 @@ TEST(ArtworkDecoder, RefusesPicturesThatEndTooEarly) {
     }
 }
 
-TEST(ArtworkDecoder, RefusesSidesThatNoScreenHas) {
+TEST(ArtworkDecoder, RefusesSidesThatNoScreenHas)
+{
     ARTWORK_BENCH Bench;
     for (const INT32 Side : {0, 4097, 0x10000, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
         ExpectRefused(&Bench, MakeBmp(24, Side, 2));
@@ -133,7 +140,8 @@ TEST(ArtworkDecoder, RefusesSidesThatNoScreenHas) {
     }
 }
 
-TEST(ArtworkDecoder, RefusesAHuffmanTableWithMoreSymbolsThanThereAre) {
+TEST(ArtworkDecoder, RefusesAHuffmanTableWithMoreSymbolsThanThereAre)
+{
     ARTWORK_BENCH Bench;
     // 17 codes of 16 different lengths make 272 symbols, 16 more than a byte can name. The table is whole otherwise.
     std::vector<UINT8> Table = {0xFF, 0xC4, 0, 0, 0x00};
@@ -148,7 +156,8 @@ TEST(ArtworkDecoder, RefusesAHuffmanTableWithMoreSymbolsThanThereAre) {
 }
 
 // What a damaged picture shows isn't settled; that it ends in an answer, inside its buffers and without a leak, is.
-TEST(ArtworkDecoder, SurvivesEveryFlippedByte) {
+TEST(ArtworkDecoder, SurvivesEveryFlippedByte)
+{
     ARTWORK_BENCH Bench;
     const struct {
         UINT32 Instance;
@@ -173,7 +182,8 @@ TEST(ArtworkDecoder, SurvivesEveryFlippedByte) {
     }
 }
 
-TEST(ArtworkDecoder, SaysThatThePoolRanOutAndLeaksNothing) {
+TEST(ArtworkDecoder, SaysThatThePoolRanOutAndLeaksNothing)
+{
     ARTWORK_BENCH Bench;
     const std::vector<UINT8> Jpeg = Bench.Section(24);
     const std::vector<UINT8> Bmp = Bench.Section(26);
@@ -193,7 +203,8 @@ TEST(ArtworkDecoder, SaysThatThePoolRanOutAndLeaksNothing) {
     }
 }
 
-TEST(ArtworkDecoder, AnswersTheGenerationThatItWasGiven) {
+TEST(ArtworkDecoder, AnswersTheGenerationThatItWasGiven)
+{
     ARTWORK_BENCH Bench;
     SetDecoderGeneration(4);
     EXPECT_EQ(gBoardImageDecoder.GetFirmwareGeneration(&gBoardImageDecoder), 4);

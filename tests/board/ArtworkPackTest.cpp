@@ -8,7 +8,8 @@ namespace {
 
 std::vector<UINT8> CopyPack() { return {gArtworkPack, gArtworkPack + gArtworkPackSize}; }
 
-void PutUint32(std::vector<UINT8>* Bytes, size_t Offset, UINT32 Value) {
+void PutUint32(std::vector<UINT8>* Bytes, size_t Offset, UINT32 Value)
+{
     for (size_t Index = 0; Index < 4; Index++) {
         (*Bytes)[Offset + Index] = static_cast<UINT8>(Value >> (8 * Index));
     }
@@ -18,7 +19,8 @@ void PutUint32(std::vector<UINT8>* Bytes, size_t Offset, UINT32 Value) {
 
 TEST(ArtworkPack, OfTheBuildIsWhole) { EXPECT_TRUE(CheckArtworkPack(gArtworkPack, gArtworkPackSize)); }
 
-TEST(ArtworkPack, CutShortAnywhereIsRefused) {
+TEST(ArtworkPack, CutShortAnywhereIsRefused)
+{
     EXPECT_FALSE(CheckArtworkPack(nullptr, 0));
     for (UINTN Size = 0; Size < 512; Size++) {
         // A copy of exactly that size, so that a read past its end shows under the address sanitizer.
@@ -28,7 +30,8 @@ TEST(ArtworkPack, CutShortAnywhereIsRefused) {
     EXPECT_FALSE(CheckArtworkPack(gArtworkPack, gArtworkPackSize - 1));
 }
 
-TEST(ArtworkPack, WithASectionOutsideItselfIsRefused) {
+TEST(ArtworkPack, WithASectionOutsideItselfIsRefused)
+{
     constexpr size_t FirstOffset = 16 + 8;
     constexpr size_t FirstSize = 16 + 12;
     const struct {
@@ -48,13 +51,15 @@ TEST(ArtworkPack, WithASectionOutsideItselfIsRefused) {
     }
 }
 
-TEST(ArtworkPack, ThatIsDamagedServesNothing) {
+TEST(ArtworkPack, ThatIsDamagedServesNothing)
+{
     ARTWORK_BENCH Bench;
     UseArtworkPack(gArtworkPack, gArtworkPackSize - 1);
     EXPECT_TRUE(Bench.Section(4).empty());
 }
 
-TEST(ArtworkServices, HandOutCopiesThatTheCallerFrees) {
+TEST(ArtworkServices, HandOutCopiesThatTheCallerFrees)
+{
     ARTWORK_BENCH Bench;
     VOID* First = nullptr;
     VOID* Second = nullptr;
@@ -69,7 +74,8 @@ TEST(ArtworkServices, HandOutCopiesThatTheCallerFrees) {
     (void)Bench.Services.FreePool(Second);
 }
 
-TEST(ArtworkServices, AnswerUnderOneSectionTypeAlone) {
+TEST(ArtworkServices, AnswerUnderOneSectionTypeAlone)
+{
     ARTWORK_BENCH Bench;
     VOID* Data = nullptr;
     UINTN Size = 0;
@@ -94,7 +100,8 @@ TEST(ArtworkServices, AnswerUnderOneSectionTypeAlone) {
     EXPECT_EQ(Bench.LiveBlocks, 0);
 }
 
-TEST(ArtworkServices, KnowNoOtherFileAndNoOtherInstance) {
+TEST(ArtworkServices, KnowNoOtherFileAndNoOtherInstance)
+{
     ARTWORK_BENCH Bench;
     EFI_GUID Other = gArtworkFileGuid;
     Other.Data4[7] ^= 1;
@@ -108,7 +115,8 @@ TEST(ArtworkServices, KnowNoOtherFileAndNoOtherInstance) {
     EXPECT_TRUE(Bench.Section(4, gCursorFileGuid).empty());
 }
 
-TEST(ArtworkServices, ReportAnExhaustedPoolAndTouchNothing) {
+TEST(ArtworkServices, ReportAnExhaustedPoolAndTouchNothing)
+{
     ARTWORK_BENCH Bench;
     Bench.AllocationsLeft = 0;
     VOID* Data = nullptr;
@@ -118,7 +126,8 @@ TEST(ArtworkServices, ReportAnExhaustedPoolAndTouchNothing) {
     EXPECT_EQ(Size, 7u);
 }
 
-TEST(ArtworkServices, ShowAScriptsChangesUntilTheyAreTakenBack) {
+TEST(ArtworkServices, ShowAScriptsChangesUntilTheyAreTakenBack)
+{
     ARTWORK_BENCH Bench;
     const std::vector<UINT8> Before = Bench.Section(26);
     const std::vector<UINT8> Mine = {1, 2, 3};
@@ -136,7 +145,8 @@ TEST(ArtworkServices, ShowAScriptsChangesUntilTheyAreTakenBack) {
     EXPECT_FALSE(Bench.Section(11).empty());
 }
 
-TEST(ArtworkServices, ProbeOfTheFileStillWorksWhenItsFirstSectionIsMissing) {
+TEST(ArtworkServices, ProbeOfTheFileStillWorksWhenItsFirstSectionIsMissing)
+{
     ARTWORK_BENCH Bench;
     OverrideArtwork(2, nullptr, 0);
     VOID* Data = nullptr;

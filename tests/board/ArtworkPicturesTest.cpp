@@ -11,7 +11,8 @@ namespace {
 
 constexpr UINT32 gKey = 0xFF00FF;
 
-void ExpectFlat(const PICTURE& Picture, UINT32 X, UINT32 Y, UINT32 Width, UINT32 Height, UINT32 Color) {
+void ExpectFlat(const PICTURE& Picture, UINT32 X, UINT32 Y, UINT32 Width, UINT32 Height, UINT32 Color)
+{
     ASSERT_LE(X + Width, Picture.Width);
     ASSERT_LE(Y + Height, Picture.Height);
     for (UINT32 Row = Y; Row < Y + Height; Row++) {
@@ -21,7 +22,8 @@ void ExpectFlat(const PICTURE& Picture, UINT32 X, UINT32 Y, UINT32 Width, UINT32
     }
 }
 
-int Distance(UINT32 A, UINT32 B) {
+int Distance(UINT32 A, UINT32 B)
+{
     int Largest = 0;
     for (UINT32 Shift = 0; Shift < 24; Shift += 8) {
         Largest = std::max(Largest, std::abs(static_cast<int>(A >> Shift & 0xFF) - static_cast<int>(B >> Shift & 0xFF)));
@@ -31,7 +33,8 @@ int Distance(UINT32 A, UINT32 B) {
 
 } // namespace
 
-TEST(ArtworkPictures, FitTheirPlacesOnTheScreen) {
+TEST(ArtworkPictures, FitTheirPlacesOnTheScreen)
+{
     ARTWORK_BENCH Bench;
     // Width and height are at most what the neighbours leave; a strip's height is that of one frame.
     const struct {
@@ -63,7 +66,8 @@ TEST(ArtworkPictures, FitTheirPlacesOnTheScreen) {
     EXPECT_GT(CheckBox.Width, 0u);
 }
 
-TEST(ArtworkPictures, OfTheFrameHoldEverythingThatStandsOnIt) {
+TEST(ArtworkPictures, OfTheFrameHoldEverythingThatStandsOnIt)
+{
     ARTWORK_BENCH Bench;
     const PICTURE Frame = Bench.Jpeg(4);
     EXPECT_GT(43 + Frame.Width, 966u + 1); // the last tab's outline; the gauges end before
@@ -75,7 +79,8 @@ TEST(ArtworkPictures, OfTheFrameHoldEverythingThatStandsOnIt) {
     EXPECT_LT(932 + Exit.Width, 43 + Frame.Width);
 }
 
-TEST(ArtworkPictures, HaveTheSizesThatTheControlsCalculateWith) {
+TEST(ArtworkPictures, HaveTheSizesThatTheControlsCalculateWith)
+{
     ARTWORK_BENCH Bench;
     const struct {
         UINT32 Instance;
@@ -96,7 +101,8 @@ TEST(ArtworkPictures, HaveTheSizesThatTheControlsCalculateWith) {
     }
 }
 
-TEST(ArtworkPictures, AreExactlyFlatUnderTheirText) {
+TEST(ArtworkPictures, AreExactlyFlatUnderTheirText)
+{
     ARTWORK_BENCH Bench;
     const PICTURE Frame = Bench.Jpeg(4);
     ExpectFlat(Frame, 69 - 43, 600 - 36, 400, 19, 0x161616);     // caption of the gauges
@@ -119,7 +125,8 @@ TEST(ArtworkPictures, AreExactlyFlatUnderTheirText) {
     }
 }
 
-TEST(ArtworkPictures, OnThePanelMeltIntoIt) {
+TEST(ArtworkPictures, OnThePanelMeltIntoIt)
+{
     ARTWORK_BENCH Bench;
     constexpr UINT32 Panel = 0x242424;
     for (const UINT32 Instance : {9u, 10u, 22u, 23u, 24u}) {
@@ -139,7 +146,8 @@ TEST(ArtworkPictures, OnThePanelMeltIntoIt) {
     }
 }
 
-TEST(ArtworkPictures, OfStripsDifferFromFrameToFrame) {
+TEST(ArtworkPictures, OfStripsDifferFromFrameToFrame)
+{
     ARTWORK_BENCH Bench;
     const struct {
         UINT32 Instance;
@@ -164,7 +172,8 @@ TEST(ArtworkPictures, OfStripsDifferFromFrameToFrame) {
     }
 }
 
-TEST(ArtworkPictures, WithCutOutsHaveNoFringeOfTheKeyColor) {
+TEST(ArtworkPictures, WithCutOutsHaveNoFringeOfTheKeyColor)
+{
     ARTWORK_BENCH Bench;
     for (const UINT32 Instance : {2u, 3u, 11u, 13u, 26u}) {
         const PICTURE Picture = Bench.Bmp(Instance);
@@ -185,7 +194,8 @@ TEST(ArtworkPictures, WithCutOutsHaveNoFringeOfTheKeyColor) {
     }
 }
 
-TEST(ArtworkPictures, OfTheCornersContinueTheFrameOnBothSides) {
+TEST(ArtworkPictures, OfTheCornersContinueTheFrameOnBothSides)
+{
     ARTWORK_BENCH Bench;
     const PICTURE Frame = Bench.Jpeg(4);
     for (const UINT32 Instance : {2u, 3u}) {
@@ -210,7 +220,8 @@ TEST(ArtworkPictures, OfTheCornersContinueTheFrameOnBothSides) {
     }
 }
 
-TEST(ArtworkPictures, OfThePointerLooksTheSameInTheMiddleAndAtTheEdgeOfTheScreen) {
+TEST(ArtworkPictures, OfThePointerLooksTheSameInTheMiddleAndAtTheEdgeOfTheScreen)
+{
     ARTWORK_BENCH Bench;
     const PICTURE Pointer = Bench.Bmp(0, gCursorFileGuid);
     ASSERT_GT(Pointer.Width, 0u);

@@ -16,7 +16,8 @@ using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 
 inline bool SameGuid(const EFI_GUID& A, const EFI_GUID& B) { return std::memcmp(&A, &B, sizeof(A)) == 0; }
 
-inline UINT32 Rgb(const PIXEL& Pixel) {
+inline UINT32 Rgb(const PIXEL& Pixel)
+{
     return (UINT32{Pixel.Red} << 16) | (UINT32{Pixel.Green} << 8) | Pixel.Blue;
 }
 

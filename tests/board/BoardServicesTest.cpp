@@ -120,7 +120,8 @@ protected:
     }
 };
 
-TEST_F(Board, EveryServiceOfTheConsoleIsInstalledOnce) {
+TEST_F(Board, EveryServiceOfTheConsoleIsInstalledOnce)
+{
     Install("full");
     const EFI_GUID Guids[] = {gImageDecoderProtocolGuid, gCursorServiceProtocolGuid, gRequiredServiceProtocolGuid,
                               gFloatMathProtocolGuid,    gImageLookupProtocolGuid,   gHwServiceProtocolGuid,
@@ -133,7 +134,8 @@ TEST_F(Board, EveryServiceOfTheConsoleIsInstalledOnce) {
     EXPECT_EQ(Decoder->GetFirmwareGeneration(Decoder), 7);
 }
 
-TEST_F(Board, AnUnknownNameOrADamagedPackIsRefused) {
+TEST_F(Board, AnUnknownNameOrADamagedPackIsRefused)
+{
     EXPECT_EQ(TryInstall("fullest"), EFI_INVALID_PARAMETER);
     EXPECT_EQ(TryInstall(""), EFI_INVALID_PARAMETER);
     Pack.Entry.Offset++; // the section now ends beyond the pack
@@ -141,7 +143,8 @@ TEST_F(Board, AnUnknownNameOrADamagedPackIsRefused) {
     EXPECT_TRUE(Bench.Installed.empty());
 }
 
-TEST_F(Board, EachBoardHasItsItemsAndNoOthers) {
+TEST_F(Board, EachBoardHasItsItemsAndNoOthers)
+{
     struct CASE {
         const char* Name;
         std::set<int> Items;
@@ -171,7 +174,8 @@ TEST_F(Board, EachBoardHasItsItemsAndNoOthers) {
     }
 }
 
-TEST_F(Board, NamesFitTheirPlacesOnTheScreen) {
+TEST_F(Board, NamesFitTheirPlacesOnTheScreen)
+{
     Install("full");
     for (UINT8 Item = 0; Item < 3; Item++) {
         EXPECT_LE(Name(Item).size(), 6u);
@@ -194,14 +198,16 @@ TEST_F(Board, NamesFitTheirPlacesOnTheScreen) {
     EXPECT_EQ(Names.size(), 17u + 17u);
 }
 
-TEST_F(Board, AStringWithoutPoolIsNull) {
+TEST_F(Board, AStringWithoutPoolIsNull)
+{
     Install("full");
     Bench.FailPool = true;
     EXPECT_EQ(Hardware->GetItemString(Hardware, 4), nullptr);
     Bench.FailPool = false;
 }
 
-TEST_F(Board, ReadingsStayPlausibleForAQuarterOfAnHourAndMove) {
+TEST_F(Board, ReadingsStayPlausibleForAQuarterOfAnHourAndMove)
+{
     for (UINT64 Seed = 0; Seed < 4; Seed++) {
         Install("full", Seed);
         if (Seed == 3) {
@@ -234,7 +240,8 @@ TEST_F(Board, ReadingsStayPlausibleForAQuarterOfAnHourAndMove) {
     }
 }
 
-TEST_F(Board, OneSeedGivesOneHistoryHoweverOftenItIsRead) {
+TEST_F(Board, OneSeedGivesOneHistoryHoweverOftenItIsRead)
+{
     const auto Readings = [&](UINT64 Seed, UINT64 Pace) {
         Install("full", Seed);
         for (const UINT64 End = gNow + 9 * gSecond; gNow < End; gNow += Pace) {
@@ -252,7 +259,8 @@ TEST_F(Board, OneSeedGivesOneHistoryHoweverOftenItIsRead) {
     EXPECT_NE(Slow, Readings(2, 3 * gSecond));
 }
 
-TEST_F(Board, AFanFollowsTheSettingItHoldsWithinTwoSeconds) {
+TEST_F(Board, AFanFollowsTheSettingItHoldsWithinTwoSeconds)
+{
     Install("full");
     const UINT8 Slider[] = {6, 7, 8, 9, 10};
     const INT64 Top[] = {1500, 1400, 1200, 1800, 5000};
@@ -272,7 +280,8 @@ TEST_F(Board, AFanFollowsTheSettingItHoldsWithinTwoSeconds) {
     EXPECT_EQ(BoardContractFaults(), 0u);
 }
 
-TEST_F(Board, FullSpeedReachesEveryFanAndDefaultTakesItBack) {
+TEST_F(Board, FullSpeedReachesEveryFanAndDefaultTakesItBack)
+{
     Install("full");
     const INT64 Top[] = {2200, 2000, 1500, 1400, 1200, 1800, 5000};
     (void)Hardware->SetAllFansFullSpeed(Hardware);
@@ -291,7 +300,8 @@ TEST_F(Board, FullSpeedReachesEveryFanAndDefaultTakesItBack) {
     }
 }
 
-TEST_F(Board, ATemperatureFallsWhenItsFansTurnFaster) {
+TEST_F(Board, ATemperatureFallsWhenItsFansTurnFaster)
+{
     // A flat curve at the lowest duty against full speed, under the same load.
     Install("full");
     for (const UINT8 Fan : {UINT8{4}, UINT8{5}}) {
@@ -313,7 +323,8 @@ TEST_F(Board, ATemperatureFallsWhenItsFansTurnFaster) {
     EXPECT_GE(Warm - Cool, 5);
 }
 
-TEST_F(Board, ACurveTakesItsFanUpWithTheTemperature) {
+TEST_F(Board, ACurveTakesItsFanUpWithTheTemperature)
+{
     Install("second-source");
     FAN_SETTING Steep = {};
     Steep.CurveEnabled = 1;
@@ -338,7 +349,8 @@ TEST_F(Board, ACurveTakesItsFanUpWithTheTemperature) {
     EXPECT_TRUE(SeenCool);
 }
 
-TEST_F(Board, ACurveIsStraightBetweenItsNodesAndLevelBeyondThem) {
+TEST_F(Board, ACurveIsStraightBetweenItsNodesAndLevelBeyondThem)
+{
     FAN_SETTING Setting = {};
     Setting.CurveEnabled = 1;
     Setting.Column0 = 1; // 40 degrees
@@ -362,7 +374,8 @@ TEST_F(Board, ACurveIsStraightBetweenItsNodesAndLevelBeyondThem) {
     }
 }
 
-TEST_F(Board, ArtworkThatAScriptHasReplacedIsForgottenWithTheServices) {
+TEST_F(Board, ArtworkThatAScriptHasReplacedIsForgottenWithTheServices)
+{
     const UINT8 Type = EFI_SECTION_RAW;
     const auto Get = [&] {
         auto* Sections = Bench.Find<IMAGE_SECTION_PROTOCOL>(gImageSectionProtocolGuid);
@@ -382,7 +395,8 @@ TEST_F(Board, ArtworkThatAScriptHasReplacedIsForgottenWithTheServices) {
     EXPECT_EQ(Get(), EFI_SUCCESS);
 }
 
-TEST_F(Board, CancelGoesBackToWhatWasHeldAtTheConsolesStart) {
+TEST_F(Board, CancelGoesBackToWhatWasHeldAtTheConsolesStart)
+{
     Install("full");
     Set(9, 1);
     (void)Hardware->Initialize(Hardware);
@@ -393,7 +407,8 @@ TEST_F(Board, CancelGoesBackToWhatWasHeldAtTheConsolesStart) {
     EXPECT_EQ(Setting.FixedLevel, 1);
 }
 
-TEST_F(Board, EveryPairOfOperationsBelongsToItsFan) {
+TEST_F(Board, EveryPairOfOperationsBelongsToItsFan)
+{
     Install("full");
     for (UINT8 Fan = 4; Fan < 11; Fan++) {
         FAN_SETTING Mark = {};
@@ -410,7 +425,8 @@ TEST_F(Board, EveryPairOfOperationsBelongsToItsFan) {
     }
 }
 
-TEST_F(Board, TheModelCatchesUpAfterADayWithoutARead) {
+TEST_F(Board, TheModelCatchesUpAfterADayWithoutARead)
+{
     Install("full");
     gNow += 86400 * gSecond;
     EXPECT_GE(Read(0), 30);
@@ -419,7 +435,8 @@ TEST_F(Board, TheModelCatchesUpAfterADayWithoutARead) {
     EXPECT_EQ(Read(4), Speed);
 }
 
-TEST_F(Board, ThePointerStaysWithinItsLimitsAndItsButtonsAreZeroOrOne) {
+TEST_F(Board, ThePointerStaysWithinItsLimitsAndItsButtonsAreZeroOrOne)
+{
     Install("full");
     auto* Cursor = Bench.Find<CURSOR_SERVICE_PROTOCOL>(gCursorServiceProtocolGuid);
     ASSERT_EQ(Cursor->SetCursorLimits(1024, 768), EFI_SUCCESS);

@@ -7,7 +7,8 @@
 
 namespace {
 
-FAN_SETTING Curve(UINT8 Enabled, UINT16 FixedLevel) {
+FAN_SETTING Curve(UINT8 Enabled, UINT16 FixedLevel)
+{
     FAN_SETTING Setting = {};
     Setting.CurveEnabled = Enabled;
     Setting.Column3 = 4;
@@ -22,7 +23,8 @@ FAN_SETTING Curve(UINT8 Enabled, UINT16 FixedLevel) {
     return Setting;
 }
 
-FAN_SETTING Fixed(UINT16 Level) {
+FAN_SETTING Fixed(UINT16 Level)
+{
     FAN_SETTING Setting = {};
     Setting.FixedLevel = Level;
     return Setting;
@@ -30,7 +32,8 @@ FAN_SETTING Fixed(UINT16 Level) {
 
 bool Same(const FAN_SETTING& A, const FAN_SETTING& B) { return std::memcmp(&A, &B, sizeof(A)) == 0; }
 
-TEST(FanStore, TheDefaultsOfEveryBoardAreWithinTheContract) {
+TEST(FanStore, TheDefaultsOfEveryBoardAreWithinTheContract)
+{
     for (UINTN Index = 0; Index < gBoardNameCount; Index++) {
         const SIMULATED_BOARD* Board = FindSimulatedBoard(gBoardNames[Index]);
         ResetFanStore(Board);
@@ -43,7 +46,8 @@ TEST(FanStore, TheDefaultsOfEveryBoardAreWithinTheContract) {
     }
 }
 
-TEST(FanStore, EveryRecordThatAPageWritesIsTaken) {
+TEST(FanStore, EveryRecordThatAPageWritesIsTaken)
+{
     ResetFanStore(FindSimulatedBoard("full"));
     for (const UINT8 Enabled : {UINT8{0}, UINT8{1}}) {
         for (const UINT8 Fan : {UINT8{4}, UINT8{5}}) {
@@ -69,7 +73,8 @@ TEST(FanStore, EveryRecordThatAPageWritesIsTaken) {
     EXPECT_EQ(LastBoardContractFault(), nullptr);
 }
 
-TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted) {
+TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted)
+{
     struct CASE {
         const char* What;
         UINT8 Fan;
@@ -106,7 +111,8 @@ TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted) {
     }
 }
 
-TEST(FanStore, ASecondFanIsCheckedByItsKindAndAnAbsentFanTakesNothing) {
+TEST(FanStore, ASecondFanIsCheckedByItsKindAndAnAbsentFanTakesNothing)
+{
     const FAN_SETTING Eight = Curve(1, 0);
     const FAN_SETTING Six = Curve(1, 1);
     ResetFanStore(FindSimulatedBoard("kind0"));
@@ -119,7 +125,8 @@ TEST(FanStore, ASecondFanIsCheckedByItsKindAndAnAbsentFanTakesNothing) {
     EXPECT_EQ(StoreFanSetting(6, &Six), EFI_SUCCESS);
 }
 
-TEST(FanStore, CancelGoesBackToTheMarkAndDefaultToTheDefaults) {
+TEST(FanStore, CancelGoesBackToTheMarkAndDefaultToTheDefaults)
+{
     ResetFanStore(FindSimulatedBoard("full"));
     const FAN_SETTING Default = *HeldFanSetting(9);
     const FAN_SETTING First = Fixed(1);
@@ -135,7 +142,8 @@ TEST(FanStore, CancelGoesBackToTheMarkAndDefaultToTheDefaults) {
     EXPECT_TRUE(Same(*HeldFanSetting(9), First));
 }
 
-TEST(FanStore, ARecordOfAScriptIsTakenAsItIsAndNoCancelTakesItBack) {
+TEST(FanStore, ARecordOfAScriptIsTakenAsItIsAndNoCancelTakesItBack)
+{
     ResetFanStore(FindSimulatedBoard("full"));
     const FAN_SETTING Odd = Fixed(9);
     EXPECT_EQ(PutBoardSetting(9, &Odd), EFI_SUCCESS);
@@ -152,7 +160,8 @@ TEST(FanStore, ARecordOfAScriptIsTakenAsItIsAndNoCancelTakesItBack) {
     EXPECT_EQ(BoardContractFaults(), 0u);
 }
 
-TEST(FanStore, FullSpeedOfAFanEndsWithItsNextRecordAndOfAllWithDefaultOrCancel) {
+TEST(FanStore, FullSpeedOfAFanEndsWithItsNextRecordAndOfAllWithDefaultOrCancel)
+{
     ResetFanStore(FindSimulatedBoard("full"));
     const FAN_SETTING Setting = Fixed(1);
     HoldFullSpeed();

@@ -14,7 +14,8 @@ FLOAT_WORD Word(float Value) { return std::bit_cast<std::uint32_t>(Value); }
 
 float Value(FLOAT_WORD Word) { return std::bit_cast<float>(static_cast<std::uint32_t>(Word)); }
 
-std::string Text(float Number) {
+std::string Text(float Number)
+{
     CHAR16 Buffer[127];
     EXPECT_EQ(gBoardFloatMath.FloatToString(Word(Number), Buffer, 127), EFI_SUCCESS);
     std::string Narrow;
@@ -24,7 +25,8 @@ std::string Text(float Number) {
     return Narrow;
 }
 
-TEST(FloatText, EveryMillivoltOfAGaugePrintsExactly) {
+TEST(FloatText, EveryMillivoltOfAGaugePrintsExactly)
+{
     for (int MilliVolts = 0; MilliVolts <= 13000; MilliVolts++) {
         char Digits[16];
         std::snprintf(Digits, sizeof(Digits), "%d.%03d", MilliVolts / 1000, MilliVolts % 1000);
@@ -39,7 +41,8 @@ TEST(FloatText, EveryMillivoltOfAGaugePrintsExactly) {
     }
 }
 
-TEST(FloatText, HasNoExponentAndNoNeedlessDigits) {
+TEST(FloatText, HasNoExponentAndNoNeedlessDigits)
+{
     EXPECT_EQ(Text(0.0f), "0");
     EXPECT_EQ(Text(-0.0f), "0");
     EXPECT_EQ(Text(1.05f), "1.05");
@@ -54,7 +57,8 @@ TEST(FloatText, HasNoExponentAndNoNeedlessDigits) {
     EXPECT_EQ(Text(-std::numeric_limits<float>::infinity()), "-Inf");
 }
 
-TEST(FloatText, ReadsBackAsTheSameValue) {
+TEST(FloatText, ReadsBackAsTheSameValue)
+{
     std::mt19937 Random(7);
     for (int Round = 0; Round < 20000; Round++) {
         const float Number = std::bit_cast<float>(static_cast<std::uint32_t>(Random()));
@@ -69,7 +73,8 @@ TEST(FloatText, ReadsBackAsTheSameValue) {
     }
 }
 
-TEST(FloatText, StaysInsideItsBuffer) {
+TEST(FloatText, StaysInsideItsBuffer)
+{
     CHAR16 Buffer[6] = {u'x', u'x', u'x', u'x', u'x', u'x'};
     EXPECT_EQ(gBoardFloatMath.FloatToString(Word(1.05f), Buffer, 5), EFI_SUCCESS);
     EXPECT_EQ(std::u16string(Buffer), u"1.05");
@@ -81,7 +86,8 @@ TEST(FloatText, StaysInsideItsBuffer) {
     EXPECT_EQ(gBoardFloatMath.FloatToString(Word(1.05f), Buffer, 0), EFI_INVALID_PARAMETER);
 }
 
-TEST(FloatWords, WholeNumbersDropTheFractionAndStopAtTheEndsOfTheirRange) {
+TEST(FloatWords, WholeNumbersDropTheFractionAndStopAtTheEndsOfTheirRange)
+{
     struct CASE {
         float Number;
         INT64 Whole;
@@ -102,7 +108,8 @@ TEST(FloatWords, WholeNumbersDropTheFractionAndStopAtTheEndsOfTheirRange) {
     }
 }
 
-TEST(FloatWords, OnlyTheLowHalfOfAWordCounts) {
+TEST(FloatWords, OnlyTheLowHalfOfAWordCounts)
+{
     const FLOAT_WORD Noise = 0xDEADBEEF00000000ull;
     EXPECT_EQ(gBoardFloatMath.FloatAdd(Noise | Word(1.5f), Noise | Word(2.0f)), Word(3.5f));
     EXPECT_EQ(gBoardFloatMath.FloatSubtract(Noise | Word(1.5f), Word(2.0f)), Word(-0.5f));
@@ -112,7 +119,8 @@ TEST(FloatWords, OnlyTheLowHalfOfAWordCounts) {
     EXPECT_EQ(gBoardFloatMath.IntToFloat(-3), Word(-3.0f));
 }
 
-TEST(FloatWords, ADivisionByZeroGivesWhatTheProcessorGives) {
+TEST(FloatWords, ADivisionByZeroGivesWhatTheProcessorGives)
+{
     const float Infinity = std::numeric_limits<float>::infinity();
     EXPECT_EQ(gBoardFloatMath.FloatDivide(Word(1.0f), Word(0.0f)), Word(Infinity));
     EXPECT_EQ(gBoardFloatMath.FloatDivide(Word(1.0f), Word(-0.0f)), Word(-Infinity));

@@ -30,7 +30,8 @@ struct CANVAS {
     }
 };
 
-TEST(Lines, ReachBothEndsInAnyDirection) {
+TEST(Lines, ReachBothEndsInAnyDirection)
+{
     CANVAS Canvas(5, 4);
     EXPECT_EQ(Canvas.Draw(1, 2, 3, 2), ".....\n.....\n.###.\n.....\n");
     EXPECT_EQ(Canvas.Draw(1, 0, 1, 3), ".#...\n.#...\n.#...\n.#...\n");
@@ -40,7 +41,8 @@ TEST(Lines, ReachBothEndsInAnyDirection) {
     EXPECT_EQ(Canvas.Draw(2, 1, 2, 1), ".....\n..#..\n.....\n.....\n");
 }
 
-TEST(Lines, TheColorIsAPixelWord) {
+TEST(Lines, TheColorIsAPixelWord)
+{
     CANVAS Canvas(1, 1);
     (void)Canvas.Draw(0, 0, 0, 0);
     EXPECT_EQ(Canvas.Pixels[0].Blue, 0x40);
@@ -49,7 +51,8 @@ TEST(Lines, TheColorIsAPixelWord) {
     EXPECT_EQ(Canvas.Pixels[0].Reserved, 0);
 }
 
-TEST(Lines, TheTwoEndsMayBeSwapped) {
+TEST(Lines, TheTwoEndsMayBeSwapped)
+{
     CANVAS Canvas(9, 7);
     for (INT64 X = -3; X < 12; X++) {
         for (INT64 Y = -3; Y < 10; Y++) {
@@ -58,7 +61,8 @@ TEST(Lines, TheTwoEndsMayBeSwapped) {
     }
 }
 
-TEST(Lines, WhatLiesOutsideIsLeftOutAndTheRestStaysWhereItWas) {
+TEST(Lines, WhatLiesOutsideIsLeftOutAndTheRestStaysWhereItWas)
+{
     CANVAS Small(4, 4);
     CANVAS Large(12, 12);
     // The same line, seen through a window at (4, 4) of the large canvas.
@@ -77,7 +81,8 @@ TEST(Lines, WhatLiesOutsideIsLeftOutAndTheRestStaysWhereItWas) {
     EXPECT_EQ(Small.Draw(-1000000, 1, 1000000, 1), "....\n####\n....\n....\n");
 }
 
-TEST(Lines, AThickLineGrowsToBothSides) {
+TEST(Lines, AThickLineGrowsToBothSides)
+{
     CANVAS Canvas(5, 5);
     EXPECT_EQ(Canvas.Draw(1, 2, 3, 2, 3), ".....\n.###.\n.###.\n.###.\n.....\n");
     EXPECT_EQ(Canvas.Draw(2, 0, 2, 4, 2), "..##.\n..##.\n..##.\n..##.\n..##.\n");

@@ -99,7 +99,8 @@ const std::vector<std::u16string> gHelp = {
     u"        \n          ",
 };
 
-TEST_F(MessageBoxes, ABoxIsAtLeastAsLargeAsAskedAndGrowsWithItsText) {
+TEST_F(MessageBoxes, ABoxIsAtLeastAsLargeAsAskedAndGrowsWithItsText)
+{
     ASSERT_EQ(Create(300, 240, 295, 137, {u"A", u"B"}), EFI_SUCCESS);
     EXPECT_EQ(Box.BoxWidth, 295u);
     EXPECT_EQ(Box.BoxHeight, 137u);
@@ -110,7 +111,8 @@ TEST_F(MessageBoxes, ABoxIsAtLeastAsLargeAsAskedAndGrowsWithItsText) {
     EXPECT_GT(Box.BoxHeight, 10u * 19 + 19);
 }
 
-TEST_F(MessageBoxes, TextAndButtonLieInsideTheBoxAndNothingIsPaintedOutside) {
+TEST_F(MessageBoxes, TextAndButtonLieInsideTheBoxAndNothingIsPaintedOutside)
+{
     for (const bool Wide : {true, false}) {
         Bench.WidePictures = Wide;
         ASSERT_EQ(Create(300, 159, 295, 137, gHelp), EFI_SUCCESS);
@@ -135,7 +137,8 @@ TEST_F(MessageBoxes, TextAndButtonLieInsideTheBoxAndNothingIsPaintedOutside) {
     EXPECT_EQ(Bench.PoolBlocks, 0);
 }
 
-TEST_F(MessageBoxes, ALineFeedStartsANewRowAndBlankRowsTakeTheirPlace) {
+TEST_F(MessageBoxes, ALineFeedStartsANewRowAndBlankRowsTakeTheirPlace)
+{
     ASSERT_EQ(Create(100, 100, 0, 0, {u"ab\ncd", u"   \n  ", u"e"}), EFI_SUCCESS);
     const UINT32 FiveRows = Box.BoxHeight;
     Draw();
@@ -144,7 +147,8 @@ TEST_F(MessageBoxes, ALineFeedStartsANewRowAndBlankRowsTakeTheirPlace) {
     EXPECT_EQ(FiveRows - Box.BoxHeight, 4u * 19);
 }
 
-TEST_F(MessageBoxes, ABoxNeverReachesBeyondTheScreen) {
+TEST_F(MessageBoxes, ABoxNeverReachesBeyondTheScreen)
+{
     struct CASE {
         UINTN X, Y, Width, Height;
     };
@@ -166,7 +170,8 @@ TEST_F(MessageBoxes, ABoxNeverReachesBeyondTheScreen) {
     EXPECT_EQ(Create(0, 768, 10, 10, {}), EFI_INVALID_PARAMETER);
 }
 
-TEST_F(MessageBoxes, TheButtonShowsThatThePointerIsOnItAndIsRepaintedOnlyThen) {
+TEST_F(MessageBoxes, TheButtonShowsThatThePointerIsOnItAndIsRepaintedOnlyThen)
+{
     ASSERT_EQ(Create(300, 240, 295, 137, {u"Text"}), EFI_SUCCESS);
     Draw();
     const RECTANGLE Press = Button();
@@ -196,7 +201,8 @@ TEST_F(MessageBoxes, TheButtonShowsThatThePointerIsOnItAndIsRepaintedOnlyThen) {
     EXPECT_EQ(Bench.At(Press.Left, Press.Top), Rest);
 }
 
-TEST_F(MessageBoxes, AFragmentOfTheRestingButtonIsMendedInTheTurnAfterAMoveOnTheButton) {
+TEST_F(MessageBoxes, AFragmentOfTheRestingButtonIsMendedInTheTurnAfterAMoveOnTheButton)
+{
     ASSERT_EQ(Create(300, 240, 295, 137, {u"Text"}), EFI_SUCCESS);
     Draw();
     const RECTANGLE Press = Button();
@@ -212,7 +218,8 @@ TEST_F(MessageBoxes, AFragmentOfTheRestingButtonIsMendedInTheTurnAfterAMoveOnThe
     EXPECT_NE(Bench.At(Press.Left, Press.Top), Hover);
 }
 
-TEST_F(MessageBoxes, WithoutAFontOrPoolTheBoxComesWithoutText) {
+TEST_F(MessageBoxes, WithoutAFontOrPoolTheBoxComesWithoutText)
+{
     ASSERT_EQ(Create(300, 240, 295, 137, {u"Text"}), EFI_SUCCESS);
     Bench.HasFont = false;
     Draw();

@@ -142,6 +142,22 @@ class ConsoleOnFirmware(BootCase):
                                    not now.crop(0, 0, 100, 30).same(first.crop(0, 0, 100, 30)),
                                    what="the firmware's menu")
 
+    def test_a_page_of_information_opens_and_a_node_can_be_dragged(self):
+        middle, node, above = (300, 300, 420, 170), (385, 445, 24, 24), (385, 395, 24, 24)
+        with Machine(self.make_image()) as machine:
+            machine.wait_for_console()
+            first = park(machine)
+            machine.click(805, 96)  # About
+            keep(park(machine, lambda now: not now.crop(*middle).same(first.crop(*middle))), "about")
+            machine.key("esc")
+            park(machine, lambda now: now.crop(*middle).same(first.crop(*middle)))
+            machine.move_to(397, 457)  # the first node
+            machine.button("left", True)
+            machine.drag_to(397, 407)
+            machine.button("left", False)
+            dragged = keep(park(machine, lambda now: not now.crop(*node).same(first.crop(*node))), "dragged")
+            self.assertFalse(dragged.crop(*above).same(first.crop(*above)), "the node isn't where it was dropped")
+
     def check_against_hosted(self, first):
         if not os.path.exists(HOSTED):
             self.skipTest(f"{HOSTED} isn't built")

@@ -7,7 +7,8 @@
 
 using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 
-TEST(BootScreen, FillsTheDisplayAndNothingBeyondIt) {
+TEST(BootScreen, FillsTheDisplayAndNothingBeyondIt)
+{
     constexpr size_t Count = size_t{BOOT_SCREEN_WIDTH} * BOOT_SCREEN_HEIGHT;
     constexpr size_t Guard = 4096;
     std::vector<PIXEL> First(Count + 2 * Guard, PIXEL{1, 2, 3, 4});
@@ -25,7 +26,8 @@ TEST(BootScreen, FillsTheDisplayAndNothingBeyondIt) {
     }
 }
 
-TEST(BootScreen, HasNoBlackWhereTheConsolesRoundedCornersShowIt) {
+TEST(BootScreen, HasNoBlackWhereTheConsolesRoundedCornersShowIt)
+{
     std::vector<PIXEL> Display(size_t{BOOT_SCREEN_WIDTH} * BOOT_SCREEN_HEIGHT);
     PaintBootScreen(Display.data());
     for (const size_t Y : {36u, 730u}) {

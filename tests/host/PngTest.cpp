@@ -8,14 +8,16 @@
 
 namespace {
 
-std::string ReadBytes(const std::string& Path) {
+std::string ReadBytes(const std::string& Path)
+{
     std::ifstream File(Path, std::ios::binary);
     return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
 }
 
 } // namespace
 
-TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes) {
+TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes)
+{
     const std::string Path = testing::TempDir() + "round.png";
     const UINT32 Written[] = {0x00FF0000, 0xFF00FF00, 0x800000FF, 0x12345678, 0x00000000, 0xFFFFFFFF};
     ASSERT_TRUE(WritePng(Path.c_str(), Written, 3, 2));
@@ -30,7 +32,8 @@ TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes) {
               (std::vector<UINT32>{0x00FF0000, 0x0000FF00, 0x000000FF, 0x00345678, 0x00000000, 0x00FFFFFF}));
 }
 
-TEST(Png, GivesTheSameBytesForTheSamePixelsWhateverTheirReservedBytes) {
+TEST(Png, GivesTheSameBytesForTheSamePixelsWhateverTheirReservedBytes)
+{
     const std::string First = testing::TempDir() + "first.png";
     const std::string Second = testing::TempDir() + "second.png";
     const UINT32 Clear[] = {0x00102030, 0x00405060};
@@ -40,7 +43,8 @@ TEST(Png, GivesTheSameBytesForTheSamePixelsWhateverTheirReservedBytes) {
     EXPECT_EQ(ReadBytes(First), ReadBytes(Second));
 }
 
-TEST(Png, SaysWhenAFileCannotBeWrittenOrReadAndLeavesTheResultAlone) {
+TEST(Png, SaysWhenAFileCannotBeWrittenOrReadAndLeavesTheResultAlone)
+{
     const UINT32 Pixel = 0;
     EXPECT_FALSE(WritePng((testing::TempDir() + "no/such/folder/x.png").c_str(), &Pixel, 1, 1));
     EXPECT_FALSE(WritePng((testing::TempDir() + "empty.png").c_str(), &Pixel, 0, 1));

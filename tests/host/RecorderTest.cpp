@@ -10,7 +10,8 @@ namespace {
 
 class Recorder : public testing::Test {
 protected:
-    Recorder() : Path(testing::TempDir() + "record.script"), Open(OpenRecorder(Path.c_str())) {
+    Recorder() : Path(testing::TempDir() + "record.script"), Open(OpenRecorder(Path.c_str()))
+{
         Input.PointerX = 10;
         Input.PointerY = 20;
     }
@@ -28,7 +29,8 @@ protected:
 
 } // namespace
 
-TEST_F(Recorder, WritesWhatChangedAndHowLongAfterTheTurnBefore) {
+TEST_F(Recorder, WritesWhatChangedAndHowLongAfterTheTurnBefore)
+{
     RecordTurn(Open, 5'000'000, Input);
     RecordTurn(Open, 5'016'000, Input);
     Input.PointerX = 11;
@@ -46,13 +48,15 @@ TEST_F(Recorder, WritesWhatChangedAndHowLongAfterTheTurnBefore) {
                        "right up\nturn\n");
 }
 
-TEST_F(Recorder, WritesKeysInTheFormThatReadsBackAsTheSameKey) {
+TEST_F(Recorder, WritesKeysInTheFormThatReadsBackAsTheSameKey)
+{
     Input.Keys = {{SCAN_ESC, 0}, {0, CHAR_CARRIAGE_RETURN}, {0, u's'}, {0, u'#'}, {0, u' '}, {0, 0x00E9}, {0x0B, 0}};
     RecordTurn(Open, 0, Input);
     EXPECT_EQ(Close(), "pointer 10 20\nkey esc\nkey enter\nkey s\nkey 0 23\nkey 0 20\nkey 0 e9\nkey b 0\nturn\n");
 }
 
-TEST_F(Recorder, LeavesOutTheTimeThatAStallMovesByItself) {
+TEST_F(Recorder, LeavesOutTheTimeThatAStallMovesByItself)
+{
     RecordTurn(Open, 0, Input);
     RecordStall(Open, 3'000);
     RecordTurn(Open, 10'000, Input);
@@ -63,7 +67,8 @@ TEST_F(Recorder, LeavesOutTheTimeThatAStallMovesByItself) {
     EXPECT_EQ(Close(), "pointer 10 20\nturn\nadvance 7000\nturn\nturn\nadvance 2000\nturn\n");
 }
 
-TEST_F(Recorder, IsOnDiskAfterEachTurn) {
+TEST_F(Recorder, IsOnDiskAfterEachTurn)
+{
     RecordTurn(Open, 0, Input);
     RecordCommand(Open, "start");
     std::ifstream File(Path);
@@ -72,7 +77,8 @@ TEST_F(Recorder, IsOnDiskAfterEachTurn) {
     EXPECT_TRUE(CloseRecorder(Open));
 }
 
-TEST(RecorderFile, SaysWhenItCannotBeCreatedOrWritten) {
+TEST(RecorderFile, SaysWhenItCannotBeCreatedOrWritten)
+{
     EXPECT_EQ(OpenRecorder((testing::TempDir() + "no/such/folder/x").c_str()), nullptr);
     RECORDER* Full = OpenRecorder("/dev/full");
     ASSERT_NE(Full, nullptr);

@@ -6,7 +6,8 @@
 
 namespace {
 
-bool HasInk(const UINT8* Rows, UINTN From, UINTN To) {
+bool HasInk(const UINT8* Rows, UINTN From, UINTN To)
+{
     for (UINTN Row = From; Row < To; Row++) {
         if (Rows[Row] != 0) {
             return true;
@@ -17,7 +18,8 @@ bool HasInk(const UINT8* Rows, UINTN From, UINTN To) {
 
 } // namespace
 
-TEST(SystemFont, HasADifferentGlyphForEveryPrintableCharacterOfAsciiAndALookForAllOfLatin1) {
+TEST(SystemFont, HasADifferentGlyphForEveryPrintableCharacterOfAsciiAndALookForAllOfLatin1)
+{
     for (CHAR16 Char = 0x21; Char < 0x7F; Char++) {
         const UINT8* Rows = SystemFontGlyph(Char);
         ASSERT_NE(Rows, nullptr) << "U+" << std::hex << static_cast<unsigned>(Char);
@@ -32,7 +34,8 @@ TEST(SystemFont, HasADifferentGlyphForEveryPrintableCharacterOfAsciiAndALookForA
     }
 }
 
-TEST(SystemFont, StandsUprightWithTheLeftmostPixelInTheHighestBit) {
+TEST(SystemFont, StandsUprightWithTheLeftmostPixelInTheHighestBit)
+{
     const UINT8* L = SystemFontGlyph(u'L');
     const UINTN Last = SYSTEM_FONT_BASELINE - 1;
     // A stem at the left, a foot to the right of it, nothing below the baseline.
@@ -44,7 +47,8 @@ TEST(SystemFont, StandsUprightWithTheLeftmostPixelInTheHighestBit) {
     EXPECT_FALSE(HasInk(SystemFontGlyph(u' '), 0, SYSTEM_FONT_HEIGHT));
 }
 
-TEST(SystemFont, ShowsTheCodeOfTheConsolesDegreeSignAsADegreeSign) {
+TEST(SystemFont, ShowsTheCodeOfTheConsolesDegreeSignAsADegreeSign)
+{
     const UINT8* Rows = SystemFontGlyph(0x00F8);
     ASSERT_NE(Rows, nullptr);
     EXPECT_EQ(std::memcmp(Rows, SystemFontGlyph(0x00B0), SYSTEM_FONT_HEIGHT), 0);
@@ -54,7 +58,8 @@ TEST(SystemFont, ShowsTheCodeOfTheConsolesDegreeSignAsADegreeSign) {
     EXPECT_TRUE(HasInk(SystemFontGlyph(0x00D8), 8, SYSTEM_FONT_BASELINE));
 }
 
-TEST(SystemFont, HasNoGlyphForWhatTheSourceDoesNotDraw) {
+TEST(SystemFont, HasNoGlyphForWhatTheSourceDoesNotDraw)
+{
     EXPECT_EQ(SystemFontGlyph(0x0000), nullptr);
     EXPECT_EQ(SystemFontGlyph(0x4E00), nullptr);
     EXPECT_EQ(SystemFontGlyph(0xFFFF), nullptr);

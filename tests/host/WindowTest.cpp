@@ -12,7 +12,8 @@ namespace {
 // A window on SDL's dummy screen, into which a test puts the events that a desktop would send.
 class OpenedWindow : public testing::Test {
 protected:
-    OpenedWindow() {
+    OpenedWindow()
+{
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         const char* Error = nullptr;
         Window = OpenWindow("Test", &Error);
@@ -66,7 +67,8 @@ protected:
     WINDOW_INPUT Input{};
 };
 
-UINT64 MeasureTurns(WINDOW* Window, int Turns) {
+UINT64 MeasureTurns(WINDOW* Window, int Turns)
+{
     const auto Begin = std::chrono::steady_clock::now();
     for (int Turn = 0; Turn < Turns; Turn++) {
         PaceWindow(Window);
@@ -77,14 +79,16 @@ UINT64 MeasureTurns(WINDOW* Window, int Turns) {
 
 } // namespace
 
-TEST_F(OpenedWindow, TakesAllMovementOfATurnTogether) {
+TEST_F(OpenedWindow, TakesAllMovementOfATurnTogether)
+{
     PutMotion(5, 6);
     PutMotion(7, 8);
     ExpectTurn(7, 8, false, false, true);
     ExpectTurn(7, 8, false, false, false);
 }
 
-TEST_F(OpenedWindow, ShowsAClickThatBeganAndEndedBetweenTwoTurnsWhereThePointerWas) {
+TEST_F(OpenedWindow, ShowsAClickThatBeganAndEndedBetweenTwoTurnsWhereThePointerWas)
+{
     PutMotion(100, 100);
     PutButton(true, SDL_BUTTON_LEFT, 100, 100);
     PutMotion(101, 100);
@@ -98,7 +102,8 @@ TEST_F(OpenedWindow, ShowsAClickThatBeganAndEndedBetweenTwoTurnsWhereThePointerW
     ExpectTurn(300, 300, false, true, false);
 }
 
-TEST_F(OpenedWindow, TurnsKeysAndTextIntoTheFirmwaresKeyStrokesInTheirOrder) {
+TEST_F(OpenedWindow, TurnsKeysAndTextIntoTheFirmwaresKeyStrokesInTheirOrder)
+{
     PutKey(SDLK_s); // its text follows; the key itself is none of the firmware's
     PutText("s");
     PutKey(SDLK_ESCAPE);
@@ -116,7 +121,8 @@ TEST_F(OpenedWindow, TurnsKeysAndTextIntoTheFirmwaresKeyStrokesInTheirOrder) {
     EXPECT_TRUE(Input.Keys.empty());
 }
 
-TEST_F(OpenedWindow, StaysClosedOnceTheUserClosedIt) {
+TEST_F(OpenedWindow, StaysClosedOnceTheUserClosedIt)
+{
     SDL_Event Event{};
     Event.type = SDL_QUIT;
     SDL_PushEvent(&Event);
@@ -126,14 +132,16 @@ TEST_F(OpenedWindow, StaysClosedOnceTheUserClosedIt) {
     EXPECT_TRUE(Input.Closed);
 }
 
-TEST_F(OpenedWindow, NeverTurnsFasterThan250TimesASecondWhileThePointerMoves) {
+TEST_F(OpenedWindow, NeverTurnsFasterThan250TimesASecondWhileThePointerMoves)
+{
     PutMotion(50, 50);
     PumpWindow(Window, &Input);
     PaceWindow(Window);
     EXPECT_GE(MeasureTurns(Window, 10), 40'000u);
 }
 
-TEST_F(OpenedWindow, WakesFromItsRestWhenInputComes) {
+TEST_F(OpenedWindow, WakesFromItsRestWhenInputComes)
+{
     while (MeasureTurns(Window, 1) < 8'000) {
         // still at the pace of its opening
     }
@@ -142,7 +150,8 @@ TEST_F(OpenedWindow, WakesFromItsRestWhenInputComes) {
     EXPECT_LT(MeasureTurns(Window, 10), 120'000u);
 }
 
-TEST(OpenWindow, SaysSoWhereThereIsNoScreen) {
+TEST(OpenWindow, SaysSoWhereThereIsNoScreen)
+{
     for (const char* Name : {"SDL_VIDEODRIVER", "DISPLAY", "WAYLAND_DISPLAY"}) {
         unsetenv(Name);
     }
@@ -157,7 +166,8 @@ TEST(OpenWindow, SaysSoWhereThereIsNoScreen) {
     }
 }
 
-TEST(Pace, Is250TurnsASecondWhileSomethingMovesAndNeverUnder60) {
+TEST(Pace, Is250TurnsASecondWhileSomethingMovesAndNeverUnder60)
+{
     EXPECT_EQ(TurnInterval(0), 4'000u);
     EXPECT_EQ(TurnInterval(50'000), 4'000u);
     // The sensors' tick every 200 ms must not keep up the pace of a moving mouse.
@@ -166,7 +176,8 @@ TEST(Pace, Is250TurnsASecondWhileSomethingMovesAndNeverUnder60) {
     EXPECT_LE(TurnInterval(3'600'000'000), 16'666u);
 }
 
-TEST(PlaceDisplay, KeepsTheShapeInTheMiddleOfAnyArea) {
+TEST(PlaceDisplay, KeepsTheShapeInTheMiddleOfAnyArea)
+{
     struct CASE {
         int AreaWidth, AreaHeight;
         DISPLAY_PLACE Place;
@@ -189,7 +200,8 @@ TEST(PlaceDisplay, KeepsTheShapeInTheMiddleOfAnyArea) {
     }
 }
 
-TEST(MapToDisplay, GivesThePixelUnderThePointAndTheNearestForAPointBeside) {
+TEST(MapToDisplay, GivesThePixelUnderThePointAndTheNearestForAPointBeside)
+{
     struct CASE {
         int X, Y;
         INT32 DisplayX, DisplayY;
@@ -211,7 +223,8 @@ TEST(MapToDisplay, GivesThePixelUnderThePointAndTheNearestForAPointBeside) {
     }
 }
 
-TEST(MapToDisplay, ReachesEveryPixelOfAPictureThatIsEnlarged) {
+TEST(MapToDisplay, ReachesEveryPixelOfAPictureThatIsEnlarged)
+{
     const DISPLAY_PLACE Place = PlaceDisplay(1440, 1080);
     INT32 Last = -1;
     for (int X = 0; X < 1440; X++) {
