@@ -88,6 +88,7 @@ EFI_STATUS InitCursorBlt(GUI_CORE* Core)
         Status = gImageLookup->GetFileSection(&gCursorFileGuid, EFI_SECTION_PE32, &Stored.Data, &StoredSize);
     }
     if (EfiError(Status) || !Stored) {
+        Stored.Data = nullptr; // whatever the service left there
         REPORT("can't find the image (InitCursorBlt)");
         return EFI_NO_MEDIA;
     }
@@ -97,6 +98,9 @@ EFI_STATUS InitCursorBlt(GUI_CORE* Core)
     UINT32 Width = 0;
     Status = gImageDecoder->ConvertBmpToGopBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize),
                                                 &Core->CursorImage, &ImageSize, &Height, &Width);
+    if (EfiError(Status)) {
+        Core->CursorImage = nullptr;
+    }
     // Composition needs the picture whenever it runs, so a pointer that can't be decoded ends the start here.
     if (EfiError(Status) || Core->CursorImage == nullptr || !PlausibleSize(Width, Height)) {
         REPORT("can't decode the image (InitCursorBlt)");

@@ -164,8 +164,10 @@ EFI_STATUS ShowPage(const INFORMATION_PAGE& Page)
     FetchStrings(Page, &Strings);
 
     MESSAGE_BOX Box = {};
-    (void)gDrawPrimitives->CreateMessageBox(&Box, Page.X, Page.Y, gWidthAsked, gHeightAsked, Page.LineCount,
-                                            Strings.Lines, 1, &Strings.Button);
+    if (EfiError(gDrawPrimitives->CreateMessageBox(&Box, Page.X, Page.Y, gWidthAsked, gHeightAsked, Page.LineCount,
+                                                   Strings.Lines, 1, &Strings.Button))) {
+        Box = {}; // no box, no page
+    }
     // The service settles the size; what of it lies off the screen isn't ours to keep.
     const UINT32 MostWidth = gScreenWidth - Page.X;
     const UINT32 MostHeight = gScreenHeight - Page.Y;

@@ -56,6 +56,7 @@ EFI_STATUS LoadFramePicture(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, UINT8
     EFI_STATUS Status =
         gImageSection->GetArtworkSection(gFrameInstance, &Stored.Data, &StoredSize, FileGuid, &SectionType);
     if (EfiError(Status) || !Stored) {
+        Stored.Data = nullptr; // whatever the service left there
         return EfiError(Status) ? Status : EFI_NOT_FOUND;
     }
     PIXEL* Decoded = nullptr;
@@ -66,7 +67,9 @@ EFI_STATUS LoadFramePicture(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, UINT8
     Status = gImageDecoder->ConvertJPEGToUgaBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize), &Decoded,
                                                  &DecodedSize, &Height, &Width, &PixelsPerRow);
     if (EfiError(Status) || Decoded == nullptr || !PlausibleSize(Width, Height) || PixelsPerRow < Width) {
-        FreePool(Decoded);
+        if (!EfiError(Status)) {
+            FreePool(Decoded);
+        }
         REPORT("ConvertJPEGToUgaBltA Fail");
         REPORT("LocatePool Fail");
         return EFI_SUCCESS;
@@ -134,6 +137,7 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
     EFI_STATUS Status =
         gImageSection->GetArtworkSection(Corner.Instance, &Stored.Data, &StoredSize, FileGuid, &SectionType);
     if (EfiError(Status) || !Stored) {
+        Stored.Data = nullptr; // whatever the service left there
         return EFI_SUCCESS; // the corners stay as the frame's picture has them
     }
     TEMPORARY<PIXEL> Left;
@@ -143,6 +147,7 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
     Status = gImageDecoder->ConvertBmpToGopBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize),
                                                 &Left.Data, &LeftSize, &Height, &Width);
     if (EfiError(Status) || !Left) {
+        Left.Data = nullptr;
         if (Corner.Upper) {
             REPORT("ConvertBmpToGopBltA Fail");
         }

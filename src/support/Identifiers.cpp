@@ -39,13 +39,15 @@ UINTN gFixedDiskCount = 0;
 
 // The condition of a loop around a firmware call that fills a buffer of unknown size: makes the buffer, first of Size
 // bytes and then of what the call asked for, and says whether the call is to be made again. On any other failure the
-// buffer is given back.
-bool RetryWithLargerBuffer(EFI_STATUS* Status, VOID** Buffer, UINTN Size)
+// buffer is given back. *Had is the size of the present buffer: a firmware that finds it too small and doesn't ask for
+// more would be asked without end.
+bool RetryWithLargerBuffer(EFI_STATUS* Status, VOID** Buffer, UINTN Size, UINTN* Had)
 {
     if (*Buffer == nullptr && Size != 0) {
         *Status = EFI_BUFFER_TOO_SMALL;
     }
-    if (*Status == EFI_BUFFER_TOO_SMALL) {
+    if (*Status == EFI_BUFFER_TOO_SMALL && Size > *Had) {
+        *Had = Size;
         ReleasePool(*Buffer);
         *Buffer = AllocatePool(Size);
         if (*Buffer != nullptr) {
@@ -65,7 +67,8 @@ EFI_STATUS LocateHandlesByProtocol(const EFI_GUID* Protocol, UINTN* Count, EFI_H
     EFI_STATUS Status = EFI_SUCCESS;
     VOID* Buffer = nullptr;
     UINTN Size = gFirstHandleBufferSize;
-    while (RetryWithLargerBuffer(&Status, &Buffer, Size)) {
+    UINTN Had = 0;
+    while (RetryWithLargerBuffer(&Status, &Buffer, Size, &Had)) {
         Status = gBS->LocateHandle(ByProtocol, Protocol, nullptr, &Size, static_cast<EFI_HANDLE*>(Buffer));
     }
     *Count = EfiError(Status) ? 0 : Size / sizeof(EFI_HANDLE);
@@ -256,7 +259,8 @@ VOID GetNodeIdentifier(UINT8* Node)
     TEMPORARY<VOID> Map;
     UINTN MapSize = gFirstMemoryMapSize;
     UINTN DescriptorSize = 0;
-    while (RetryWithLargerBuffer(&Status, &Map.Data, MapSize)) {
+    UINTN Had = 0;
+    while (RetryWithLargerBuffer(&Status, &Map.Data, MapSize, &Had)) {
         UINTN MapKey = 0;
         UINT32 DescriptorVersion = 0;
         Status = gBS->GetMemoryMap(&MapSize, static_cast<EFI_MEMORY_DESCRIPTOR*>(Map.Data), &MapKey, &DescriptorSize,
