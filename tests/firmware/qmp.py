@@ -278,12 +278,13 @@ class Machine:
     def _input(self, *events):
         self.command("input-send-event", events=list(events))
 
-    def move_by(self, x, y):
-        """Moves the mouse by that many counts. One count moves the console's pointer by one pixel."""
+    def move_by(self, x, y, step=100):
+        """Moves the mouse by that many counts, step at most in a report. One count moves the console's pointer by one
+        pixel."""
         while x or y:
             # The mouse keeps some four reports for a guest that is slow to take them.
             for _ in range(4):
-                step_x, step_y = max(-100, min(100, x)), max(-100, min(100, y))
+                step_x, step_y = max(-step, min(step, x)), max(-step, min(step, y))
                 if step_x or step_y:
                     self._input({"type": "rel", "data": {"axis": "x", "value": step_x}},
                                 {"type": "rel", "data": {"axis": "y", "value": step_y}})
@@ -322,11 +323,15 @@ class Machine:
         raise TimeoutError(f"the pointer didn't come to {x}, {y}; it is at {self._last_place()}")
 
     def drag_to(self, x, y):
-        """Moves on from where move_to has put the pointer, straight, so that a held button drags."""
-        self.move_by(x - self.position[0], y - self.position[1])
+        """Holds the left button where move_to has put the pointer, moves on as a hand does, and lets go."""
+        self.button("left", True)
+        time.sleep(0.5)  # a hold, and not a click
+        self.move_by(x - self.position[0], y - self.position[1], step=4)
         if not self._is_at(x, y):
             raise TimeoutError(f"the pointer didn't come to {x}, {y}; it is at {self._last_place()}")
         self.position = (x, y)
+        time.sleep(0.3)
+        self.button("left", False)
 
     def move_tablet(self, x, y):
         """For a machine with a tablet: puts the pointer on a pixel at once."""
