@@ -1,0 +1,409 @@
+#include "tests/faults/FaultBench.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/host/HostText.h"
+
+namespace {
+
+// Longer than any run takes on a machine that has other things to do: a run that needs more hangs.
+constexpr unsigned gSecondsToHang = 120;
+constexpr UINT64 gFaultsToTell = 20;
+constexpr UINT64 gTurnsWithoutKeys = 400; // then keys work again: a run without a script ends by Escape
+
+constexpr EFI_STATUS gNeverGiven = EFI_ABORTED; // no operation's description has it
+
+// Statuses that the operations may give, by what the UEFI specification says of the firmware's own, and for the board's
+// services those that their contract leaves open. The list ends with a zero.
+struct CALL_STATUSES {
+    CALL Call;
+    EFI_STATUS Statuses[4];
+};
+
+constexpr CALL_STATUSES gCallStatuses[] = {
+    {CALL_GET_MEMORY_MAP, {EFI_INVALID_PARAMETER, EFI_BUFFER_TOO_SMALL}},
+    {CALL_ALLOCATE_POOL, {EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER}},
+    {CALL_FREE_POOL, {EFI_INVALID_PARAMETER}},
+    {CALL_CREATE_EVENT, {EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER}},
+    {CALL_CREATE_EVENT_EX, {EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER}},
+    {CALL_SET_TIMER, {EFI_INVALID_PARAMETER}},
+    {CALL_WAIT_FOR_EVENT, {EFI_INVALID_PARAMETER, EFI_UNSUPPORTED}},
+    {CALL_SIGNAL_EVENT, {EFI_INVALID_PARAMETER}},
+    {CALL_CLOSE_EVENT, {EFI_INVALID_PARAMETER}},
+    {CALL_HANDLE_PROTOCOL, {EFI_UNSUPPORTED, EFI_INVALID_PARAMETER}},
+    {CALL_LOCATE_HANDLE, {EFI_NOT_FOUND, EFI_BUFFER_TOO_SMALL, EFI_INVALID_PARAMETER}},
+    {CALL_LOCATE_HANDLE_BUFFER, {EFI_NOT_FOUND, EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER}},
+    {CALL_OPEN_PROTOCOL, {EFI_UNSUPPORTED, EFI_INVALID_PARAMETER, EFI_ACCESS_DENIED}},
+    {CALL_CLOSE_PROTOCOL, {EFI_NOT_FOUND, EFI_INVALID_PARAMETER}},
+    {CALL_LOCATE_PROTOCOL, {EFI_NOT_FOUND, EFI_INVALID_PARAMETER}},
+    {CALL_GET_NEXT_MONOTONIC_COUNT, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_STALL, {EFI_DEVICE_ERROR}},
+    {CALL_GET_TIME, {EFI_DEVICE_ERROR, EFI_UNSUPPORTED}},
+    {CALL_GET_VARIABLE, {EFI_NOT_FOUND, EFI_BUFFER_TOO_SMALL, EFI_DEVICE_ERROR}},
+    {CALL_SET_VARIABLE, {EFI_OUT_OF_RESOURCES, EFI_WRITE_PROTECTED, EFI_DEVICE_ERROR}},
+    {CALL_OUTPUT_STRING, {EFI_DEVICE_ERROR, EFI_UNSUPPORTED}},
+    {CALL_CLEAR_SCREEN, {EFI_DEVICE_ERROR, EFI_UNSUPPORTED}},
+    {CALL_READ_KEY_STROKE, {EFI_NOT_READY, EFI_DEVICE_ERROR}},
+    {CALL_BLT, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_STRING_TO_IMAGE, {EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER, EFI_NOT_FOUND}},
+    {CALL_GET_TIMER_VALUE, {EFI_DEVICE_ERROR, EFI_UNSUPPORTED}},
+    {CALL_INITIALIZE, {EFI_DEVICE_ERROR, EFI_NOT_READY}},
+    {CALL_GET_ITEM_VALUE, {EFI_DEVICE_ERROR, EFI_NOT_FOUND}},
+    {CALL_GET_FAN_4_SETTING, {EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_SET_FAN_4_SETTING, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_GET_FAN_5_SETTING, {EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_SET_FAN_5_SETTING, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_GET_FAN_6_SETTING, {EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_SET_FAN_6_SETTING, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_GET_FAN_7_SETTING, {EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_SET_FAN_7_SETTING, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_GET_FAN_8_SETTING, {EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_SET_FAN_8_SETTING, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_GET_FAN_9_SETTING, {EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_SET_FAN_9_SETTING, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_GET_FAN_10_SETTING, {EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_SET_FAN_10_SETTING, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_LOAD_DEFAULT_FAN_SETTINGS, {EFI_DEVICE_ERROR, EFI_NOT_READY}},
+    {CALL_SET_ALL_FANS_FULL_SPEED, {EFI_DEVICE_ERROR, EFI_NOT_READY}},
+    {CALL_RESTORE_FAN_SETTINGS, {EFI_DEVICE_ERROR, EFI_NOT_READY}},
+    {CALL_GET_CURSOR_STATE, {EFI_NOT_READY, EFI_DEVICE_ERROR}},
+    {CALL_SET_CURSOR_LIMITS, {EFI_DEVICE_ERROR, EFI_UNSUPPORTED}},
+    {CALL_CLOSE_CURSOR, {EFI_DEVICE_ERROR}},
+    {CALL_FLOAT_TO_STRING, {EFI_BUFFER_TOO_SMALL, EFI_INVALID_PARAMETER}},
+    {CALL_GET_FILE_SECTION, {EFI_NOT_FOUND, EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_GET_ARTWORK_SECTION, {EFI_NOT_FOUND, EFI_OUT_OF_RESOURCES, EFI_DEVICE_ERROR}},
+    {CALL_CONFIGURE, {EFI_UNSUPPORTED, EFI_DEVICE_ERROR}},
+    {CALL_CONVERT_JPEG, {EFI_UNSUPPORTED, EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER}},
+    {CALL_CONVERT_BMP, {EFI_UNSUPPORTED, EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER}},
+    {CALL_CREATE_MESSAGE_BOX, {EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER}},
+    {CALL_UPDATE_MESSAGE_BOX, {EFI_INVALID_PARAMETER}},
+    {CALL_DRAW_MESSAGE_BOX, {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
+    {CALL_DRAW_LINE, {EFI_INVALID_PARAMETER}},
+};
+
+struct WAY {
+    EFI_STATUS Status;
+    bool Garbage;
+};
+
+// The ways in which an operation fails: its statuses and the one that it may not give, each with both kinds of outputs.
+std::vector<WAY> WaysToFail(CALL Call)
+{
+    std::vector<WAY> Ways;
+    for (const CALL_STATUSES& Facts : gCallStatuses) {
+        if (Facts.Call != Call) {
+            continue;
+        }
+        for (const EFI_STATUS Status : Facts.Statuses) {
+            if (Status != 0) {
+                Ways.push_back({Status, false});
+                Ways.push_back({Status, true});
+            }
+        }
+        Ways.push_back({gNeverGiven, false});
+        Ways.push_back({gNeverGiven, true});
+    }
+    return Ways;
+}
+
+bool IsGetter(CALL Call)
+{
+    return Call >= CALL_GET_FAN_4_SETTING && Call <= CALL_SET_FAN_10_SETTING &&
+           (Call - CALL_GET_FAN_4_SETTING) % 2 == 0;
+}
+
+EXPECTATION ExpectationOf(CALL Call, bool Garbage)
+{
+    return {.LeavesPool = Call == CALL_FREE_POOL,
+            .LeavesEvents = Call == CALL_CLOSE_EVENT,
+            .SamePicture = false,
+            .PassedDamage = Garbage && IsGetter(Call)};
+}
+
+std::string Describe(CALL Call, const WAY& Way)
+{
+    char Status[40];
+    std::snprintf(Status, sizeof(Status), " 0x%llx, %s", static_cast<unsigned long long>(Way.Status),
+                  Way.Garbage ? "garbage" : "outputs untouched");
+    return NameCall(Call) + std::string(Status);
+}
+
+SESSION_OPTIONS OptionsOf(const SCENARIO& Scenario)
+{
+    SESSION_OPTIONS Options;
+    Options.Board = Scenario.Board;
+    Options.Generation = Scenario.Generation;
+    Options.Script = Scenario.Script;
+    Options.ImagePath = VENTARA_CONSOLE_IMAGE;
+    return Options;
+}
+
+// The process in two at a place of a run. In the copy, Split is true from then on, and Judgement tells the original.
+struct SPLITTER {
+    bool IsCopy = false;
+    EXPECTATION Expected;
+    SWEEP_RESULT Result;
+
+    bool Split(const std::string& Place, const EXPECTATION& ExpectedOfCopy);
+    // In the copy: tells the original what was found, and ends.
+    [[noreturn]] VOID Tell(const std::vector<std::string>& Faults);
+
+private:
+    VOID Hear(pid_t Copy, const std::string& Place);
+
+    int mPipe[2] = {-1, -1};
+};
+
+bool SPLITTER::Split(const std::string& Place, const EXPECTATION& ExpectedOfCopy)
+{
+    Result.Tried++;
+    if (pipe(mPipe) != 0) {
+        Result.Faults.push_back(std::string("no pipe: ") + std::strerror(errno));
+        return false;
+    }
+    std::fflush(nullptr);
+    const pid_t Copy = fork();
+    if (Copy == 0) {
+        close(mPipe[0]);
+        IsCopy = true;
+        Expected = ExpectedOfCopy;
+        alarm(gSecondsToHang);
+        return true;
+    }
+    close(mPipe[1]);
+    if (Copy < 0) {
+        Result.Faults.push_back(std::string("no process: ") + std::strerror(errno));
+        close(mPipe[0]);
+        return false;
+    }
+    Hear(Copy, Place);
+    return false;
+}
+
+VOID SPLITTER::Hear(pid_t Copy, const std::string& Place)
+{
+    std::string Text;
+    char Buffer[4096];
+    ssize_t Length;
+    while ((Length = read(mPipe[0], Buffer, sizeof(Buffer))) > 0) {
+        Text.append(Buffer, static_cast<size_t>(Length));
+    }
+    close(mPipe[0]);
+    int Status = 0;
+    while (waitpid(Copy, &Status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFSIGNALED(Status)) {
+        Text += "ended by signal " + std::to_string(WTERMSIG(Status));
+    } else if (WEXITSTATUS(Status) != 0) {
+        Text += "ended with " + std::to_string(WEXITSTATUS(Status));
+    }
+    if (!Text.empty() && Result.Faults.size() < gFaultsToTell) {
+        Result.Faults.push_back(Place + ": " + Text);
+    }
+}
+
+VOID SPLITTER::Tell(const std::vector<std::string>& Faults)
+{
+    for (const std::string& Fault : Faults) {
+        const std::string Line = Fault + "; ";
+        (void)!write(mPipe[1], Line.data(), Line.size());
+    }
+    _exit(0);
+}
+
+// Plays the scenario under a plan; of the copies' ends, none is reached here.
+SWEEP_RESULT Play(const SCENARIO& Scenario, const FAILURE_PLAN& Plan, SPLITTER& Splitter)
+{
+    const SESSION_RESULT Reference = RunSession(OptionsOf(Scenario));
+    for (const std::string& Fault : Judge(Reference, Reference, {})) {
+        Splitter.Result.Faults.push_back("without a failure: " + Fault);
+    }
+    SESSION_OPTIONS Options = OptionsOf(Scenario);
+    Options.Failures = Plan;
+    const SESSION_RESULT Result = RunSession(Options);
+    if (Splitter.IsCopy) {
+        Splitter.Tell(Judge(Result, Reference, Splitter.Expected));
+    }
+    return Splitter.Result;
+}
+
+bool IsSwept(UINT64 FirstTurn) { return gBoot->Trace.Start > 1 || gBoot->Trace.Turn >= FirstTurn; }
+
+// The turns that a script lets go by before its settling.
+UINT64 TurnsBeforeSettling(const std::string& Script)
+{
+    UINT64 Turns = 0;
+    std::istringstream Lines(Script);
+    for (std::string Line; std::getline(Lines, Line) && Line != gSettleMark;) {
+        unsigned long long Count = 1;
+        if (Line.starts_with("turn") || Line.starts_with("tick")) {
+            (void)std::sscanf(Line.c_str() + 4, "%llu", &Count);
+            Turns += Count;
+        }
+    }
+    return Turns;
+}
+
+std::string Here() { return " in start " + std::to_string(gBoot->Trace.Start) + ", turn " + std::to_string(gBoot->Trace.Turn); }
+
+struct ALLOCATION_SWEEP {
+    SPLITTER Splitter;
+    UINT64 FirstTurn;
+    bool AllThatFollow;
+    UINT64 LastRepairedTurn; // up to here, the settling that follows makes the picture whole
+    UINT64 Part;
+    UINT64 Parts;
+
+    static bool Decide(VOID* Context) { return static_cast<ALLOCATION_SWEEP*>(Context)->Decide(); }
+    bool Decide()
+    {
+        if (Splitter.IsCopy) {
+            return AllThatFollow;
+        }
+        if (!IsSwept(FirstTurn) || Splitter.Result.Places++ % Parts != Part) {
+            return false;
+        }
+        return Splitter.Split("allocation " + std::to_string(Splitter.Result.Places) + Here(),
+                              {.LeavesPool = false,
+                               .LeavesEvents = false,
+                               .SamePicture = gBoot->Trace.Turn <= LastRepairedTurn,
+                               .PassedDamage = false});
+    }
+};
+
+struct CALL_SWEEP {
+    SPLITTER Splitter;
+    UINT64 FirstTurn;
+    UINT64 AtMost;
+    UINT64 Part;
+    UINT64 Parts;
+    bool Counting = true;
+    UINT64 Calls[CALL_COUNT] = {};  // of the whole run
+    UINT64 Passed[CALL_COUNT] = {}; // so far
+
+    static bool Decide(VOID* Context, CALL Call, EFI_STATUS* Status, bool* Garbage)
+    {
+        return static_cast<CALL_SWEEP*>(Context)->Decide(Call, Status, Garbage);
+    }
+    bool Decide(CALL Call, EFI_STATUS* Status, bool* Garbage)
+    {
+        if (Splitter.IsCopy || !IsSwept(FirstTurn)) {
+            return false;
+        }
+        if (Counting) {
+            Calls[Call]++;
+            return false;
+        }
+        const UINT64 Number = Passed[Call]++;
+        const std::vector<WAY> Ways = WaysToFail(Call);
+        const UINT64 Step = AtMost == 0 || Calls[Call] <= AtMost ? 1 : Calls[Call] / AtMost;
+        if (Ways.empty() || Number % Step != 0 || Splitter.Result.Places++ % Parts != Part) {
+            return false;
+        }
+        const WAY& Way = Ways[Number / Step % Ways.size()];
+        const std::string Place = Describe(Call, Way) + ", call " + std::to_string(Number + 1) + Here();
+        if (!Splitter.Split(Place, ExpectationOf(Call, Way.Garbage))) {
+            return false;
+        }
+        *Status = Way.Status;
+        *Garbage = Way.Garbage;
+        return true;
+    }
+};
+
+struct OPERATION_FAILURE {
+    CALL Call;
+    WAY Way;
+
+    static bool Decide(VOID* Context, CALL Call, EFI_STATUS* Status, bool* Garbage)
+    {
+        const OPERATION_FAILURE& This = *static_cast<OPERATION_FAILURE*>(Context);
+        if (Call != This.Call || (Call == CALL_READ_KEY_STROKE && gBoot->Trace.Turn > gTurnsWithoutKeys)) {
+            return false;
+        }
+        *Status = This.Way.Status;
+        *Garbage = This.Way.Garbage;
+        return true;
+    }
+};
+
+} // namespace
+
+std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference, const EXPECTATION& Expected)
+{
+    std::vector<std::string> Faults;
+    if (!Result.Ran || !Result.Error.empty()) {
+        Faults.push_back("the session didn't run: " + Result.Error);
+    }
+    if (Result.Status != EFI_SUCCESS && Result.Status != EFI_PROTOCOL_ERROR) {
+        Faults.push_back("status " + FormatStatus(Result.Status));
+    }
+    for (const std::string& Complaint : Result.Complaints) {
+        Faults.push_back("the firmware complains: " + Complaint);
+    }
+    if (!Expected.LeavesPool && !Result.Leaks.empty()) {
+        Faults.push_back(std::to_string(Result.Leaks.size()) + " blocks left, first " + Result.Leaks[0].Description);
+    }
+    if (!Expected.LeavesEvents && Result.OpenEvents > Reference.OpenEvents) {
+        Faults.push_back(std::to_string(Result.OpenEvents) + " events open instead of " +
+                         std::to_string(Reference.OpenEvents));
+    }
+    if (!Expected.PassedDamage && BoardContractFaults() != 0) {
+        Faults.push_back(std::string("an illegal record reached the service: ") + LastBoardContractFault());
+    }
+    if (Expected.SamePicture && Result.Display != Reference.Display) {
+        UINT64 Count = 0;
+        UINTN First = 0;
+        for (UINTN At = 0; At < Result.Display.size(); At++) {
+            if (Result.Display[At] != Reference.Display[At] && Count++ == 0) {
+                First = At;
+            }
+        }
+        Faults.push_back(std::to_string(Count) + " pixels differ, the first at (" + std::to_string(First % 1024) + ", " +
+                         std::to_string(First / 1024) + ")");
+    }
+    return Faults;
+}
+
+SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, UINT64 FirstTurn, bool AllThatFollow, bool SamePicture,
+                              UINT64 Part, UINT64 Parts)
+{
+    const UINT64 LastRepairedTurn = SamePicture ? TurnsBeforeSettling(Scenario.Script) : 0;
+    ALLOCATION_SWEEP Sweep = {{}, FirstTurn, AllThatFollow, LastRepairedTurn, Part, Parts};
+    return Play(Scenario, {.Call = nullptr, .Allocation = ALLOCATION_SWEEP::Decide, .Context = &Sweep}, Sweep.Splitter);
+}
+
+SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, UINT64 FirstTurn, UINT64 AtMost, UINT64 Part, UINT64 Parts)
+{
+    CALL_SWEEP Sweep = {{}, FirstTurn, AtMost, Part, Parts};
+    const FAILURE_PLAN Plan = {.Call = CALL_SWEEP::Decide, .Allocation = nullptr, .Context = &Sweep};
+    SESSION_OPTIONS Options = OptionsOf(Scenario);
+    Options.Failures = Plan;
+    (void)RunSession(Options);
+    Sweep.Counting = false;
+    return Play(Scenario, Plan, Sweep.Splitter);
+}
+
+SWEEP_RESULT SweepOperations(const SCENARIO& Scenario, UINT64 Part, UINT64 Parts)
+{
+    SPLITTER Splitter;
+    const SESSION_RESULT Reference = RunSession(OptionsOf(Scenario));
+    for (const CALL_STATUSES& Facts : gCallStatuses) {
+        for (const WAY& Way : WaysToFail(Facts.Call)) {
+            if (Splitter.Result.Places++ % Parts != Part ||
+                !Splitter.Split("every " + Describe(Facts.Call, Way), ExpectationOf(Facts.Call, Way.Garbage))) {
+                continue;
+            }
+            OPERATION_FAILURE Failure = {Facts.Call, Way};
+            SESSION_OPTIONS Options = OptionsOf(Scenario);
+            Options.Failures = {.Call = OPERATION_FAILURE::Decide, .Allocation = nullptr, .Context = &Failure};
+            Splitter.Tell(Judge(RunSession(Options), Reference, Splitter.Expected));
+        }
+    }
+    return Splitter.Result;
+}

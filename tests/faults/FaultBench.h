@@ -1,0 +1,60 @@
+// A bench for failures: a scenario is played once, and at each place where a call or an allocation could fail the process
+// splits. The copy has the failure and plays the rest of the scenario with it; the original goes on to the next place. So a
+// crash takes one copy with it and is told with its place, and what came before a place is played only once.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/host/Session.h"
+
+// Line of a script from which on everything on the screen is painted anew, so that a drawing that failed before it shows
+// no more at the end.
+constexpr const char* gSettleMark = "# settle";
+
+struct SCENARIO {
+    const char* Name;
+    const char* Board;
+    UINT8 Generation;
+    const char* Script;
+};
+
+// The boards and generations; a short use of everything follows the start, so that what a failure left out is used.
+extern const SCENARIO gStarts[];
+extern const UINTN gStartCount;
+// Uses of one control or page each, after a start without failures.
+extern const SCENARIO gUses[];
+extern const UINTN gUseCount;
+const SCENARIO& FindScenario(const std::string& Name);
+
+// What a run with a failure must show all the same: see Judge.
+struct EXPECTATION {
+    bool LeavesPool = false;    // FreePool itself fails, so that pool stays behind
+    bool LeavesEvents = false;  // CloseEvent itself fails
+    bool SamePicture = false;   // the display at the end is that of a run without failure
+    bool PassedDamage = false;  // a service was made to hand out records that no fan should get
+};
+
+// What is wrong with a run, in words; empty: nothing. A run may end early with EFI_PROTOCOL_ERROR, and it may show less,
+// but no pool is left, no event, the firmware has nothing to complain of, and no service got an illegal record.
+std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference, const EXPECTATION& Expected);
+
+struct SWEEP_RESULT {
+    UINT64 Places = 0; // where a failure was possible
+    UINT64 Tried = 0;
+    std::vector<std::string> Faults; // of each place where something went wrong, a line
+};
+
+// Each allocation from turn FirstTurn of the first start on fails: alone, or with all that follow it. Of the places, those
+// are tried whose number leaves Part when divided by Parts.
+// With SamePicture the display must be whole at the end wherever the failure came before the scenario's settling.
+SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, UINT64 FirstTurn, bool AllThatFollow, bool SamePicture,
+                              UINT64 Part, UINT64 Parts);
+
+// The calls of an operation fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation.
+// AtMost of one operation are tried, evenly spread over the run; 0: all.
+SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, UINT64 FirstTurn, UINT64 AtMost, UINT64 Part, UINT64 Parts);
+
+// Every call of an operation fails, from the first on: for each operation with each status that it may give and one that
+// it may not, outputs untouched and garbage.
+SWEEP_RESULT SweepOperations(const SCENARIO& Scenario, UINT64 Part, UINT64 Parts);

@@ -1,0 +1,161 @@
+// Pictures of other sizes than the layout counts on, and pictures that are damaged: drawn as far as they fit or left out.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#define STB_IMAGE_WRITE_STATIC
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+#include <stb/stb_image_write.h>
+#pragma GCC diagnostic pop
+
+#include "platform/board/ArtworkPack.h"
+#include "platform/host/Session.h"
+
+namespace {
+
+using BYTES = std::vector<UINT8>;
+
+struct SECTION {
+    ARTWORK_PACK_ENTRY Entry;
+    BYTES Bytes;
+};
+
+std::vector<SECTION> ReadPack()
+{
+    ARTWORK_PACK_HEADER Header;
+    std::memcpy(&Header, gArtworkPack, sizeof(Header));
+    std::vector<SECTION> Sections;
+    for (UINT32 At = 0; At < Header.Count; At++) {
+        SECTION Section;
+        std::memcpy(&Section.Entry, gArtworkPack + sizeof(Header) + At * sizeof(Section.Entry), sizeof(Section.Entry));
+        const UINT8* Data = gArtworkPack + Section.Entry.Offset;
+        Section.Bytes.assign(Data, Data + Section.Entry.Size);
+        Sections.push_back(Section);
+    }
+    return Sections;
+}
+
+BYTES WritePack(const std::vector<SECTION>& Sections)
+{
+    BYTES Pack(sizeof(ARTWORK_PACK_HEADER) + Sections.size() * sizeof(ARTWORK_PACK_ENTRY));
+    ARTWORK_PACK_HEADER Header = {{}, static_cast<UINT32>(Sections.size()), 0};
+    std::memcpy(Header.Signature, "VTRPACK1", 8);
+    std::memcpy(Pack.data(), &Header, sizeof(Header));
+    for (size_t At = 0; At < Sections.size(); At++) {
+        ARTWORK_PACK_ENTRY Entry = Sections[At].Entry;
+        Entry.Offset = static_cast<UINT32>(Pack.size());
+        Entry.Size = static_cast<UINT32>(Sections[At].Bytes.size());
+        std::memcpy(Pack.data() + sizeof(Header) + At * sizeof(Entry), &Entry, sizeof(Entry));
+        Pack.insert(Pack.end(), Sections[At].Bytes.begin(), Sections[At].Bytes.end());
+    }
+    return Pack;
+}
+
+void AppendTo(void* Bytes, void* Data, int Size)
+{
+    BYTES& To = *static_cast<BYTES*>(Bytes);
+    To.insert(To.end(), static_cast<UINT8*>(Data), static_cast<UINT8*>(Data) + Size);
+}
+
+// A picture of that size in the format of the one that it stands for.
+BYTES PictureLike(const BYTES& Stored, int Width, int Height)
+{
+    const BYTES Pixels(static_cast<size_t>(Width) * static_cast<size_t>(Height) * 3, 0x80);
+    BYTES Bytes;
+    if (Stored[0] == 'B') {
+        stbi_write_bmp_to_func(AppendTo, &Bytes, Width, Height, 3, Pixels.data());
+    } else {
+        stbi_write_jpg_to_func(AppendTo, &Bytes, Width, Height, 3, Pixels.data(), 80);
+    }
+    return Bytes;
+}
+
+// Everything that has a picture is entered, pressed, dragged and painted anew.
+constexpr const char* gUse =
+    "pointer 512 400\ntick 3\n"
+    "pointer 420 150\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
+    "pointer 800 150\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
+    "pointer 397 400\nturn\nleft down\nturn 3\npointer 397 320\nturn 2\nadvance 200000\nleft up\nturn 3\n"
+    "pointer 320 150\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
+    "pointer 397 457\nturn\nleft down\nturn 3\npointer 430 430\nturn 2\nadvance 200000\nleft up\nturn 3\n"
+    "pointer 296 242\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
+    "pointer 1023 767\nturn 2\npointer 0 0\nturn 2\ntick 3\n";
+
+VOID Play(const std::vector<SECTION>& Sections)
+{
+    const BYTES Pack = WritePack(Sections);
+    SESSION_OPTIONS Options;
+    Options.Script = gUse;
+    Options.ImagePath = VENTARA_CONSOLE_IMAGE;
+    Options.ArtworkPack = Pack.data();
+    Options.ArtworkPackSize = Pack.size();
+    const SESSION_RESULT Result = RunSession(Options);
+    EXPECT_EQ(Result.Error, "");
+    EXPECT_TRUE(Result.Status == EFI_SUCCESS || Result.Status == EFI_PROTOCOL_ERROR);
+    EXPECT_TRUE(Result.Leaks.empty()) << Result.Leaks[0].Description;
+    EXPECT_TRUE(Result.Complaints.empty()) << Result.Complaints[0];
+    EXPECT_EQ(BoardContractFaults(), 0u) << LastBoardContractFault();
+}
+
+class EveryPicture : public testing::TestWithParam<std::pair<int, int>> {};
+
+// One picture alone has the size, in turn, and all at once.
+TEST_P(EveryPicture, OfAnotherSizeStaysWithinItsBounds)
+{
+    const std::vector<SECTION> Sections = ReadPack();
+    const auto [Width, Height] = GetParam();
+    std::vector<SECTION> All = Sections;
+    for (size_t At = 0; At < Sections.size(); At++) {
+        SCOPED_TRACE("section " + std::to_string(Sections[At].Entry.Instance));
+        std::vector<SECTION> One = Sections;
+        One[At].Bytes = All[At].Bytes = PictureLike(Sections[At].Bytes, Width, Height);
+        if (!VENTARA_SANITIZED || At % 3 == 0) {
+            Play(One);
+        }
+    }
+    SCOPED_TRACE("all");
+    Play(All);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, EveryPicture,
+                         testing::Values(std::pair{1, 1}, std::pair{1, 767}, std::pair{1400, 1}, std::pair{1025, 769},
+                                         std::pair{31, 13}),
+                         [](const testing::TestParamInfo<std::pair<int, int>>& Info) {
+                             return std::to_string(Info.param.first) + "By" + std::to_string(Info.param.second);
+                         });
+
+// Heights and widths of nothing, and sizes that no picture has, in the headers of both formats.
+TEST(EveryPicture, WithAnAbsurdHeaderIsLeftOut)
+{
+    const std::vector<SECTION> Sections = ReadPack();
+    for (const UINT16 Side : {UINT16(0), UINT16(0xFFFF)}) {
+        for (const bool IsHeight : {false, true}) {
+            std::vector<SECTION> All = Sections;
+            for (SECTION& Section : All) {
+                if (Section.Entry.File == ARTWORK_FILE_CURSOR) {
+                    continue; // without it there is no start
+                }
+                UINT8* Field = nullptr;
+                if (Section.Bytes[0] == 'B') {
+                    Field = Section.Bytes.data() + (IsHeight ? 22 : 18); // 32 bits, low end first
+                    Field[2] = Field[3] = 0;
+                }
+                for (size_t At = 2; Field == nullptr && At + 9 < Section.Bytes.size(); At++) {
+                    if (Section.Bytes[At] == 0xFF && (Section.Bytes[At + 1] & 0xFE) == 0xC0) {
+                        Field = Section.Bytes.data() + At + (IsHeight ? 5 : 7); // frame header
+                    }
+                }
+                ASSERT_NE(Field, nullptr);
+                Field[0] = Field[1] = static_cast<UINT8>(Side);
+            }
+            SCOPED_TRACE(std::to_string(Side) + (IsHeight ? " high" : " wide"));
+            Play(All);
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,143 @@
+// Long use: what a turn takes from the pool it gives back, at any time of the clocks, whatever is done.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "platform/host/Session.h"
+
+namespace {
+
+constexpr UINT64 gFirstLook = 1000; // by then everything that is made at first use has been used
+
+UINT64 TurnsWanted()
+{
+    const char* Wanted = std::getenv("VENTARA_SOAK_TURNS");
+    return Wanted != nullptr ? std::strtoull(Wanted, nullptr, 10) : VENTARA_SANITIZED ? 2000 : 100000;
+}
+
+struct POOL_LOOK {
+    UINT64 Blocks = 0;
+    UINT64 Bytes = 0;
+    UINT64 Turn = 0;
+};
+
+struct SOAK {
+    std::mt19937_64 Random{20260101};
+    POOL_LOOK First;
+    POOL_LOOK Last;
+    UINT64 Turns = 0; // of the main loop
+
+    UINT64 Draw(UINT64 Below) { return Random() % Below; }
+    VOID Act();
+    VOID Look();
+};
+
+POOL_LOOK LookAtPool()
+{
+    POOL_LOOK Look = {.Turn = gBoot->Trace.Turn};
+    for (const POOL_BLOCK& Block : gBoot->Pool.Held(gBoot->Trace.Start)) {
+        Look.Blocks++;
+        Look.Bytes += Block.Size;
+    }
+    return Look;
+}
+
+// A person who is everywhere, never rests and never leaves.
+VOID SOAK::Act()
+{
+    static constexpr INT64 Places[][2] = {{600, 570}, {741, 570}, {894, 570}, {320, 150}, {420, 150}, {520, 150},
+                                          {620, 150}, {720, 150}, {800, 150}, {900, 150}, {296, 242}, {71, 312},
+                                          {71, 349},  {71, 386},  {397, 457}, {487, 397}, {577, 337}, {667, 277},
+                                          {397, 400}, {805, 94},  {887, 94}};
+    POINTER_STATE& Pointer = gBoot->Pointer.State;
+    switch (Draw(16)) {
+    case 0:
+    case 1:
+    case 2: {
+        const auto& Place = Places[Draw(std::size(Places))];
+        Pointer.X = Place[0];
+        Pointer.Y = Place[1];
+        break;
+    }
+    case 3: // anywhere but on Exit
+        Pointer.X = static_cast<INT64>(Draw(925));
+        Pointer.Y = static_cast<INT64>(Draw(768));
+        break;
+    case 4:
+    case 5:
+    case 6:
+        Pointer.Left ^= 1;
+        break;
+    case 7:
+        gBoot->Consoles.Press(0, u"fFdDcC\r"[Draw(7)]);
+        break;
+    case 8:
+    case 9:
+    case 10:
+        gBoot->Clock.Advance(200000);
+        break;
+    case 11:
+        gBoot->Clock.Advance(Draw(5000000));
+        break;
+    default:
+        gBoot->Clock.Advance(Draw(60000));
+        break;
+    }
+}
+
+VOID SOAK::Look()
+{
+    Turns++;
+    if (Turns == gFirstLook) {
+        First = LookAtPool();
+    } else if (Turns % gFirstLook == 0) {
+        Last = LookAtPool();
+    }
+}
+
+bool AtCall(VOID* Context, CALL Call, EFI_STATUS*, bool*)
+{
+    SOAK& Soak = *static_cast<SOAK*>(Context);
+    if (Call == CALL_WAIT_FOR_EVENT) {
+        Soak.Look();
+        Soak.Act();
+    } else if (Call == CALL_UPDATE_MESSAGE_BOX) {
+        Soak.Act(); // a page is open, and its turns are no turns of the main loop
+    }
+    return false;
+}
+
+VOID Endure(const std::string& Board, const std::string& FirstLines)
+{
+    SOAK Soak;
+    SESSION_OPTIONS Options;
+    Options.Board = Board;
+    Options.Script = FirstLines + "turn " + std::to_string(TurnsWanted()) + "\n";
+    Options.ImagePath = VENTARA_CONSOLE_IMAGE;
+    Options.Failures = {.Call = AtCall, .Allocation = nullptr, .Context = &Soak};
+    const SESSION_RESULT Result = RunSession(Options);
+    EXPECT_EQ(Result.Error, "");
+    EXPECT_EQ(Result.Status, EFI_SUCCESS);
+    EXPECT_GE(Soak.Turns, TurnsWanted() / 2);
+    EXPECT_NE(Soak.First.Blocks, 0u);
+    EXPECT_EQ(Soak.Last.Blocks, Soak.First.Blocks);
+    EXPECT_EQ(Soak.Last.Bytes, Soak.First.Bytes);
+    EXPECT_TRUE(Result.Leaks.empty()) << Result.Leaks[0].Description;
+    EXPECT_TRUE(Result.Complaints.empty()) << Result.Complaints[0];
+    EXPECT_EQ(BoardContractFaults(), 0u) << LastBoardContractFault();
+}
+
+TEST(Soak, PoolStaysTheSameOverALongUse) { Endure("full", ""); }
+
+// The CPU's timer counts nanoseconds in 64 bits: it goes over its end a minute after the start.
+TEST(Soak, PoolStaysTheSameWhileTheTimerGoesOverItsEnd)
+{
+    std::string Lines;
+    for (int Time = 0; Time < 18; Time++) {
+        Lines += "advance 1000000000000000\n"; // more than this isn't taken at once
+    }
+    Endure("kind0", Lines + "advance 446744013709551\n");
+}
+
+} // namespace

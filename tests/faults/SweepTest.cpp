@@ -1,0 +1,117 @@
+// Every allocation and every call fails in turn. VENTARA_SWEEP=full in the environment tries every place of every
+// scenario in whatever build; without it, a build with sanitizers, which is slow, tries a sample of the places.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <malloc.h>
+
+#include "tests/faults/FaultBench.h"
+
+#if VENTARA_SANITIZED
+// An allocation of an absurd size is refused, as a firmware does it. A small quarantine keeps the copies quick.
+extern "C" const char* __asan_default_options()
+{
+    return "allocator_may_return_null=1:quarantine_size_mb=16:detect_leaks=0";
+}
+#endif
+
+namespace {
+
+bool SweepsAll()
+{
+    const char* Wanted = std::getenv("VENTARA_SWEEP");
+    return Wanted != nullptr && std::strcmp(Wanted, "full") == 0;
+}
+
+// A number out of 2, 3, 5 ...: the places of a sample should not all be the first of a control's.
+constexpr UINT64 gSampleOfSanitizers = 83;
+
+UINT64 SampleStep() { return SweepsAll() || !VENTARA_SANITIZED ? 1 : gSampleOfSanitizers; }
+
+// Blocks as large as a picture come from the heap too: mapping them anew each time takes longer than all else.
+[[maybe_unused]] const int gLargestHeapBlock = mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);
+[[maybe_unused]] const int gKeptHeap = mallopt(M_TRIM_THRESHOLD, 512 * 1024 * 1024);
+
+
+VOID Expect(const SWEEP_RESULT& Result)
+{
+    EXPECT_GT(Result.Places, 0u);
+    std::printf("tried %llu of %llu\n", Result.Tried, Result.Places);
+    ::testing::Test::RecordProperty("places", std::to_string(Result.Places));
+    ::testing::Test::RecordProperty("tried", std::to_string(Result.Tried));
+    for (const std::string& Fault : Result.Faults) {
+        ADD_FAILURE() << Fault;
+    }
+}
+
+// What a sweep of a scenario is, and whether it is tried without being asked for.
+struct SWEEP_CASE {
+    const char* Scenario;
+    bool Always;
+};
+
+class EveryFailure : public testing::TestWithParam<SWEEP_CASE> {
+protected:
+    VOID SetUp() override
+    {
+        if (!GetParam().Always && !SweepsAll()) {
+            GTEST_SKIP() << "tried with VENTARA_SWEEP=full";
+        }
+    }
+    const SCENARIO& Scenario() const { return FindScenario(GetParam().Scenario); }
+};
+
+std::string NameCase(const testing::TestParamInfo<SWEEP_CASE>& Info) { return Info.param.Scenario; }
+
+class EveryFailureOfAStart : public EveryFailure {};
+class EveryFailureOfAUse : public EveryFailure {};
+
+TEST_P(EveryFailureOfAStart, AnAllocationThatFailsAlone)
+{
+    Expect(SweepAllocations(Scenario(), 0, false, false, 0, SampleStep()));
+}
+
+TEST_P(EveryFailureOfAStart, AllAllocationsFromOneOn)
+{
+    Expect(SweepAllocations(Scenario(), 0, true, false, 0, SampleStep()));
+}
+
+TEST_P(EveryFailureOfAStart, ACallThatFailsAlone)
+{
+    Expect(SweepCalls(Scenario(), 0, SweepsAll() ? 400 : VENTARA_SANITIZED ? 4 : 40, 0, 1));
+}
+
+TEST_P(EveryFailureOfAStart, AllCallsOfAnOperation) { Expect(SweepOperations(Scenario(), 0, SampleStep())); }
+
+TEST_P(EveryFailureOfAUse, AnAllocationThatFailsAloneLeavesThePictureWhole)
+{
+    Expect(SweepAllocations(Scenario(), 1, false, true, 0, SampleStep()));
+}
+
+TEST_P(EveryFailureOfAUse, AllAllocationsFromOneOn)
+{
+    Expect(SweepAllocations(Scenario(), 1, true, false, 0, SampleStep()));
+}
+
+TEST_P(EveryFailureOfAUse, ACallThatFailsAlone)
+{
+    Expect(SweepCalls(Scenario(), 1, SweepsAll() ? 400 : VENTARA_SANITIZED ? 4 : 40, 0, 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(On, EveryFailureOfAStart,
+                         testing::Values(SWEEP_CASE{"StartOnTheFullBoard", true}, SWEEP_CASE{"StartOnTheSmallBoard", false},
+                                         SWEEP_CASE{"StartOnGeneration4", false}, SWEEP_CASE{"StartOnKind0", false},
+                                         SWEEP_CASE{"StartOnKind2", false}, SWEEP_CASE{"StartOnTheSecondSource", false},
+                                         SWEEP_CASE{"StartOnTheBareBoard", false}),
+                         NameCase);
+INSTANTIATE_TEST_SUITE_P(Of, EveryFailureOfAUse,
+                         testing::Values(SWEEP_CASE{"Node", true}, SWEEP_CASE{"Buttons", true},
+                                         SWEEP_CASE{"AboutPage", true}, SWEEP_CASE{"CheckBox", false},
+                                         SWEEP_CASE{"Thumb", false}, SWEEP_CASE{"Tabs", false},
+                                         SWEEP_CASE{"Sources", false}, SWEEP_CASE{"HelpPage", false},
+                                         SWEEP_CASE{"Keys", false}, SWEEP_CASE{"Watching", false},
+                                         SWEEP_CASE{"Restart", false}),
+                         NameCase);
+
+} // namespace
