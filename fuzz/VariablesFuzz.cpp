@@ -1,0 +1,84 @@
+// Variables that somebody else wrote: the settings and the charts' histories, of any size and content, before a start.
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+#include "fuzz/ConsoleGlobals.h"
+#include "fuzz/Input.h"
+#include "platform/host/Session.h"
+
+extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);
+
+namespace {
+
+struct REWRITER {
+    INPUT Input;
+    UINT32 LastStart = 0;
+};
+
+// Every variable gets another content at the beginning of the second start.
+VOID RewriteAll(INPUT& Input)
+{
+    std::vector<std::pair<std::u16string, EFI_GUID>> Names;
+    CHAR16 Name[128] = {};
+    EFI_GUID Vendor = {};
+    for (;;) {
+        UINTN Size = sizeof(Name);
+        if (EfiError(gBoot->Variables.GetNext(&Size, Name, &Vendor))) {
+            break;
+        }
+        Names.push_back({Name, Vendor});
+    }
+    for (const auto& [Of, Owner] : Names) {
+        const uint8_t Way = Input.Byte();
+        std::vector<uint8_t> Content;
+        // Often of the settings' or a history's own size.
+        const size_t Size = Way % 4 == 0 ? 24 : Way % 4 == 1 ? 4u * (128 + Way) : Input.Word();
+        for (size_t At = 0; At < Size; At++) {
+            Content.push_back(Input.Byte());
+        }
+        (void)gBoot->Variables.Set(Of.c_str(), &Owner, 2, 0, nullptr);
+        (void)gBoot->Variables.Set(Of.c_str(), &Owner, 2, Content.size(), Content.data());
+    }
+}
+
+bool AtCall(VOID* Context, CALL, EFI_STATUS*, bool*)
+{
+    REWRITER& Rewriter = *static_cast<REWRITER*>(Context);
+    if (gBoot->Trace.Start != Rewriter.LastStart) {
+        Rewriter.LastStart = gBoot->Trace.Start;
+        if (gBoot->Trace.Start == 2) {
+            RewriteAll(Rewriter.Input);
+        }
+    }
+    return false;
+}
+
+EFI_STATUS StartFresh(EFI_HANDLE Image, EFI_SYSTEM_TABLE* Table)
+{
+    RestoreConsoleGlobals();
+    return _ModuleEntryPoint(Image, Table);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
+{
+    REWRITER Rewriter = {{Data, Size}};
+    SESSION_OPTIONS Options;
+    Options.Board = Rewriter.Input.Byte() % 2 == 0 ? "full" : "small";
+    Options.Script = "tick 2\nkey esc\nturn\nstart\ntick 4\npointer 420 150\nturn 2\nleft down\nturn 2\nadvance 100000\n"
+                     "left up\nturn 3\ntick 3\n";
+    Options.Entry = StartFresh;
+    Options.Failures = {.Call = AtCall, .Allocation = nullptr, .Context = &Rewriter};
+    const SESSION_RESULT Result = RunSession(Options);
+    if (!Result.Error.empty() || Result.Status != EFI_SUCCESS || !Result.Leaks.empty() || !Result.Complaints.empty() ||
+        BoardContractFaults() != 0) {
+        std::fprintf(stderr, "error \"%s\", status %llx, %zu blocks left, %zu complaints, %llu illegal records\n",
+                     Result.Error.c_str(), Result.Status, Result.Leaks.size(), Result.Complaints.size(),
+                     BoardContractFaults());
+        std::abort();
+    }
+    return 0;
+}

@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets with clang and runs them.
+set -euo pipefail
+cd "$(dirname "$(readlink -f "$0")")/.."
+
+targets=(events script artwork variables print)
+
+usage() {
+  cat <<'TEXT'
+usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N]
+
+Feeds the console and its board with inputs that grow towards code not yet reached; sanitizers are on.
+
+  events      pointer, buttons, keys, time and readings; what must hold is looked at in each turn
+  script      scripts of any text
+  artwork     packs and pictures of any bytes
+  variables   settings and histories of any size and content, found at a start
+  print       formats of any text
+
+  --seconds N, --minutes N   time for each target; 15 seconds unless told
+
+Seeds are in fuzz/corpus/; what is found along the way is kept in build/fuzz-corpus/. An input that breaks something is
+left in build/ as TARGET-crash-..., and build/fuzz/fuzz/fuzz_TARGET FILE plays it again. Exit status 1 when something broke.
+TEXT
+}
+
+say() { printf 'ventara: %s\n' "$*" >&2; }
+
+picked=()
+seconds=15
+while [ $# -gt 0 ]; do
+  case "$1" in
+    --help | -h) usage; exit 0 ;;
+    --seconds | --minutes)
+      [[ "${2:-}" =~ ^[0-9]+$ ]] || { say "$1 wants a number"; exit 2; }
+      seconds=$2
+      [ "$1" = --seconds ] || seconds=$(($2 * 60))
+      shift 2 ;;
+    *)
+      printf '%s\n' "${targets[@]}" | grep -qx -- "$1" || { usage >&2; say "unknown target '$1'"; exit 2; }
+      picked+=("$1")
+      shift ;;
+  esac
+done
+[ ${#picked[@]} -gt 0 ] || picked=("${targets[@]}")
+
+command -v clang++ >/dev/null || { say "clang isn't installed (Debian: apt-get install clang)"; exit 1; }
+mkdir -p build
+[ -f build/fuzz/build.ninja ] || CC=clang CXX=clang++ cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+  -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g" -DVENTARA_FUZZ=ON >build/fuzz.log || { say "configuring failed; see build/fuzz.log"; exit 1; }
+cmake --build build/fuzz -j "$(nproc)" --target "${picked[@]/#/fuzz_}" >&2
+
+# At most as many targets at a time as there are processors.
+run_one() {
+  local target=$1 log=build/fuzz-$1.log
+  mkdir -p "build/fuzz-corpus/$target"
+  if "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=4096 -detect_leaks=0 \
+    -max_len=4096 -len_control=0 -print_final_stats=1 -artifact_prefix="build/$target-" \
+    "build/fuzz-corpus/$target" "fuzz/corpus/$target" >"$log" 2>&1; then
+    say "$target: $(sed -n 's/^Done \(.*\)$/\1/p' "$log"), nothing broke"
+  else
+    say "$target broke; the end of $log:"
+    tail -40 "$log" >&2
+    return 1
+  fi
+}
+
+status=0
+running=0
+for target in "${picked[@]}"; do
+  run_one "$target" &
+  running=$((running + 1))
+  if [ "$running" -ge "$(nproc)" ]; then
+    wait -n || status=1
+    running=$((running - 1))
+  fi
+done
+while [ "$running" -gt 0 ]; do
+  wait -n || status=1
+  running=$((running - 1))
+done
+exit "$status"
