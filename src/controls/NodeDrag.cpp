@@ -229,7 +229,7 @@ EFI_STATUS DragDropFrameDispatch()
     if (gGuiCore->TargetKind == _DRAGDROP_COMPONENT) {
         Frame = static_cast<DRAGDROP_COMPONENT*>(gGuiCore->Target);
     }
-    if (!FrameIsWhole(Frame) || Frame->ActiveNode >= gNoActiveNode) {
+    if (Frame == nullptr || !FrameIsWhole(Frame) || Frame->ActiveNode >= gNoActiveNode) {
         gDragging = 0;
         return EFI_NOT_FOUND;
     }

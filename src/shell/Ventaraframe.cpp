@@ -221,7 +221,9 @@ VOID CreateScreenFrame(const EFI_GUID* FileGuid)
     VOID* Probe = nullptr;
     UINTN ProbeSize = 0;
     const EFI_STATUS ProbeStatus = gImageLookup->GetFileSection(FileGuid, EFI_SECTION_RAW, &Probe, &ProbeSize);
-    FreePool(Probe);
+    if (!EfiError(ProbeStatus)) {
+        FreePool(Probe);
+    }
 
     gScreenFrame = Frame;
     EFI_STATUS LastStatus =
