@@ -33,7 +33,7 @@ EFI_STATUS POOL::Allocate(UINTN Size, VOID* Caller, VOID** Buffer)
     if (Data == nullptr) {
         return EFI_OUT_OF_RESOURCES;
     }
-    std::memset(Data, gGivenPattern, Size);
+    std::memset(Data, gGivenPattern, std::min(Size, FillLimit));
     POOL_BLOCK Block = {.Size = Size, .Number = mNextNumber++, .Start = mStart, .Owner = {Caller}};
     if (TraceOwners) {
         // The stack as seen from here; it is told from the caller on.
@@ -55,7 +55,7 @@ EFI_STATUS POOL::Free(VOID* Buffer, VOID* Caller)
         Complaints->Add("FreePool of %p, which is no block in use, by %s", Buffer, DescribePlace(Caller).c_str());
         return EFI_INVALID_PARAMETER;
     }
-    std::memset(Buffer, gTakenPattern, Found->second.Size);
+    std::memset(Buffer, gTakenPattern, std::min(Found->second.Size, FillLimit));
     mBlocks.erase(Found);
     std::free(Buffer);
     return EFI_SUCCESS;

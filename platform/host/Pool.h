@@ -28,6 +28,7 @@ struct POOL {
     UINT64 FailOnly = 0;      // this one alone fails; 0: none
     bool (*Refuses)(VOID* Context) = nullptr; // asked at each allocation; true: it fails
     VOID* RefusesContext = nullptr;
+    UINTN FillLimit = ~0ull; // a block's bytes beyond this many get no pattern: for tests whose time is spent in filling
     bool TraceOwners = false; // keep the callers' callers too, which costs time
     COMPLAINTS* Complaints = nullptr;
 

@@ -145,6 +145,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     }
     Boot->Trace.Clock = &Boot->Clock;
     Boot->Crossing.Listener = {.BeginTurn = OnTurn, .Stalled = Options.Window ? OnStall : nullptr, .Context = this};
+    Boot->Pool.FillLimit = Options.PoolFillLimit;
     Boot->Pool.TraceOwners = Options.TracePool;
     const EFI_STATUS Status = Boot->InstallBoard();
     if (EfiError(Status)) {

@@ -37,6 +37,7 @@ struct SESSION_OPTIONS {
     UINT64 PoolLimit = 0; // the allocation of a start from which on all fail; 0: none
     UINT64 PoolFail = 0;  // the one that fails alone; 0: none
 
+    UINTN PoolFillLimit = ~0ull; // see POOL
     FAILURE_PLAN Failures; // while the console runs
 
     // The console: an entry point in this process, or an image; by default the one that FindConsoleImage finds. An entry

@@ -14,6 +14,7 @@ namespace {
 // Longer than any run takes on a machine that has other things to do: a run that needs more hangs.
 constexpr unsigned gSecondsToHang = 120;
 constexpr UINT64 gFaultsToTell = 20;
+constexpr UINTN gPoolFillLimit = 4096;   // whole pictures would take most of a run's time
 constexpr UINT64 gTurnsWithoutKeys = 400; // then keys work again: a run without a script ends by Escape
 
 constexpr EFI_STATUS gNeverGiven = EFI_ABORTED; // no operation's description has it
@@ -140,6 +141,7 @@ SESSION_OPTIONS OptionsOf(const SCENARIO& Scenario)
     Options.Generation = Scenario.Generation;
     Options.Script = Scenario.Script;
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
+    Options.PoolFillLimit = gPoolFillLimit;
     return Options;
 }
 
@@ -237,6 +239,9 @@ bool IsSwept(UINT64 FirstTurn) { return gBoot->Trace.Start > 1 || gBoot->Trace.T
 // The turns that a script lets go by before its settling.
 UINT64 TurnsBeforeSettling(const std::string& Script)
 {
+    if (Script.find(gSettleMark) == std::string::npos) {
+        return 0;
+    }
     UINT64 Turns = 0;
     std::istringstream Lines(Script);
     for (std::string Line; std::getline(Lines, Line) && Line != gSettleMark;) {
