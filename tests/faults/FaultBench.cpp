@@ -276,7 +276,7 @@ struct ALLOCATION_SWEEP {
         return Splitter.Split("allocation " + std::to_string(Splitter.Result.Places) + Here(),
                               {.LeavesPool = false,
                                .LeavesEvents = false,
-                               .SamePicture = gBoot->Trace.Turn <= LastRepairedTurn,
+                               .SamePicture = LastRepairedTurn != 0 && gBoot->Trace.Turn <= LastRepairedTurn,
                                .PassedDamage = false});
     }
 };
