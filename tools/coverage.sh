@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
 if [ "${1:-}" = --help ] || [ "${1:-}" = -h ]; then
-  echo "usage: tools/coverage.sh   tests with counters; table on the screen, pages in build/coverage/report/"
+  echo "usage: ./ventara coverage   tests with counters; table on the screen, pages in build/coverage/report/"
   exit 0
 fi
 command -v gcovr >/dev/null || { echo "ventara: gcovr isn't installed (Debian: apt-get install gcovr)" >&2; exit 1; }

@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
 if [ "${1:-}" = --help ] || [ "${1:-}" = -h ]; then
-  echo "usage: tools/lint.sh [FILE ...]   checks all of src/ and platform/, or these sources"
+  echo "usage: ./ventara lint [FILE ...]   checks all of src/ and platform/, or these sources"
   exit 0
 fi
 for tool in cppcheck clang-tidy; do
