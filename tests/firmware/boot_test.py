@@ -10,6 +10,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -176,6 +177,37 @@ class ConsoleOnFirmware(BootCase):
                 return changed and (box[0] + changed[0], box[1] + changed[1])
 
             machine.look_until(lambda now: tip(now) == (x, y), what=f"the pointer's tip at {x}, {y}")
+
+
+class Tour(BootCase):
+    def test_the_tour_can_be_walked_on_firmware(self):
+        """The steps of docs/tour.txt, by the machine's own mouse and keyboard."""
+        with open(os.path.join(ROOT, "docs", "tour.txt"), encoding="utf-8") as file:
+            steps = [line.split("#")[0].split() for line in file]
+        with Machine(self.make_image()) as machine:
+            machine.wait_for_console()
+            held, last, at = False, None, (0, 0)
+            for words in filter(None, steps):
+                if words[0] == "pointer":
+                    to = int(words[1]), int(words[2])
+                    if held:
+                        machine.move_by(to[0] - at[0], to[1] - at[1], step=4)
+                    else:
+                        machine.move_to(*to)
+                    at = to
+                elif words[0] == "left":
+                    held = words[1] == "down"
+                    machine.button("left", held)
+                    time.sleep(0.02)  # a click is shorter than 185 ms
+                elif words[0] == "key":
+                    machine.key({"enter": "ret"}.get(words[1], words[1]))
+                elif words[0] == "screenshot":
+                    with self.subTest(words[1]):
+                        last = keep(machine.look_until(lambda now, before=last: before is None or not now.same(before),
+                                                       what=f"anything new at {words[1]}"), words[1])
+                elif words[0] == "tick":
+                    time.sleep(0.2)
+            self.assertEqual(machine.wait_for("ventara: returned "), "Success")
 
 
 class OtherMice(BootCase):
