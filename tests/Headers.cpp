@@ -1,0 +1,1 @@
+// Only the headers, which the test programs take compiled (CMakeLists.txt).
