@@ -280,7 +280,7 @@ EFI_STATUS GetVariable(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* Attri
         .Guid("guid", Vendor)
         .Number("attributes", Found ? Stored : 0)
         .Number("size", Asked)
-        .Hex("data", Data, Status == EFI_SUCCESS ? *Size : 0);
+        .Hex("data", Data, Status == EFI_SUCCESS && Size != nullptr ? *Size : 0);
     return Status;
 }
 

@@ -19,6 +19,7 @@ template <typename SERVICE, typename... OUTPUT> EFI_STATUS Cross(CALL Call, SERV
         return Service();
     }
     if (Garbage) {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): where the output is a pointer, that is what is overwritten
         ((Outputs == nullptr ? nullptr : std::memset(static_cast<VOID*>(Outputs), gGarbagePattern, sizeof(*Outputs))),
          ...);
     }

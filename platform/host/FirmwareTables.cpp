@@ -134,11 +134,14 @@ std::vector<PROTOCOL_PAIR> ReadPairs(va_list Arguments)
 
 EFI_STATUS InstallMultipleProtocolInterfaces(EFI_HANDLE* Handle, ...)
 {
+    if (Handle == nullptr) {
+        return EFI_INVALID_PARAMETER;
+    }
     va_list Arguments;
     va_start(Arguments, Handle);
     const std::vector<PROTOCOL_PAIR> Pairs = ReadPairs(Arguments);
     va_end(Arguments);
-    const EFI_HANDLE Before = Handle == nullptr ? nullptr : *Handle;
+    const EFI_HANDLE Before = *Handle;
     for (size_t At = 0; At < Pairs.size(); At++) {
         const EFI_STATUS Status = gBoot->Handles.Install(Handle, Pairs[At].Guid, Pairs[At].Interface);
         if (EfiError(Status)) {
@@ -146,9 +149,7 @@ EFI_STATUS InstallMultipleProtocolInterfaces(EFI_HANDLE* Handle, ...)
             while (At-- > 0) {
                 (void)gBoot->Handles.Uninstall(*Handle, Pairs[At].Guid, Pairs[At].Interface);
             }
-            if (Handle != nullptr) {
-                *Handle = Before;
-            }
+            *Handle = Before;
             return Status;
         }
     }
@@ -218,8 +219,8 @@ EFI_STATUS LocateHandle(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid, VOID*
 template <typename T> EFI_STATUS GiveArray(const std::vector<T>& Records, UINTN* Count, T** Array)
 {
     VOID* Block;
-    const EFI_STATUS Status =
-        gBoot->Pool.Allocate(Records.size() * sizeof(T), __builtin_return_address(0), &Block);
+    const UINTN Size = Records.size() * sizeof(T); // NOLINT(bugprone-sizeof-expression): an array of pointers is meant
+    const EFI_STATUS Status = gBoot->Pool.Allocate(Size, __builtin_return_address(0), &Block);
     if (EfiError(Status)) {
         return Status;
     }
@@ -272,6 +273,7 @@ EFI_STATUS ProtocolsPerHandle(EFI_HANDLE Handle, EFI_GUID*** Guids, UINTN* Count
         return EFI_INVALID_PARAMETER;
     }
     std::vector<EFI_GUID*> Pointers;
+    Pointers.reserve(Found.size());
     for (const EFI_GUID* Guid : Found) {
         Pointers.push_back(const_cast<EFI_GUID*>(Guid));
     }

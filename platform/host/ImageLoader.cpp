@@ -32,7 +32,7 @@ std::string FindConsoleImage()
 {
     const std::string Folder = FindProgramFolder();
     for (const char* Place : {"", "../lib/ventara/"}) {
-        const std::string Path = Folder + Place + gImageName;
+        std::string Path = Folder + Place + gImageName;
         if (access(Path.c_str(), R_OK) == 0) {
             return Path;
         }

@@ -48,6 +48,7 @@ TEST(Png, SaysWhenAFileCannotBeWrittenOrReadAndLeavesTheResultAlone)
     const UINT32 Pixel = 0;
     EXPECT_FALSE(WritePng((testing::TempDir() + "no/such/folder/x.png").c_str(), &Pixel, 1, 1));
     EXPECT_FALSE(WritePng((testing::TempDir() + "empty.png").c_str(), &Pixel, 0, 1));
+    EXPECT_FALSE(WritePng("/dev/full", &Pixel, 1, 1)); // opens, and takes nothing
 
     const std::string Path = testing::TempDir() + "text.png";
     std::ofstream(Path) << "no picture";

@@ -255,9 +255,13 @@ bool TakeItem(HID_PARSER* Parser, UINT8 Item, UINT32 Data, UINTN DataSize)
 
 bool FieldFits(const HID_FIELD* Field, UINTN Bits) { return Field->BitOffset + UINTN{Field->BitCount} <= Bits; }
 
-// The field's value, with its sign if its range has one. The field has been checked against the report's size.
+// The field's value, with its sign if its range has one; 0 for a field that the report doesn't have. The field has been
+// checked against the report's size.
 INT64 ReadField(const HID_FIELD* Field, const UINT8* Bytes)
 {
+    if (Field->BitCount == 0) {
+        return 0;
+    }
     UINT64 Value = 0;
     for (UINTN Bit = 0; Bit < Field->BitCount; Bit++) {
         UINTN At = Field->BitOffset + Bit;
@@ -328,8 +332,8 @@ bool DecodeHidReport(const HID_LAYOUT* Layout, const UINT8* Report, UINTN Size, 
         .Absolute = Layout->Absolute,
         .X = Layout->Absolute ? ScaleField(&Layout->X, Report) : ReadField(&Layout->X, Report),
         .Y = Layout->Absolute ? ScaleField(&Layout->Y, Report) : ReadField(&Layout->Y, Report),
-        .Left = static_cast<UINT8>(Layout->Left.BitCount != 0 && ReadField(&Layout->Left, Report) != 0 ? 1 : 0),
-        .Right = static_cast<UINT8>(Layout->Right.BitCount != 0 && ReadField(&Layout->Right, Report) != 0 ? 1 : 0),
+        .Left = static_cast<UINT8>(ReadField(&Layout->Left, Report) != 0 ? 1 : 0),
+        .Right = static_cast<UINT8>(ReadField(&Layout->Right, Report) != 0 ? 1 : 0),
     };
     return true;
 }

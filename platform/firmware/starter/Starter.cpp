@@ -68,12 +68,11 @@ const CHAR16* DescribeStatus(EFI_STATUS Status, CHAR16 (&Room)[32])
     if (Name == nullptr) {
         Name = "a status of its own";
     }
-    UINTN At = 0;
-    while (Name[At] != 0 && At < 31) {
-        Room[At] = static_cast<CHAR16>(Name[At]);
-        At++;
+    CHAR16* At = Room;
+    while (*Name != 0 && At < Room + 31) {
+        *At++ = static_cast<CHAR16>(*Name++);
     }
-    Room[At] = 0;
+    *At = 0;
     return Room;
 }
 

@@ -98,7 +98,7 @@ EFI_DEVICE_PATH_PROTOCOL* MakeFilePath(EFI_BOOT_SERVICES* Boot, EFI_HANDLE Volum
         Nodes += NodeLength(Node);
     }
     UINTN Characters = 0;
-    while (Path[Characters] != 0 && Characters < gPathRoom) {
+    while (Characters < gPathRoom && Path[Characters] != 0) {
         Characters++;
     }
     UINTN FileNode = sizeof(EFI_DEVICE_PATH_PROTOCOL) + (Characters + 1) * sizeof(CHAR16);
