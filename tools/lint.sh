@@ -8,19 +8,36 @@ if [ "${1:-}" = --help ] || [ "${1:-}" = -h ]; then
   echo "usage: ./ventara lint [FILE ...]   checks all of src/ and platform/, or these sources"
   exit 0
 fi
+
+say() { printf 'ventara: %s\n' "$*" >&2; }
+
 for tool in cppcheck clang-tidy; do
-  command -v "$tool" >/dev/null || { echo "ventara: $tool isn't installed (Debian: apt-get install $tool)" >&2; exit 1; }
+  command -v "$tool" >/dev/null || { say "$tool isn't installed (Debian: apt-get install $tool)"; exit 1; }
 done
 
-# Sources of the hosted build; those of the firmware images are compiled for another target.
 if [ $# -gt 0 ]; then
   sources=("$@")
 else
-  mapfile -t sources < <(find src platform/board platform/host -name '*.cpp' ! -path '*/freestanding/*' | sort)
+  mapfile -t sources < <(find src platform -name '*.cpp' | sort)
 fi
-[ -f build/debug/compile_commands.json ] || cmake --preset debug >/dev/null
 
+# Each source is looked at as it is compiled: for the hosted build, or with the target of the firmware images.
+[ -f build/debug/build.ninja ] || cmake --preset debug >/dev/null
+[ -f build/firmware/build.ninja ] ||
+  cmake -S platform/firmware -B build/firmware -G Ninja --toolchain "$PWD/cmake/firmware-toolchain.cmake" >/dev/null
+ninja -C build/debug --quiet platform/host/font/SystemFontTable.inc >/dev/null
+
+status=0
 cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr --error-exitcode=1 \
-  --suppressions-list=<(grep -v '^#' tools/cppcheck-suppressions.txt) -I src -I . -j "$(nproc)" "${sources[@]}"
-printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/debug --extra-arg=-Wno-unknown-warning-option 2>/dev/null
-echo "ventara: the checkers have nothing to say" >&2
+  --suppressions-list=<(grep -v '^#' tools/cppcheck-suppressions.txt) -I src -I . -j "$(nproc)" "${sources[@]}" || status=1
+
+# What clang-tidy says is shown when it finds something or can't look: its count of what it left out is of no use to anyone.
+tidy='case "$1" in */firmware/*) built=build/firmware ;; *) built=build/debug ;; esac
+  found=$(clang-tidy --quiet -p "$built" --extra-arg=-Wno-unknown-warning-option "$1" 2>&1) || {
+    printf "%s\n" "$found"
+    exit 1
+  }'
+printf '%s\0' "${sources[@]}" | xargs -0 -P "$(nproc)" -n 1 bash -c "$tidy" lint || status=1
+
+[ "$status" -eq 0 ] || { say "the checkers found something"; exit 1; }
+say "the checkers have nothing to say of ${#sources[@]} sources"
