@@ -40,7 +40,7 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
         return EFI_INVALID_PARAMETER;
     }
     gServices = SystemTable->BootServices;
-    ResetFanStore(Board);
+    ResetFanStore(Board, Options->Refused);
     ResetThermal(Board, Options->Seed, Options->Microseconds());
     UseHardware(Board, Options->Microseconds, gServices);
     UsePointerSource(Options->Pointer);

@@ -24,6 +24,8 @@ struct BOARD_OPTIONS {
     POINTER_SOURCE* Pointer;          // owned by the caller, outlives the services
     const UINT8* ArtworkPack;         // the pack made by the build, see ArtworkPack.h; outlives the services
     UINTN ArtworkPackSize;
+    // Told of each record that is refused because it breaks the contract, and why; may be null.
+    VOID (*Refused)(UINT8 FanItem, const CHAR8* Fault);
 };
 
 // Number of boards and their names, for a command line's help and its check.
@@ -43,6 +45,10 @@ EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting);
 EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting);
 // The record that the board holds now.
 EFI_STATUS ReadBoardSetting(UINT8 FanItem, FAN_SETTING* Setting);
+
+// Null for a record that the contract lets the console send to that fan of the installed board, else in words the first
+// rule that it breaks.
+const CHAR8* FaultOfFanSetting(UINT8 FanItem, const FAN_SETTING* Setting);
 
 // For tests: how many records the board has refused since it was installed because they break the contract, and in
 // words why it refused the last one; null when it refused none.

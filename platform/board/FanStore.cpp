@@ -52,6 +52,7 @@ FAN_SETTING gMark[gFanItemCount];
 bool gFullSpeed[gFanItemCount];
 UINT64 gFaults;
 const CHAR8* gLastFault;
+REFUSED_LISTENER gRefused;
 
 const FAN_SETTING& BuiltInDefault(UINT8 FanItem)
 {
@@ -106,22 +107,12 @@ bool HasCurve(const FAN_SETTING* Setting)
             Setting->Level0 | Setting->Level1 | Setting->Level2 | Setting->Level3) != 0;
 }
 
-const CHAR8* CheckForBoard(UINT8 FanItem, const FAN_SETTING* Setting)
-{
-    if (Setting == nullptr) {
-        return "no record";
-    }
-    if (!HasItem(gBoard, FanItem)) {
-        return "a fan that isn't on this board";
-    }
-    return CheckFanSetting(ControlOfFan(gBoard, FanItem), Setting);
-}
-
 } // namespace
 
-VOID ResetFanStore(const SIMULATED_BOARD* Board)
+VOID ResetFanStore(const SIMULATED_BOARD* Board, REFUSED_LISTENER Refused)
 {
     gBoard = Board;
+    gRefused = Refused;
     for (UINT8 Index = 0; Index < gFanItemCount; Index++) {
         gDefault[Index] = BuiltInDefault(static_cast<UINT8>(gFirstFanItem + Index));
         gMark[Index] = gDefault[Index];
@@ -142,9 +133,12 @@ const FAN_SETTING* HeldFanSetting(UINT8 FanItem) { return &gHeld[FanItem - gFirs
 
 EFI_STATUS StoreFanSetting(UINT8 FanItem, const FAN_SETTING* Setting)
 {
-    if (const CHAR8* Fault = CheckForBoard(FanItem, Setting)) {
+    if (const CHAR8* Fault = FaultOfFanSetting(FanItem, Setting)) {
         gFaults++;
         gLastFault = Fault;
+        if (gRefused != nullptr) {
+            gRefused(FanItem, Fault);
+        }
         return EFI_INVALID_PARAMETER;
     }
     gHeld[FanItem - gFirstFanItem] = *Setting;
@@ -195,6 +189,17 @@ const CHAR8* CheckFanSetting(FAN_CONTROL Control, const FAN_SETTING* Setting)
     default:
         return "a record for a fan that can't be set";
     }
+}
+
+const CHAR8* FaultOfFanSetting(UINT8 FanItem, const FAN_SETTING* Setting)
+{
+    if (Setting == nullptr) {
+        return "no record";
+    }
+    if (!IsFanItem(FanItem) || !HasItem(gBoard, FanItem)) {
+        return "a fan that isn't on this board";
+    }
+    return CheckFanSetting(ControlOfFan(gBoard, FanItem), Setting);
 }
 
 UINT64 BoardContractFaults() { return gFaults; }

@@ -6,8 +6,11 @@
 
 #include "platform/board/SimulatedBoard.h"
 
-// All fans to the built-in defaults, which are also the mark; no fan at full speed; no faults.
-VOID ResetFanStore(const SIMULATED_BOARD* Board);
+using REFUSED_LISTENER = VOID (*)(UINT8 FanItem, const CHAR8* Fault);
+
+// All fans to the built-in defaults, which are also the mark; no fan at full speed; no faults. The listener, which may be
+// null, is told of the records refused from now on.
+VOID ResetFanStore(const SIMULATED_BOARD* Board, REFUSED_LISTENER Refused = nullptr);
 
 // The records held now are what RestoreFanStore brings back.
 VOID MarkFanStore();

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/board/BoardServices.h"
 #include "platform/host/Cross.h"
 #include "platform/host/HostText.h"
 
@@ -10,10 +11,13 @@ namespace {
 
 using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 
+constexpr UINT8 gNoFanKind = 2; // as a board answers that gives the fan no page
+constexpr UINTN gGarbageText = 1000; // characters of a string that nobody wrote
+
 BOARD_PROXY& Board() { return gBoot->Board; }
 
 // An operation with nothing to tell but its name and its status.
-template <typename SERVICE, typename... OUTPUT> EFI_STATUS Pass(CALL Call, SERVICE&& Service, OUTPUT*... Outputs)
+template <typename SERVICE, typename... OUTPUT> EFI_STATUS Pass(CALL Call, SERVICE&& Service, OUTPUT... Outputs)
 {
     const EFI_STATUS Status = Cross(Call, Service, Outputs...);
     TraceCall(Call).Status(Status);
@@ -27,9 +31,18 @@ EFI_STATUS Initialize(HW_SERVICE_PROTOCOL*)
     return Pass(CALL_INITIALIZE, [] { return Board().Hardware->Initialize(Board().Hardware); });
 }
 
+// An operation without a status fails, where a test wants it, with an answer that means nothing.
+bool TakeFailure(CALL Call, bool* Garbage)
+{
+    EFI_STATUS Status;
+    return gBoot->Crossing.Overrides.TakeFailure(Call, &Status, Garbage);
+}
+
 UINT8 GetFanKind(HW_SERVICE_PROTOCOL*, UINT8 Item)
 {
-    const UINT8 Kind = Board().Hardware->GetFanKind(Board().Hardware, Item);
+    bool Garbage;
+    const UINT8 Kind = TakeFailure(CALL_GET_FAN_KIND, &Garbage) ? (Garbage ? gGarbagePattern : gNoFanKind)
+                                                                : Board().Hardware->GetFanKind(Board().Hardware, Item);
     TraceCall(CALL_GET_FAN_KIND).Number("item", Item).Number("kind", Kind);
     return Kind;
 }
@@ -51,7 +64,10 @@ CHAR16* GetItemString(HW_SERVICE_PROTOCOL*, UINT8 Item)
     const auto& Strings = gBoot->Crossing.Overrides.Strings;
     const auto Override = Strings.find(Item);
     CHAR16* String;
-    if (Override == Strings.end()) {
+    bool Garbage;
+    if (TakeFailure(CALL_GET_ITEM_STRING, &Garbage)) {
+        String = Garbage ? CopyToPool(std::u16string(gGarbageText, 0xA5A5)) : nullptr;
+    } else if (Override == Strings.end()) {
         String = Board().Hardware->GetItemString(Board().Hardware, Item);
     } else {
         String = Override->second ? CopyToPool(*Override->second) : nullptr;
@@ -110,8 +126,17 @@ template <UINTN Fan> EFI_STATUS GetFanSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING*
     return Status;
 }
 
+// What the console sends is legal whatever happens to the call: in every run, whoever looks or doesn't.
+VOID CheckRecord(CALL Call, UINT8 Item, const FAN_SETTING* Setting)
+{
+    if (const CHAR8* Fault = FaultOfFanSetting(Item, Setting)) {
+        gBoot->Complaints.Add("%s with %s", NameCall(Call), Fault);
+    }
+}
+
 template <UINTN Fan> EFI_STATUS SetFanSetting(HW_SERVICE_PROTOCOL*, const FAN_SETTING* Setting)
 {
+    CheckRecord(SetterOf(Fan), static_cast<UINT8>(gFirstFanItem + Fan), Setting);
     const EFI_STATUS Status =
         Cross(SetterOf(Fan), [&] { return Board().Hardware->Fan[Fan].Set(Board().Hardware, Setting); });
     TraceCall(SetterOf(Fan)).Status(Status).Hex("record", Setting, sizeof(*Setting));
@@ -168,7 +193,8 @@ EFI_STATUS CloseCursor()
 
 EFI_STATUS FloatToString(FLOAT_WORD Value, CHAR16* Buffer, UINTN Length)
 {
-    return Cross(CALL_FLOAT_TO_STRING, [&] { return Board().Float->FloatToString(Value, Buffer, Length); });
+    return Cross(CALL_FLOAT_TO_STRING, [&] { return Board().Float->FloatToString(Value, Buffer, Length); },
+                 OUTPUT_BYTES{Buffer, Length * sizeof(*Buffer)});
 }
 
 // --- Artwork ---
@@ -220,7 +246,10 @@ EFI_STATUS ConvertBmp(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSi
 
 UINT8 GetFirmwareGeneration(IMAGE_DECODER_PROTOCOL*)
 {
-    const UINT8 Generation = Board().Decoder->GetFirmwareGeneration(Board().Decoder);
+    bool Garbage;
+    const UINT8 Generation = TakeFailure(CALL_GET_FIRMWARE_GENERATION, &Garbage)
+                                 ? (Garbage ? gGarbagePattern : UINT8{0})
+                                 : Board().Decoder->GetFirmwareGeneration(Board().Decoder);
     TraceCall(CALL_GET_FIRMWARE_GENERATION).Number("generation", Generation);
     return Generation;
 }

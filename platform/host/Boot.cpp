@@ -28,7 +28,8 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
 } // namespace
 
 BOOT::BOOT(const BOOT_OPTIONS& Options)
-    : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), mOptions(Options)
+    : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), MonotonicCount(Options.CountAtStart),
+      mOptions(Options)
 {
     if (gBoot != nullptr) {
         std::abort(); // the tables' functions could only serve one of the two

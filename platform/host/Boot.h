@@ -39,6 +39,8 @@ struct BOOT_OPTIONS {
     std::vector<EFI_GUID> Hidden = {}; // protocols that aren't there
     const UINT8* ArtworkPack = nullptr; // the pack that the build made, or a test's own
     UINTN ArtworkPackSize = 0;
+    UINT64 TimerAtStart = 0; // what the CPU's timer shows when the machine is switched on
+    UINT64 CountAtStart = 0; // and the monotonic count
 };
 
 struct POINTER_STATE {
@@ -85,7 +87,7 @@ struct BOOT {
     // A handle for a console that is about to start, and the count of its start: pool, turns and events count anew.
     EFI_HANDLE BeginStart();
 
-    UINT64 MonotonicCount = 0;
+    UINT64 MonotonicCount;
     const BOOT_OPTIONS& Options() const { return mOptions; }
 
 private:

@@ -1,4 +1,5 @@
-// What the hosted firmware has to complain of: calls that a real firmware may answer with anything, a crash included.
+// What the hosted firmware has to complain of: calls that a real firmware may answer with anything, a crash included, and
+// settings that no fan may get.
 //
 // A complaint doesn't change what the call returns. It is kept for tests and written on standard error, so that nobody
 // gets used to it.

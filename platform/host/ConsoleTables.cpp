@@ -30,7 +30,7 @@ EFI_STATUS GetMemoryMap(UINTN* Size, EFI_MEMORY_DESCRIPTOR* Map, UINTN* Key, UIN
 {
     const EFI_STATUS Status = Cross(CALL_GET_MEMORY_MAP, [&] {
         return Firmware().GetMemoryMap(Size, Map, Key, DescriptorSize, DescriptorVersion);
-    }, Size, Key, DescriptorSize);
+    }, OUTPUT_BYTES{Map, Size == nullptr ? 0 : *Size}, Size, Key, DescriptorSize, DescriptorVersion);
     TraceCall(CALL_GET_MEMORY_MAP).Status(Status);
     return Status;
 }
@@ -186,7 +186,8 @@ EFI_STATUS HandleProtocol(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interf
 EFI_STATUS LocateHandle(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid, VOID* Key, UINTN* Size, EFI_HANDLE* Buffer)
 {
     const EFI_STATUS Status =
-        Cross(CALL_LOCATE_HANDLE, [&] { return Firmware().LocateHandle(Type, Guid, Key, Size, Buffer); }, Size);
+        Cross(CALL_LOCATE_HANDLE, [&] { return Firmware().LocateHandle(Type, Guid, Key, Size, Buffer); },
+              OUTPUT_BYTES{Buffer, Size == nullptr ? 0 : *Size}, Size);
     TraceCall(CALL_LOCATE_HANDLE).Status(Status).Guid("guid", Guid);
     return Status;
 }
@@ -256,7 +257,8 @@ EFI_STATUS Stall(UINTN Microseconds)
 
 EFI_STATUS GetTime(EFI_TIME* Time, EFI_TIME_CAPABILITIES* Capabilities)
 {
-    const EFI_STATUS Status = Cross(CALL_GET_TIME, [&] { return FirmwareRuntime().GetTime(Time, Capabilities); }, Time);
+    const EFI_STATUS Status =
+        Cross(CALL_GET_TIME, [&] { return FirmwareRuntime().GetTime(Time, Capabilities); }, Time, Capabilities);
     TraceCall(CALL_GET_TIME).Status(Status);
     return Status;
 }
@@ -269,7 +271,7 @@ EFI_STATUS GetVariable(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* Attri
     UINT32 Stored = 0;
     const EFI_STATUS Status = Cross(CALL_GET_VARIABLE, [&] {
         return FirmwareRuntime().GetVariable(Name, Vendor, &Stored, Size, Data);
-    }, Size);
+    }, OUTPUT_BYTES{Data, Asked}, Size);
     const bool Found = Status == EFI_SUCCESS || Status == EFI_BUFFER_TOO_SMALL;
     if (Found && Attributes != nullptr) {
         *Attributes = Stored;

@@ -9,9 +9,28 @@
 // As a pointer neither null nor anywhere, as a number far out of every range.
 constexpr UINT8 gGarbagePattern = 0xA5;
 
+// An output whose size only the call knows.
+struct OUTPUT_BYTES {
+    VOID* Data;
+    UINTN Size;
+};
+
+inline VOID Spoil(OUTPUT_BYTES Output)
+{
+    if (Output.Data != nullptr) {
+        std::memset(Output.Data, gGarbagePattern, Output.Size);
+    }
+}
+
+template <typename OUTPUT> VOID Spoil(OUTPUT* Output)
+{
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): where the output is a pointer, that is what is overwritten
+    Spoil(OUTPUT_BYTES{Output, sizeof(*Output)});
+}
+
 // The status of Service(), or, without calling it, the one that this call is to fail with. Outputs are the places that
 // the service fills, for a failure that leaves garbage behind; any may be null.
-template <typename SERVICE, typename... OUTPUT> EFI_STATUS Cross(CALL Call, SERVICE&& Service, OUTPUT*... Outputs)
+template <typename SERVICE, typename... OUTPUT> EFI_STATUS Cross(CALL Call, SERVICE&& Service, OUTPUT... Outputs)
 {
     EFI_STATUS Status;
     bool Garbage;
@@ -19,9 +38,7 @@ template <typename SERVICE, typename... OUTPUT> EFI_STATUS Cross(CALL Call, SERV
         return Service();
     }
     if (Garbage) {
-        // NOLINTNEXTLINE(bugprone-sizeof-expression): where the output is a pointer, that is what is overwritten
-        ((Outputs == nullptr ? nullptr : std::memset(static_cast<VOID*>(Outputs), gGarbagePattern, sizeof(*Outputs))),
-         ...);
+        (Spoil(Outputs), ...);
     }
     return Status;
 }

@@ -48,7 +48,7 @@ EFI_STATUS GetTimerValue(EFI_CPU_ARCH_PROTOCOL*, UINT32 Index, UINT64* Value, UI
     if (Index != 0 || Value == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    *Value = gBoot->Clock.Nanoseconds();
+    *Value = gBoot->Options().TimerAtStart + gBoot->Clock.Nanoseconds();
     if (Period != nullptr) {
         *Period = gFemtosecondsPerTick;
     }

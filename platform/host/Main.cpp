@@ -77,6 +77,9 @@ int RunCommand(COMMAND& Command)
         Say("ventara: " + Command.ScreenshotPath + " couldn't be written");
         Exit = EXIT_CONSOLE_FAILED;
     }
+    if (!Result.Complaints.empty()) {
+        Exit = EXIT_CONSOLE_FAILED; // they are written where they arise
+    }
     if (Result.Status != EFI_SUCCESS) {
         const char* Name = NameStatus(Result.Status);
         Say("ventara: the console returned " + FormatStatus(Result.Status) +

@@ -129,6 +129,8 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Machine.VirtualClock = Options.Script.has_value();
     Machine.WithNetwork = Options.WithNetwork;
     Machine.EchoConsoles = Options.EchoConsoles;
+    Machine.TimerAtStart = Options.TimerAtStart;
+    Machine.CountAtStart = Options.CountAtStart;
     Machine.ArtworkPack = Options.ArtworkPack != nullptr ? Options.ArtworkPack : gArtworkPack;
     Machine.ArtworkPackSize = Options.ArtworkPack != nullptr ? Options.ArtworkPackSize : gArtworkPackSize;
     Boot = std::make_unique<BOOT>(Machine);
@@ -248,8 +250,10 @@ VOID SESSION::CollectFromBoot()
 {
     Result.OutputText += Boot->Consoles.OutputText;
     Result.ErrorText += Boot->Consoles.ErrorText;
-    const UINT32* Words = Boot->Display.Words();
-    Result.Display.assign(Words, Words + gDisplayWidth * gDisplayHeight);
+    if (Options.KeepDisplay) {
+        const UINT32* Words = Boot->Display.Words();
+        Result.Display.assign(Words, Words + gDisplayWidth * gDisplayHeight);
+    }
     // The board's services go first: they may be complained of.
     Boot->RemoveBoard();
     Result.Complaints.insert(Result.Complaints.end(), Boot->Complaints.Lines.begin(), Boot->Complaints.Lines.end());

@@ -30,9 +30,15 @@ struct SESSION_OPTIONS {
     bool Window = false;
     std::string RecordPath; // of the window's input; empty: none
 
+    bool KeepDisplay = true; // what the display shows at the end comes back
     bool KeepTrace = false;  // the lines come back in the result
     bool TracePool = false;  // pool calls too, and who owns what is left over in more detail
     FILE* TraceFile = nullptr; // the lines go there too
+
+    // What the CPU's timer and the monotonic count show when the machine is switched on: for tests in which they go over
+    // their ends.
+    UINT64 TimerAtStart = 0;
+    UINT64 CountAtStart = 0;
 
     UINT64 PoolLimit = 0; // the allocation of a start from which on all fail; 0: none
     UINT64 PoolFail = 0;  // the one that fails alone; 0: none
@@ -70,7 +76,7 @@ struct SESSION_RESULT {
     std::string OutputText;                // what ConOut got
     std::string ErrorText;                 // what StdErr got
     std::map<std::string, PICTURE> Pictures; // the script's screenshots, when KeepPictures
-    PICTURE Display;                       // what the display showed at the end
+    PICTURE Display;                       // what the display showed at the end, when KeepDisplay
     std::vector<SESSION_LEAK> Leaks;       // pool that a start left behind
     UINTN OpenEvents = 0;                  // events that the starts left open
     std::vector<std::string> Complaints;   // of the firmware about its callers

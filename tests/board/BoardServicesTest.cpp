@@ -67,7 +67,8 @@ protected:
                                        .Microseconds = Clock,
                                        .Pointer = &Pointer,
                                        .ArtworkPack = reinterpret_cast<const UINT8*>(&Pack),
-                                       .ArtworkPackSize = sizeof(Pack)};
+                                       .ArtworkPackSize = sizeof(Pack),
+                                       .Refused = nullptr};
         return InstallBoardServices(&Bench.SystemTable, &Options, &Handle);
     }
 

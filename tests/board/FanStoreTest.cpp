@@ -99,15 +99,19 @@ TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted)
         {"last byte", 10, [] { FAN_SETTING S = Fixed(1); S.Reserved12[51] = 1; return S; }},
         {"nothing set", 4, [] { return FAN_SETTING{}; }},
     };
-    ResetFanStore(FindSimulatedBoard("full"));
+    static UINT8 Told;
+    ResetFanStore(FindSimulatedBoard("full"), [](UINT8 Fan, const CHAR8*) { Told = Fan; });
     UINT64 Faults = 0;
     for (const CASE& Case : Cases) {
+        Told = 0;
         const FAN_SETTING Before = *HeldFanSetting(Case.Fan);
         const FAN_SETTING Setting = Case.Make();
         EXPECT_EQ(StoreFanSetting(Case.Fan, &Setting), EFI_INVALID_PARAMETER) << Case.What;
         EXPECT_TRUE(Same(*HeldFanSetting(Case.Fan), Before)) << Case.What;
         EXPECT_EQ(BoardContractFaults(), ++Faults) << Case.What;
         EXPECT_NE(LastBoardContractFault(), nullptr);
+        EXPECT_EQ(Told, Case.Fan) << Case.What;
+        EXPECT_EQ(FaultOfFanSetting(Case.Fan, &Setting), LastBoardContractFault()) << Case.What;
     }
 }
 

@@ -31,6 +31,18 @@ TEST(Pointer, APressIsAClickBelow185Milliseconds)
     }
 }
 
+TEST(Pointer, APressIsTimedAcrossTheTimersEnd)
+{
+    // The timer counts nanoseconds from near its end; it goes over it after 100 ms, in the middle of each press.
+    for (const auto& [Held, Clicks] : {std::pair<UINT64, UINTN>{184999, 1}, {185000, 0}}) {
+        SCOPED_TRACE(Held);
+        SCENE Scene;
+        Scene.Options.TimerAtStart = 0 - 100000000ull;
+        const RUN Run = Scene.Move(gFullSpeedX, gButtonY).Press().Turns(3).Release(Held).Turns(3).Play();
+        EXPECT_EQ(FullSpeeds(Run), Clicks);
+    }
+}
+
 TEST(Pointer, AClickGoesToWhatIsUnderThePointerAtTheRelease)
 {
     // Slid from one button to another.

@@ -17,6 +17,7 @@ struct SCENARIO {
     const char* Board;
     UINT8 Generation;
     const char* Script;
+    UINTN ComparedRows = gDisplayHeight; // of the display, from the top
 };
 
 // The boards and generations; a short use of everything follows the start, so that what a failure left out is used.
@@ -29,14 +30,13 @@ const SCENARIO& FindScenario(const std::string& Name);
 
 // What a run with a failure must show all the same: see Judge.
 struct EXPECTATION {
-    bool LeavesPool = false;    // FreePool itself fails, so that pool stays behind
-    bool LeavesEvents = false;  // CloseEvent itself fails
-    bool SamePicture = false;   // the display at the end is that of a run without failure
-    bool PassedDamage = false;  // a service was made to hand out records that no fan should get
+    bool LeavesPool = false; // FreePool itself fails, so that pool stays behind
+    bool LeavesEvents = false; // CloseEvent itself fails
+    UINTN SameRows = 0; // so many rows of the display are at the end those of a run without failure
 };
 
 // What is wrong with a run, in words; empty: nothing. A run may end early with EFI_PROTOCOL_ERROR, and it may show less,
-// but no pool is left, no event, the firmware has nothing to complain of, and no service got an illegal record.
+// but no pool is left, no event, and the firmware has nothing to complain of, a record least of all that no fan may get.
 std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference, const EXPECTATION& Expected);
 
 struct SWEEP_RESULT {
@@ -47,13 +47,14 @@ struct SWEEP_RESULT {
 
 // Each allocation from turn FirstTurn of the first start on fails: alone, or with all that follow it. Of the places, those
 // are tried whose number leaves Part when divided by Parts.
-// With SamePicture the display must be whole at the end wherever the failure came before the scenario's settling.
+// With SamePicture the rows compared must be whole at the end wherever the failure came before the scenario's settling.
 SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, UINT64 FirstTurn, bool AllThatFollow, bool SamePicture,
                               UINT64 Part, UINT64 Parts);
 
-// The calls of an operation fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation.
-// AtMost of one operation are tried, evenly spread over the run; 0: all.
-SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, UINT64 FirstTurn, UINT64 AtMost, UINT64 Part, UINT64 Parts);
+// The calls of an operation fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation; where
+// the run has few calls of an operation, each of them with all. About AtMost of one operation are tried, evenly spread
+// over the run; 0: all.
+SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, UINT64 FirstTurn, UINT64 AtMost);
 
 // Every call of an operation fails, from the first on: for each operation with each status that it may give and one that
 // it may not, outputs untouched and garbage.

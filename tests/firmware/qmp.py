@@ -159,7 +159,10 @@ class Machine:
     def __exit__(self, kind, value, trace):
         if kind is not None and self.show_log:
             print("debug log of the machine:\n" + self.log(), file=sys.stderr)
+        refused = [line for line in self.log().splitlines() if "ventara: board refused" in line]
         self.close()
+        if kind is None and refused:  # whatever a test is about, no fan may get an illegal setting
+            raise AssertionError("\n".join(refused))
 
     def close(self):
         if self.qmp is not None:

@@ -180,6 +180,40 @@ TEST_F(SessionTest, ABoardKeepsItsSettingsAndAScriptsWordsOverAReset)
     EXPECT_EQ(Seen, "6:4321 7:4321 ");
 }
 
+TEST_F(SessionTest, ASettingThatNoFanMayGetIsComplainedOfEvenWhereTheCallFails)
+{
+    gAtStart = [&] {
+        HW_SERVICE_PROTOCOL* Service = Locate<HW_SERVICE_PROTOCOL>(gHwServiceProtocolGuid);
+        FAN_SETTING Setting;
+        EXPECT_EQ(Service->Fan[0].Get(Service, &Setting), EFI_SUCCESS);
+        for (const UINT8 Level : {Setting.Level3, UINT8{1}, UINT8{1}}) {
+            Setting.Level3 = Level; // 1 lies below the level in front of it
+            Seen += std::to_string(Service->Fan[0].Set(Service, &Setting) & 0xFF) + " ";
+        }
+    };
+    const SESSION_RESULT Result = Play("turn\nfail SetFan4Setting DEVICE_ERROR 2\nkey esc\nturn\nstart\n");
+    EXPECT_EQ(Seen, "0 2 2 7 7 2 ");
+    EXPECT_EQ(Result.Complaints.size(), 4u);
+}
+
+TEST_F(SessionTest, TimerAndCountBeginWhereTheyAreToldAndGoOverTheirEnds)
+{
+    Options.TimerAtStart = ~0ull - 1499;
+    Options.CountAtStart = ~0ull - 1;
+    EFI_CPU_ARCH_PROTOCOL* Processor = nullptr;
+    gAtStart = [&] { Processor = Locate<EFI_CPU_ARCH_PROTOCOL>(gEfiCpuArchProtocolGuid); };
+    gTurn = [&] {
+        UINT64 Value = 0;
+        UINT64 Count = 0;
+        EXPECT_EQ(Processor->GetTimerValue(Processor, 0, &Value, nullptr), EFI_SUCCESS);
+        EXPECT_EQ(gTable->BootServices->GetNextMonotonicCount(&Count), EFI_SUCCESS);
+        Seen += std::to_string(static_cast<INT64>(Value)) + "/" + std::to_string(static_cast<INT64>(Count)) + " ";
+        return true;
+    };
+    (void)Play("turn\nadvance 1\nturn\nadvance 1\nturn\nkey esc\nturn\n");
+    EXPECT_EQ(Seen, "-1500/-1 -500/0 500/1 500/2 ");
+}
+
 TEST_F(SessionTest, ReadingsStringsAndFailuresTakeTheBoardsPlace)
 {
     gAtStart = [&] {
