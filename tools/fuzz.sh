@@ -3,11 +3,12 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
-targets=(events script artwork variables print)
+targets=(events variables artwork script print)
+declare -A share=([events]=6 [variables]=4 [artwork]=4 [script]=3 [print]=3) # of the time of --in-all
 
 usage() {
   cat <<'TEXT'
-usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N]
+usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N | --in-all N]
 
 Feeds the console and its board with inputs that grow towards code not yet reached; sanitizers are on.
 
@@ -18,6 +19,7 @@ Feeds the console and its board with inputs that grow towards code not yet reach
   print       formats of any text
 
   --seconds N, --minutes N   time for each target; 15 seconds unless told
+  --in-all N                 seconds for all targets together; the more of the console a target reaches, the more it gets
 
 Seeds are in fuzz/corpus/; what is found along the way is kept in build/fuzz-corpus/. An input that breaks something is
 left in build/ as TARGET-crash-..., and build/fuzz/fuzz/fuzz_TARGET FILE plays it again. Exit status 1 when something broke.
@@ -28,13 +30,16 @@ say() { printf 'ventara: %s\n' "$*" >&2; }
 
 picked=()
 seconds=15
+in_all=0
 while [ $# -gt 0 ]; do
   case "$1" in
     --help | -h) usage; exit 0 ;;
-    --seconds | --minutes)
+    --seconds | --minutes | --in-all)
       [[ "${2:-}" =~ ^[0-9]+$ ]] || { say "$1 wants a number"; exit 2; }
       seconds=$2
-      [ "$1" = --seconds ] || seconds=$(($2 * 60))
+      in_all=0
+      [ "$1" != --minutes ] || seconds=$(($2 * 60))
+      [ "$1" != --in-all ] || in_all=$2
       shift 2 ;;
     *)
       printf '%s\n' "${targets[@]}" | grep -qx -- "$1" || { usage >&2; say "unknown target '$1'"; exit 2; }
@@ -50,11 +55,19 @@ mkdir -p build
   -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g" -DVENTARA_FUZZ=ON >build/fuzz.log || { say "configuring failed; see build/fuzz.log"; exit 1; }
 cmake --build build/fuzz -j "$(nproc)" --target "${picked[@]/#/fuzz_}" >&2
 
+shares=0
+for target in "${picked[@]}"; do
+  shares=$((shares + share[$target]))
+done
+seconds_of() {
+  if [ "$in_all" -gt 0 ]; then echo $((in_all * share[$1] / shares)); else echo "$seconds"; fi
+}
+
 # At most as many targets at a time as there are processors.
 run_one() {
   local target=$1 log=build/fuzz-$1.log
   mkdir -p "build/fuzz-corpus/$target"
-  if "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=4096 -detect_leaks=0 \
+  if "build/fuzz/fuzz/fuzz_$target" -max_total_time="$(seconds_of "$target")" -timeout=60 -rss_limit_mb=4096 -detect_leaks=0 \
     -max_len=4096 -len_control=0 -print_final_stats=1 -artifact_prefix="build/$target-" \
     "build/fuzz-corpus/$target" "fuzz/corpus/$target" >"$log" 2>&1; then
     say "$target: $(sed -n 's/^Done \(.*\)$/\1/p' "$log"), nothing broke"

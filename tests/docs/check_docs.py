@@ -146,12 +146,34 @@ def check_names():
                 if name.endswith((".h", ".cpp", ".py", ".S", ".txt", ".cmake")):
                     words.update(re.findall(r"\w+", read(os.path.join(folder, name))))
                     words.add(name.rsplit(".", 1)[0])
-    for document in ("docs/architecture.md", "docs/board-services.md", "docs/trace.md"):
+    for document in ("docs/architecture.md", "docs/board-services.md", "docs/reliability.md", "docs/trace.md"):
         for code in re.findall(r"`([^`\n]+)`", without_blocks(read(document))):
             for word in re.findall(r"\b_?[A-Za-z]\w*[A-Z]\w*\b", code):
                 is_name = "_" in word or re.search("[a-z]", word)
                 if is_name and word not in words:
                     fault(document, f"the sources don't know {word}")
+
+
+def check_tests():
+    """Every test that docs/reliability.md names is there. `.Name` is of the suite named before it."""
+    tests = set()
+    for folder, _, files in os.walk(os.path.join(ROOT, "tests")):
+        for name in files:
+            if name.endswith(".cpp"):
+                found = re.findall(r"^TEST(?:_[FP])?\((\w+), (\w+)\)", read(os.path.join(folder, name)), re.MULTILINE)
+                tests.update(found)
+            elif name.endswith(".py"):
+                text = read(os.path.join(folder, name))
+                for suite, body in re.findall(r"^class (\w+)\(.*?\n(.*?)(?=^\S|\Z)", text, re.MULTILINE | re.DOTALL):
+                    tests.update((suite, test) for test in re.findall(r"def (test_\w+)", body))
+    suites = {suite for suite, _ in tests}
+    suite = ""
+    for code in re.findall(r"`([A-Z]?\w*\.?\w*)`", without_blocks(read("docs/reliability.md"))):
+        named, dot, test = code.partition(".")
+        if named in suites:
+            suite = named
+        if (not named or named in suites) and dot and (suite, test) not in tests:
+            fault("docs/reliability.md", f"there is no test {suite}.{test}")
 
 
 def check_rooms():
