@@ -17,7 +17,8 @@ constexpr UINT64 gFaultsToTell = 20;
 constexpr UINTN gPoolFillLimit = 4096;   // whole pictures would take most of a run's time
 constexpr UINT64 gTurnsWithoutKeys = 400; // then keys work again: a run without a script ends by Escape
 
-// Up to so many calls of an operation in a run, each of them fails in all ways, one after the other.
+// Up to so many calls of an operation in a run, each of them fails in all ways, one after the other; not where fewer than
+// that are to be tried.
 constexpr UINT64 gCallsWithAllWays = 16;
 
 constexpr EFI_STATUS gNeverGiven = EFI_ABORTED; // no operation's description has it
@@ -332,7 +333,8 @@ struct CALL_SWEEP {
         // A call has one of the ways, the next call the next one; after each round the order moves on by one, for calls
         // that come in rounds themselves. Where there are few calls, each has all ways.
         const UINT64 Turn = Number / Step;
-        const UINTN Tried = Calls[Call] <= gCallsWithAllWays ? Ways.size() : 1;
+        const bool AllWays = Calls[Call] <= gCallsWithAllWays && (AtMost == 0 || AtMost >= gCallsWithAllWays);
+        const UINTN Tried = AllWays ? Ways.size() : 1;
         for (UINTN At = 0; At < Tried; At++) {
             if (Fails(Call, Ways[(Turn + Turn / Ways.size() + At) % Ways.size()], Number + 1, Status, Garbage)) {
                 return true;

@@ -52,8 +52,8 @@ SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, UINT64 FirstTurn, bool A
                               UINT64 Part, UINT64 Parts);
 
 // The calls of an operation fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation; where
-// the run has few calls of an operation, each of them with all. About AtMost of one operation are tried, evenly spread
-// over the run; 0: all.
+// the run has few calls of an operation, and AtMost isn't even less, each of them with all. About AtMost calls of one
+// operation are tried, evenly spread over the run; 0: all.
 SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, UINT64 FirstTurn, UINT64 AtMost);
 
 // Every call of an operation fails, from the first on: for each operation with each status that it may give and one that
