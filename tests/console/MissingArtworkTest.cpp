@@ -40,7 +40,7 @@ TEST(MissingArtwork, AllOfItStillLeavesAConsoleThatLeaves)
 TEST(MissingArtwork, PicturesThatDoNotDecodeAreReported)
 {
     // A test's own source is no picture.
-    const std::string NoPicture = std::string(VENTARA_SOURCE_DIR) + "/tests/console/MissingArtworkTest.cpp";
+    const std::string NoPicture = VENTARA_SOURCE_DIR "/tests/console/MissingArtworkTest.cpp";
     const auto ReportsOf = [&NoPicture](int Instance) {
         SCENE Scene;
         Scene.Line("artwork " + std::to_string(Instance) + " " + NoPicture).Turns(2);
