@@ -9,7 +9,7 @@ usage: ./ventara nightly [--minutes N]
 
 Tries every allocation and every call that can fail in every scenario, with and without sanitizers; uses the console for
 ten million turns; fuzzes each target for N minutes (20); runs the checkers; and measures coverage. Takes hours. What
-went wrong is told at the end; the logs are in build/nightly-*.log.
+went wrong is told at the end; the logs are in build/nightly-*.log. What it found so far: docs/reliability.md.
 TEXT
 }
 
