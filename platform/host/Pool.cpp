@@ -5,6 +5,22 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <execinfo.h>
+#include <malloc.h>
+
+namespace {
+
+// Memory that the C library gives back to the system with every large block costs a page fault a page when the next block
+// is filled, and each text of the console is such a block. So what the pool once had stays with the process.
+constexpr int gKeptBytes = 256 * 1024 * 1024;
+constexpr int gLargestKept = 32 * 1024 * 1024; // the most that the C library takes for this
+
+} // namespace
+
+POOL::POOL(COMPLAINTS* Where) : Complaints(Where)
+{
+    (void)mallopt(M_MMAP_THRESHOLD, gLargestKept);
+    (void)mallopt(M_TRIM_THRESHOLD, gKeptBytes);
+}
 
 POOL::~POOL()
 {
@@ -21,6 +37,13 @@ void POOL::BeginStart(UINT32 Start)
 
 EFI_STATUS POOL::Allocate(UINTN Size, VOID* Caller, VOID** Buffer)
 {
+    return Give(Size, gGivenPattern, Caller, Buffer);
+}
+
+EFI_STATUS POOL::AllocateZeroed(UINTN Size, VOID* Caller, VOID** Buffer) { return Give(Size, 0, Caller, Buffer); }
+
+EFI_STATUS POOL::Give(UINTN Size, UINT8 Content, VOID* Caller, VOID** Buffer)
+{
     if (Buffer == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
@@ -33,7 +56,7 @@ EFI_STATUS POOL::Allocate(UINTN Size, VOID* Caller, VOID** Buffer)
     if (Data == nullptr) {
         return EFI_OUT_OF_RESOURCES;
     }
-    std::memset(Data, gGivenPattern, std::min(Size, FillLimit));
+    std::memset(Data, Content, Content == 0 ? Size : std::min(Size, FillLimit));
     POOL_BLOCK Block = {.Size = Size, .Number = mNextNumber++, .Start = mStart, .Owner = {Caller}};
     if (TraceOwners) {
         // The stack as seen from here; it is told from the caller on.

@@ -32,7 +32,7 @@ struct POOL {
     bool TraceOwners = false; // keep the callers' callers too, which costs time
     COMPLAINTS* Complaints = nullptr;
 
-    explicit POOL(COMPLAINTS* Where) : Complaints(Where) {}
+    explicit POOL(COMPLAINTS* Where);
     POOL(const POOL&) = delete;
     POOL& operator=(const POOL&) = delete;
     ~POOL();
@@ -40,6 +40,8 @@ struct POOL {
     // Beginning of a start: allocations are counted from 1 again.
     void BeginStart(UINT32 Start);
     EFI_STATUS Allocate(UINTN Size, VOID* Caller, VOID** Buffer);
+    // The same with zeros in place of the pattern: for the firmware's own large blocks, which would be filled twice.
+    EFI_STATUS AllocateZeroed(UINTN Size, VOID* Caller, VOID** Buffer);
     // A pointer that isn't the begin of a block in use is refused with EFI_INVALID_PARAMETER and a complaint.
     EFI_STATUS Free(VOID* Buffer, VOID* Caller);
     // The block that begins at Buffer; null if none does.
@@ -49,6 +51,8 @@ struct POOL {
     UINTN Count() const { return mBlocks.size(); }
 
 private:
+    EFI_STATUS Give(UINTN Size, UINT8 Content, VOID* Caller, VOID** Buffer);
+
     std::map<const VOID*, POOL_BLOCK> mBlocks;
     UINT64 mNextNumber = 1;
     UINT64 mAllocationsOfStart = 0;

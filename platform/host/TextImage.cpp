@@ -106,11 +106,10 @@ EFI_IMAGE_OUTPUT* CreateImage(BOOT& Boot, UINTN Width, UINTN Height)
     if (EfiError(Boot.Pool.Allocate(sizeof(EFI_IMAGE_OUTPUT), Caller, &Head))) {
         return nullptr;
     }
-    if (EfiError(Boot.Pool.Allocate(Size, Caller, &Bitmap))) {
+    if (EfiError(Boot.Pool.AllocateZeroed(Size, Caller, &Bitmap))) {
         (void)Boot.Pool.Free(Head, Caller);
         return nullptr;
     }
-    std::memset(Bitmap, 0, Size);
     EFI_IMAGE_OUTPUT* Image = static_cast<EFI_IMAGE_OUTPUT*>(Head);
     Image->Width = static_cast<UINT16>(Width);
     Image->Height = static_cast<UINT16>(Height);
