@@ -46,6 +46,23 @@ VOID SendBlock(PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
                 Width * sizeof(PIXEL));
 }
 
+// Puts the pointer's block into a block whose top left corner is at (X, Y) of the screen, as far as the two overlap: what
+// pasting both into one surface and reading the block back would give, without moving the rest of it.
+VOID MergePointer(const GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
+    const UINTN PointerX = static_cast<UINTN>(Core->PointerX);
+    const UINTN PointerY = static_cast<UINTN>(Core->PointerY);
+    const UINTN Left = PointerX > X ? PointerX : X;
+    const UINTN Top = PointerY > Y ? PointerY : Y;
+    const UINTN Right = Smaller(PointerX + Core->CursorWidth, X + VisibleExtent(Width, X, gScreenWidth));
+    const UINTN Bottom = Smaller(PointerY + Core->CursorHeight, Y + VisibleExtent(Height, Y, gScreenHeight));
+    if (Left < Right && Top < Bottom) {
+        CopyBlock({Buffer + (Top - Y) * Width + (Left - X), Width},
+                  {Core->CursorBlend + (Top - PointerY) * Core->CursorWidth + (Left - PointerX), Core->CursorWidth},
+                  Right - Left, Bottom - Top);
+    }
+}
+
 // The pointer over the right or bottom edge, touching it included, with the changed block sent before it. Here only
 // pure black is transparent, and the block isn't merged.
 VOID ComposeAtEdge(GUI_CORE* Core, PIXEL* Buffer, UINTN BlockX, UINTN BlockY, UINTN BlockWidth, UINTN BlockHeight)
@@ -240,11 +257,7 @@ EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN 
     if (OnScreen && gScreenWidth - PointerX > Core->CursorWidth && gScreenHeight - PointerY > Core->CursorHeight) {
         if (Buffer != nullptr) {
             if (Core->MouseState == L_HOLD) {
-                (void)PasteBlt(Buffer, Width, Height, X, Y, Core->Overlay);
-                (void)PasteBlt(Core->CursorBlend, Core->CursorWidth, Core->CursorHeight, PointerX, PointerY,
-                               Core->Overlay);
-                (void)ExtractBlt(Buffer, Width, Height, Core->Overlay, gScreenWidth, gScreenHeight,
-                                 static_cast<INT32>(Y), static_cast<INT32>(X));
+                MergePointer(Core, Buffer, X, Y, Width, Height);
             }
             SendBlock(Buffer, X, Y, Width, Height);
         }
