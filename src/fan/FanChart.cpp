@@ -61,9 +61,11 @@ VOID ShowChart(const FAN_PAGE* Page, CHART_GROUND Ground)
     bool Visible = false;
     switch (Ground) {
     case GROUND_FRAME_PASTED:
-        (void)PasteBlt(Chart->Pixels, Chart->Rect.Width, Chart->Rect.Height, Chart->Rect.X, Chart->Rect.Y,
-                       gGuiCore->Screen);
         Visible = Page->Frame.ActiveNode == gNoActiveNode;
+        if (!Visible) { // else showing it pastes it
+            (void)PasteBlt(Chart->Pixels, Chart->Rect.Width, Chart->Rect.Height, Chart->Rect.X, Chart->Rect.Y,
+                           gGuiCore->Screen);
+        }
         break;
     case GROUND_FRAME:
         Visible = Page->Frame.ActiveNode == gNoActiveNode;
