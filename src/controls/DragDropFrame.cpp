@@ -3,6 +3,7 @@
 #include "controls/FrameParts.h"
 #include "controls/GridImage.h"
 #include "controls/Labels.h"
+#include "controls/SharedPicture.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
@@ -81,7 +82,8 @@ static EFI_STATUS AllocateFramePictures(DRAGDROP_COMPONENT* Frame)
     if (Frame->Cells == nullptr) {
         return EFI_BUFFER_TOO_SMALL;
     }
-    Frame->GridImage = static_cast<PIXEL*>(AllocateZeroPool(Frame->Rect.BufferSize));
+    Frame->GridImage = TakeSharedPicture(SHARED_GRID, Frame->Rect.Width, Frame->Rect.Height, Frame->CellWidth,
+                                         Frame->CellHeight);
     if (Frame->GridImage == nullptr) {
         return EFI_BUFFER_TOO_SMALL;
     }
@@ -90,7 +92,7 @@ static EFI_STATUS AllocateFramePictures(DRAGDROP_COMPONENT* Frame)
         return EFI_BUFFER_TOO_SMALL;
     }
     SetMem(Frame->WorkImage, Frame->Rect.BufferSize, gPanelByte);
-    Frame->CleanImage = static_cast<PIXEL*>(AllocatePool(Frame->Rect.BufferSize));
+    Frame->CleanImage = TakeSharedPicture(SHARED_PANEL, Frame->Rect.Width, Frame->Rect.Height);
     if (Frame->CleanImage == nullptr) {
         return EFI_BUFFER_TOO_SMALL;
     }
@@ -187,9 +189,7 @@ EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* D
         REPORT("AllocatePool Fail (CreateDragDropFrame)");
         return Status;
     }
-    PaintGridImage(Frame->GridImage, Rect.Width, Rect.Height, Frame->CellWidth, Frame->CellHeight);
     FillCells(Frame);
-    FillPixels(Frame->CleanImage, static_cast<UINTN>(Rect.Width) * Rect.Height, gPanelColor);
 
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropEvent, Frame, &Frame->PrimaryEvent);
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropRefresh, Frame, &Frame->SecondaryEvent);
@@ -209,8 +209,8 @@ EFI_STATUS DestroyDragDropFrame(DRAGDROP_COMPONENT* Frame)
     if (Frame == nullptr) {
         return EFI_SUCCESS;
     }
-    ReleasePool(Frame->GridImage);
-    ReleasePool(Frame->CleanImage);
+    ReleaseSharedPicture(Frame->GridImage);
+    ReleaseSharedPicture(Frame->CleanImage);
     ReleasePool(Frame->WorkImage);
     ReleasePool(Frame->NodeImages);
     ReleasePool(Frame->Cells);

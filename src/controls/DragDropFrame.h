@@ -52,8 +52,8 @@ struct _DRAGDROP_COMPONENT {
     UINT8 DragStarted;
     DD_FRAME_CELL* Cells;             // owned
     DD_FRAME_NODE Nodes[gNodeCount];  // node 0 is the low end of the curve
-    PIXEL* GridImage;                 // owned
-    PIXEL* CleanImage;                // owned
+    PIXEL* GridImage;                 // shared with other frames and sliders
+    PIXEL* CleanImage;                // shared with other frames and sliders
     PIXEL* WorkImage;                 // the picture of the moment. Owned
     PIXEL* NodeImages;                // strip of four node pictures. Owned
     UINT8 Inverted;

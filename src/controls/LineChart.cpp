@@ -1,5 +1,6 @@
 #include "controls/LineChart.h"
 
+#include "controls/SharedPicture.h"
 #include "graphics/GraphicProtocol.h"
 #include "shell/Board.h"
 #include "support/Library.h"
@@ -63,9 +64,9 @@ static bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, P
     return true;
 }
 
-static bool AllocateSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series)
+static bool AllocateSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, SHARED_PICTURE_KIND Layer)
 {
-    Series->Layer = static_cast<PIXEL*>(AllocatePool(Chart->Rect.BufferSize));
+    Series->Layer = TakeSharedPicture(Layer, Chart->Rect.Width, Chart->Rect.Height);
     Series->Samples = AllocateZeroArray<UINT32>(Chart->Rect.Width);
     return Series->Layer != nullptr && Series->Samples != nullptr;
 }
@@ -103,8 +104,8 @@ static VOID LoadHistory(const CHAR16* Name, const LINE_CHART* Chart, LINE_CHART_
 
 static VOID FreeChart(LINE_CHART* Chart)
 {
-    FreePool(Chart->Rpm.Layer);
-    FreePool(Chart->Temperature.Layer);
+    ReleaseSharedPicture(Chart->Rpm.Layer);
+    ReleaseSharedPicture(Chart->Temperature.Layer);
     FreePool(Chart->Pixels);
     FreePool(Chart->Rpm.Samples);
     FreePool(Chart->Temperature.Samples);
@@ -135,8 +136,9 @@ static bool BuildChart(LINE_CHART* Chart)
     }
     SetMem(Chart->Pixels, Chart->Rect.BufferSize, gPanelByte);
     return BuildGradients(Chart, &Chart->Rpm, gChartRpmColor) &&
-           BuildGradients(Chart, &Chart->Temperature, gChartTemperatureColor) && AllocateSeries(Chart, &Chart->Rpm) &&
-           AllocateSeries(Chart, &Chart->Temperature);
+           BuildGradients(Chart, &Chart->Temperature, gChartTemperatureColor) &&
+           AllocateSeries(Chart, &Chart->Rpm, SHARED_RPM_LAYER) &&
+           AllocateSeries(Chart, &Chart->Temperature, SHARED_TEMPERATURE_LAYER);
 }
 
 EFI_STATUS CreateLineChart(LINE_CHART** Chart, const GUI_RECT* Rect, const EFI_GUID* RpmGuid,

@@ -14,7 +14,7 @@
 
 struct LINE_CHART_SERIES {
     EFI_GUID VariableGuid; // vendor of the firmware variable that keeps the samples
-    PIXEL* Layer;          // what the last plot decided for each pixel, a LINE_CHART_CLASS and a colour. Owned
+    PIXEL* Layer;          // what a plot decides for each pixel, a LINE_CHART_CLASS and a colour. Shared by all charts
     UINT32* Samples;       // one for each pixel column, oldest first; 0 means no data yet. Owned
     INT32 Maximum;
     INT32 Minimum;

@@ -2,6 +2,7 @@
 
 #include "controls/GridImage.h"
 #include "controls/Labels.h"
+#include "controls/SharedPicture.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
@@ -92,7 +93,8 @@ EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT
     Rect.Height = static_cast<UINT32>(Slider->Rows) * Slider->CellHeight + 1;
     Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
 
-    Slider->GridImage = static_cast<PIXEL*>(AllocatePool(Rect.BufferSize));
+    Slider->GridImage =
+        TakeSharedPicture(SHARED_GRID, Rect.Width, Rect.Height, Slider->CellWidth, Slider->CellHeight);
     if (Slider->GridImage == nullptr) {
         REPORT("AllocatePool Fail (CreateSlider)");
         return EFI_BUFFER_TOO_SMALL;
@@ -102,15 +104,13 @@ EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT
         REPORT("AllocatePool Fail (CreateSlider)");
         return EFI_BUFFER_TOO_SMALL;
     }
-    Slider->PlainImage = static_cast<PIXEL*>(AllocatePool(Rect.BufferSize));
+    Slider->PlainImage = TakeSharedPicture(SHARED_PANEL, Rect.Width, Rect.Height);
     if (Slider->PlainImage == nullptr) {
         REPORT("AllocatePool Fail (CreateSlider)");
         return EFI_BUFFER_TOO_SMALL;
     }
     // Until its first painting the canvas, from which a chart may start, shows the plain panel.
     SetMem(Slider->Canvas, Rect.BufferSize, gPanelByte);
-    PaintGridImage(Slider->GridImage, Rect.Width, Rect.Height, Slider->CellWidth, Slider->CellHeight);
-    FillPixels(Slider->PlainImage, static_cast<UINTN>(Rect.Width) * Rect.Height, gPanelColor);
 
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderEvent, Slider, &Slider->PrimaryEvent);
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderRefresh, Slider, &Slider->SecondaryEvent);
@@ -131,8 +131,8 @@ EFI_STATUS DestroySlider(SLIDER_COMPONENT* Slider)
     if (Slider == nullptr) {
         return EFI_SUCCESS;
     }
-    ReleasePool(Slider->GridImage);
-    ReleasePool(Slider->PlainImage);
+    ReleaseSharedPicture(Slider->GridImage);
+    ReleaseSharedPicture(Slider->PlainImage);
     ReleasePool(Slider->Canvas);
     ReleasePool(Slider->ThumbImage);
     ReleasePool(Slider->FrameName);

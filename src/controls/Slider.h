@@ -24,8 +24,8 @@ struct _SLIDER_COMPONENT {
     UINT32 ThumbId;    // 0 while the slider has no component
     CHAR16* ThumbName; // 128 characters. Owned
     UINT8 Dragging;
-    PIXEL* GridImage;  // owned
-    PIXEL* PlainImage; // owned
+    PIXEL* GridImage;  // shared with other sliders and frames
+    PIXEL* PlainImage; // shared likewise
     PIXEL* Canvas;     // the picture as last composed, from which the fan's chart starts. Owned
     CHAR16* FrameName; // 128 characters. Owned
     UINT8 Inverted;    // the slider takes a drag when exactly one of Inverted and Linked isn't 0
