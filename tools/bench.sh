@@ -9,8 +9,9 @@ usage: ./ventara bench [--json FILE]
 
 Times everything that is done pixel by pixel, and prints for each the goal, what was measured, and what other
 libraries take for the same work. Times are told as multiples of plain copies of the same pixels by the same process.
+Then times the turns of the whole console and its start, and tells where the time goes.
 
-  --json FILE   write the figures to FILE too, with the times in nanoseconds
+  --json FILE   write the pixel figures to FILE too, with the times in nanoseconds
 
 Google Benchmark (libbenchmark-dev) is needed. pixman (libpixman-1-dev), SDL2 (libsdl2-dev) and Cairo (libcairo2-dev)
 are measured beside it where they are installed. On a busy machine run it twice: the least figures are the true ones.
@@ -41,9 +42,11 @@ fi
 mkdir -p build
 log=build/bench.log
 # Configured anew each time, so that libraries that were installed since are found.
-if ! { cmake --preset release && cmake --build --preset release -j "$(nproc)" --target pixel_bench; } >"$log" 2>&1; then
+if ! { cmake --preset release && cmake --build --preset release -j "$(nproc)" --target pixel_bench turn_bench; } >"$log" 2>&1; then
   tail -n 20 "$log" >&2
   say "building failed; see $log"
   exit 1
 fi
-exec build/release/bench/pixel_bench "${arguments[@]}"
+build/release/bench/pixel_bench "${arguments[@]}"
+echo
+exec build/release/bench/turn_bench

@@ -1,0 +1,467 @@
+// Times the console's turns and its start on the hosted firmware, and tells where the time goes.
+//
+//     turn_bench                      the table, warm and cold
+//     turn_bench --svg FILE           and a picture of where the time of a turn goes
+//     turn_bench --pool               what the console holds of the pool at rest, by who asked for it
+//     turn_bench --scene NAME TURNS   plays a scene for callgrind, which then counts those turns alone
+//
+// The console is the loaded image, as in the command `ventara`, and its main loop runs by itself: a turn is the time from
+// one wait to the next, with the firmware calls in it. The turns of a scene repeat themselves after some number, since
+// the readouts and gauges go round; of each turn of that round the least time counts, and their mean is the figure.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/TurnClock.h"
+#include "platform/board/ArtworkPack.h"
+#include "platform/host/ImageLoader.h"
+#include "shell/Main.h"
+#include "support/Identifiers.h"
+#include "support/Library.h"
+
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#define TOGGLE_COUNTING() CALLGRIND_TOGGLE_COLLECT
+#else
+#define TOGGLE_COUNTING() (VOID)0
+#endif
+
+namespace {
+
+constexpr UINT64 gLeadTurns = 60; // before the first that counts
+constexpr int gStarts = 20;
+constexpr size_t gSweepBytes = 4 * 1024 * 1024;
+constexpr UINT64 gTick = 200000;
+constexpr UINT64 gOtherTimer = 5000000; // its turn is no tick
+
+constexpr size_t gFramePixels = 391 * 241;
+constexpr size_t gFrameRow = 391 * 4;
+constexpr size_t gScreenRow = 1024 * 4;
+constexpr size_t gFrameRows = 241;
+
+double Nanoseconds(std::chrono::steady_clock::duration Time)
+{
+    return std::chrono::duration<double, std::nano>(Time).count();
+}
+
+struct SCENE_FACTS {
+    const char* Name;
+    const char* Unit; // T or F
+    double Goal;
+    UINT64 Turns;
+    // What happens before a turn, and its place in the round; -1 for a turn that is none of the scene's.
+    INT64 (*Prepare)(BOOT& Boot, UINT64 Turn);
+};
+
+INT64 PrepareRest(BOOT&, UINT64 Turn) { return static_cast<INT64>(Turn % 14); }
+
+INT64 PrepareTick(BOOT& Boot, UINT64 Turn)
+{
+    Boot.Clock.Advance(gTick);
+    const UINT64 Moment = Boot.Clock.Microseconds();
+    if (Moment % gOtherTimer < gTick) {
+        return -1;
+    }
+    const UINT64 Ticks = Moment / gTick - Moment / gOtherTimer;
+    return static_cast<INT64>(Turn % 14 * 56 + Ticks % 56);
+}
+
+// The second node of the curve on top is taken at its middle and led to and fro.
+INT64 PrepareDrag(BOOT& Boot, UINT64 Turn)
+{
+    const INT64 Round = static_cast<INT64>(Turn % 28);
+    Boot.Pointer.State.X = 487 + (Turn < 10 ? 0 : Round < 14 ? Round : 28 - Round);
+    Boot.Pointer.State.Y = 397 + (Turn < 10 ? 0 : 2);
+    Boot.Pointer.State.Left = Turn >= 4 ? 1 : 0;
+    return Round;
+}
+
+constexpr SCENE_FACTS gScenes[] = {
+    {"rest", "T", 6, 14 * 200, PrepareRest},
+    {"tick", "T", 12, 20000, PrepareTick},
+    {"drag", "F", 4, 28 * 200, PrepareDrag},
+};
+
+struct TURN_FIGURES {
+    double Least = std::numeric_limits<double>::infinity();
+    SPLIT Split = {};
+};
+
+struct SCENE_RESULT {
+    double Least = std::numeric_limits<double>::infinity(); // of the round's turns: one without a text
+    double Mean = 0;
+    double Worst = 0;
+    SPLIT Split = {}; // of the mean
+};
+
+struct SCENE_RUN {
+    const SCENE_FACTS* Facts = nullptr;
+    BOOT* Boot = nullptr;
+    bool Cold = false;
+    bool Count = false; // for callgrind
+    UINT64 TurnsToGo = 0;
+
+    UINT64 Turn = 0;
+    INT64 Place = -1;
+    std::map<INT64, TURN_FIGURES> Figures;
+    std::vector<UINT8> Other = std::vector<UINT8>(gSweepBytes);
+    std::chrono::steady_clock::time_point Since;
+
+    VOID NextTurn();
+};
+
+VOID SCENE_RUN::NextTurn()
+{
+    if (!Count) {
+        const double Time = Nanoseconds(std::chrono::steady_clock::now() - Since);
+        const SPLIT& Split = ReadSplit();
+        if (Turn > gLeadTurns && Place >= 0) {
+            TURN_FIGURES& Figure = Figures[Place];
+            if (Time < Figure.Least) {
+                Figure = {Time, Split};
+            }
+        }
+    }
+    Turn++;
+    if (Turn == gLeadTurns && Count) {
+        TOGGLE_COUNTING();
+    }
+    if (Turn == gLeadTurns + TurnsToGo) {
+        if (Count) {
+            TOGGLE_COUNTING();
+        }
+        Boot->Pointer.State.Left = 0;
+        Boot->Consoles.Press(SCAN_ESC, 0);
+        Place = -1;
+    } else {
+        Place = Facts->Prepare(*Boot, Turn);
+    }
+    if (Cold) {
+        for (size_t I = 0; I < Other.size(); I += 64) {
+            Other[I]++;
+        }
+    }
+    if (!Count) {
+        Since = std::chrono::steady_clock::now();
+        RestartSplit();
+    }
+}
+
+[[noreturn]] VOID Fail(const std::string& Text)
+{
+    std::fprintf(stderr, "turn_bench: %s\n", Text.c_str());
+    std::exit(1);
+}
+
+// A boot with its board and the console's image loaded.
+struct LOADED {
+    BOOT Boot;
+    VOID* Image = nullptr;
+    IMAGE_ENTRY_POINT Entry = nullptr;
+
+    LOADED() : Boot({.ArtworkPack = gArtworkPack, .ArtworkPackSize = gArtworkPackSize})
+    {
+        std::string Error;
+        if (EfiError(Boot.InstallBoard())) {
+            Fail("the board's services can't be installed");
+        }
+        Image = LoadImage(VENTARA_CONSOLE_IMAGE, &Entry, &Error);
+        if (Image == nullptr) {
+            Fail(Error);
+        }
+    }
+    VOID Start(TURN_LISTENER Listener)
+    {
+        Boot.Crossing.Listener = Listener;
+        if (EfiError(Entry(Boot.BeginStart(), &Boot.ConsoleTable))) {
+            Fail("the console failed");
+        }
+    }
+    ~LOADED() { UnloadImage(Image); }
+};
+
+SCENE_RESULT PlayScene(const SCENE_FACTS& Facts, bool Cold)
+{
+    LOADED Loaded;
+    PutTimers(Loaded.Boot);
+    SCENE_RUN Run;
+    Run.Facts = &Facts;
+    Run.Boot = &Loaded.Boot;
+    Run.Cold = Cold;
+    Run.TurnsToGo = Facts.Turns;
+    Loaded.Start({.BeginTurn = [](VOID* Context) { static_cast<SCENE_RUN*>(Context)->NextTurn(); }, .Context = &Run});
+    RemoveTimers();
+    SCENE_RESULT Result;
+    for (const auto& [Place, Figure] : Run.Figures) {
+        Result.Mean += Figure.Least / static_cast<double>(Run.Figures.size());
+        Result.Least = std::min(Result.Least, Figure.Least);
+        Result.Worst = std::max(Result.Worst, Figure.Least);
+        for (size_t I = 0; I < PLACE_COUNT; I++) {
+            Result.Split[I] += Figure.Split[I] / static_cast<double>(Run.Figures.size());
+        }
+    }
+    return Result;
+}
+
+VOID PlayForCounting(const char* Name, UINT64 Turns)
+{
+    for (const SCENE_FACTS& Facts : gScenes) {
+        if (std::strcmp(Facts.Name, Name) == 0) {
+            LOADED Loaded;
+            SCENE_RUN Run;
+            Run.Facts = &Facts;
+            Run.Boot = &Loaded.Boot;
+            Run.Count = true;
+            Run.TurnsToGo = Turns;
+            Loaded.Start(
+                {.BeginTurn = [](VOID* Context) { static_cast<SCENE_RUN*>(Context)->NextTurn(); }, .Context = &Run});
+            return;
+        }
+    }
+    Fail(std::string("no scene ") + Name);
+}
+
+struct START_RUN {
+    BOOT* Boot;
+    std::chrono::steady_clock::time_point Since;
+    double Time = 0;
+    SPLIT Split = {};
+    bool Told = false;
+};
+
+// From the entry to the first turn, when all of the first picture is on the display.
+TURN_FIGURES PlayStarts()
+{
+    TURN_FIGURES Best;
+    for (int I = 0; I < gStarts; I++) {
+        LOADED Loaded;
+        PutTimers(Loaded.Boot);
+        START_RUN Run = {.Boot = &Loaded.Boot, .Since = std::chrono::steady_clock::now()};
+        RestartSplit();
+        Loaded.Start({.BeginTurn =
+                          [](VOID* Context) {
+                              START_RUN* This = static_cast<START_RUN*>(Context);
+                              if (!This->Told) {
+                                  This->Time = Nanoseconds(std::chrono::steady_clock::now() - This->Since);
+                                  This->Split = ReadSplit();
+                                  This->Told = true;
+                                  This->Boot->Consoles.Press(SCAN_ESC, 0);
+                              }
+                          },
+                      .Context = &Run});
+        RemoveTimers();
+        if (Run.Time < Best.Least) {
+            Best = {Run.Time, Run.Split};
+        }
+    }
+    return Best;
+}
+
+// The identifiers of a start alone, by the console's own function.
+double TimeIdentifiers(UINT64* Count)
+{
+    BOOT Boot({.ArtworkPack = gArtworkPack, .ArtworkPackSize = gArtworkPackSize});
+    if (EfiError(Boot.InstallBoard())) {
+        Fail("the board's services can't be installed");
+    }
+    *Count = 115;
+    double Least = std::numeric_limits<double>::infinity();
+    RunLibraryConstructors(Boot.BeginStart(), &Boot.ConsoleTable);
+    for (int I = 0; I < gStarts; I++) {
+        const auto Since = std::chrono::steady_clock::now();
+        for (UINT64 Each = 0; Each < *Count; Each++) {
+            EFI_GUID Guid;
+            GenerateGuid(&Guid);
+        }
+        Least = std::min(Least, Nanoseconds(std::chrono::steady_clock::now() - Since));
+    }
+    RunLibraryDestructors(gImageHandle);
+    return Least;
+}
+
+struct REFERENCES {
+    double T[2]; // warm, cold
+    double F[2];
+};
+
+REFERENCES TimeReferences()
+{
+    std::vector<UINT8> From(gFramePixels * 4, 1);
+    std::vector<UINT8> To(gFramePixels * 4);
+    std::vector<UINT8> Screen(gScreenRow * 768);
+    std::vector<UINT8> Other(gSweepBytes);
+    REFERENCES Found;
+    for (int Cold = 0; Cold < 2; Cold++) {
+        Found.T[Cold] = Found.F[Cold] = std::numeric_limits<double>::infinity();
+        for (int I = 0; I < 400; I++) {
+            for (int Both = 0; Both < 2; Both++) {
+                for (size_t At = 0; Cold == 1 && At < Other.size(); At += 64) {
+                    Other[At]++;
+                }
+                const auto Since = std::chrono::steady_clock::now();
+                std::memcpy(To.data(), From.data(), To.size());
+                asm volatile("" ::: "memory");
+                for (size_t Row = 0; Both == 1 && Row < gFrameRows; Row++) {
+                    std::memcpy(Screen.data() + (262 + Row) * gScreenRow + 382 * 4, To.data() + Row * gFrameRow,
+                                gFrameRow);
+                }
+                asm volatile("" ::: "memory");
+                double& Least = Both == 0 ? Found.T[Cold] : Found.F[Cold];
+                Least = std::min(Least, Nanoseconds(std::chrono::steady_clock::now() - Since));
+            }
+        }
+    }
+    return Found;
+}
+
+VOID PrintSplit(const char* Name, const SPLIT& Split, double Unit, const char* Format)
+{
+    std::printf("%-8s", Name);
+    for (const double Part : Split) {
+        std::printf(Format, Part / Unit);
+    }
+    std::printf("\n");
+}
+
+VOID PrintPool()
+{
+    LOADED Loaded;
+    Loaded.Boot.Pool.TraceOwners = true;
+    struct CONTEXT {
+        BOOT* Boot;
+        int Turn = 0;
+    } Context = {&Loaded.Boot};
+    Loaded.Start({.BeginTurn =
+                      [](VOID* Given) {
+                          CONTEXT* This = static_cast<CONTEXT*>(Given);
+                          if (++This->Turn == 60) {
+                              UINT64 All = 0;
+                              for (const POOL_BLOCK& Block : This->Boot->Pool.Held(1)) {
+                                  std::printf("%llu", static_cast<unsigned long long>(Block.Size));
+                                  for (const VOID* Owner : Block.Owner) {
+                                      if (Owner != nullptr) {
+                                          std::printf(" %s", DescribePlace(Owner).c_str());
+                                      }
+                                  }
+                                  std::printf("\n");
+                                  All += Block.Size;
+                              }
+                              std::printf("all %llu\n", static_cast<unsigned long long>(All));
+                              This->Boot->Consoles.Press(SCAN_ESC, 0);
+                          }
+                      },
+                  .Context = &Context});
+}
+
+// A bar a scene, cut into the places where its time goes.
+VOID WriteSvg(const char* File, const std::vector<SCENE_RESULT>& Results)
+{
+    FILE* Out = std::fopen(File, "w");
+    if (Out == nullptr) {
+        Fail(std::string("can't write ") + File);
+    }
+    constexpr const char* Colors[PLACE_COUNT] = {"#3a7ca5", "#81c3d7", "#d9dcd6", "#f2a65a", "#b56576",
+                                                 "#6d597a", "#588157", "#a3b18a", "#8d99ae"};
+    double Most = 0;
+    for (const SCENE_RESULT& Each : Results) {
+        Most = std::max(Most, Each.Mean);
+    }
+    std::fprintf(Out, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"760\" height=\"220\" "
+                      "font-family=\"sans-serif\" font-size=\"13\">\n"
+                      "<rect width=\"760\" height=\"220\" fill=\"white\"/>\n");
+    for (size_t I = 0; I < Results.size(); I++) {
+        double X = 60;
+        const int Y = 20 + static_cast<int>(I) * 44;
+        std::fprintf(Out, "<text x=\"12\" y=\"%d\">%s</text>\n", Y + 19, gScenes[I].Name);
+        double All = 0;
+        for (const double Part : Results[I].Split) {
+            All += Part;
+        }
+        for (size_t Place = 0; Place < PLACE_COUNT; Place++) {
+            const double Width = Results[I].Split[Place] / Most * 580;
+            std::fprintf(Out, "<rect x=\"%.1f\" y=\"%d\" width=\"%.1f\" height=\"28\" fill=\"%s\"/>\n", X, Y, Width,
+                         Colors[Place]);
+            X += Width;
+        }
+        std::fprintf(Out, "<text x=\"%.1f\" y=\"%d\">%.1f us</text>\n", X + 6, Y + 19, All / 1000);
+    }
+    for (size_t Place = 0; Place < PLACE_COUNT; Place++) {
+        const int X = 60 + static_cast<int>(Place % 5) * 130;
+        const int Y = 160 + static_cast<int>(Place / 5) * 26;
+        std::fprintf(Out, "<rect x=\"%d\" y=\"%d\" width=\"14\" height=\"14\" fill=\"%s\"/><text x=\"%d\" "
+                          "y=\"%d\">%s</text>\n",
+                     X, Y, Colors[Place], X + 20, Y + 12, gPlaceNames[Place]);
+    }
+    std::fprintf(Out, "</svg>\n");
+    std::fclose(Out);
+}
+
+VOID PrintTable(const char* SvgFile)
+{
+    const REFERENCES References = TimeReferences();
+    std::printf("T: one copy of 391 x 241 pixels, %.1f us warm and %.1f us cold. F: that and its rows into the screen,\n"
+                "%.1f us and %.1f us. A turn with all its firmware calls, of the round's turns the least (which has no text),\nthe mean and the worst.\n\n",
+                References.T[0] / 1000, References.T[1] / 1000, References.F[0] / 1000, References.F[1] / 1000);
+    std::printf("%-6s %-4s %5s | %8s %7s %7s %7s | %8s %7s %7s %7s\n", "turn", "unit", "goal", "warm us", "least", "mean",
+                "worst", "cold us", "least", "mean", "worst");
+    std::vector<SCENE_RESULT> Warm;
+    for (const SCENE_FACTS& Facts : gScenes) {
+        const bool InF = Facts.Unit[0] == 'F';
+        std::printf("%-6s %-4s %5.0f", Facts.Name, Facts.Unit, Facts.Goal);
+        for (int Cold = 0; Cold < 2; Cold++) {
+            const SCENE_RESULT Result = PlayScene(Facts, Cold == 1);
+            const double Unit = InF ? References.F[Cold] : References.T[Cold];
+            std::printf(" | %8.1f %7.2f %7.2f %7.2f", Result.Mean / 1000, Result.Least / Unit, Result.Mean / Unit,
+                        Result.Worst / Unit);
+            if (Cold == 0) {
+                Warm.push_back(Result);
+            }
+        }
+        std::printf("\n");
+    }
+    std::printf("\nwhere the microseconds of a warm turn go\n%-8s", "");
+    for (const char* Name : gPlaceNames) {
+        std::printf(" %9s", Name);
+    }
+    std::printf("\n");
+    for (size_t I = 0; I < Warm.size(); I++) {
+        PrintSplit(gScenes[I].Name, Warm[I].Split, 1000, " %9.2f");
+    }
+    const TURN_FIGURES Start = PlayStarts();
+    UINT64 Identifiers = 0;
+    const double IdentifierTime = TimeIdentifiers(&Identifiers);
+    std::printf("\nstart, from the entry to the whole first picture: %.1f ms, the least of %d; goal 60 ms\n"
+                "of that in milliseconds, the %llu identifiers alone %.2f:\n",
+                Start.Least / 1e6, gStarts, static_cast<unsigned long long>(Identifiers), IdentifierTime / 1e6);
+    PrintSplit("start", Start.Split, 1e6, " %9.2f");
+    if (SvgFile != nullptr) {
+        WriteSvg(SvgFile, Warm);
+    }
+}
+
+} // namespace
+
+int main(int Count, char** Arguments)
+{
+    const std::string First = Count > 1 ? Arguments[1] : "";
+    if (Count == 1) {
+        PrintTable(nullptr);
+    } else if (First == "--svg" && Count == 3) {
+        PrintTable(Arguments[2]);
+    } else if (First == "--pool" && Count == 2) {
+        PrintPool();
+    } else if (First == "--scene" && Count == 4) {
+        PlayForCounting(Arguments[2], std::strtoull(Arguments[3], nullptr, 10));
+    } else {
+        std::fprintf(stderr, "usage: %s [--svg FILE | --pool | --scene NAME TURNS]\n", Arguments[0]);
+        return 2;
+    }
+    return 0;
+}
