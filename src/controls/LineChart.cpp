@@ -16,6 +16,16 @@ constexpr CHAR16 gTemperatureVariableName[] = u"LineChartTempature"; // spelled 
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\LineChart.cpp";
 
+// What the last plot of each series left in its layer. Charts of one size share their layers, and their gradients are
+// alike, so this holds from one chart to the next.
+struct PLOTTED_LAYER {
+    const PIXEL* Layer; // null when a new layer may lie where it was
+    LINE_CHART_EXTENT Extent;
+};
+
+static PLOTTED_LAYER gPlottedRpm = {};
+static PLOTTED_LAYER gPlottedTemperature = {};
+
 // --- Creation ---
 
 static FLOAT_WORD Quotient(INT64 A, INT64 B)
@@ -154,6 +164,8 @@ EFI_STATUS CreateLineChart(LINE_CHART** Chart, const GUI_RECT* Rect, const EFI_G
         REPORT("AllocatePool Fail (CreateLineChart)");
         return EFI_OUT_OF_RESOURCES;
     }
+    gPlottedRpm.Layer = nullptr;
+    gPlottedTemperature.Layer = nullptr;
     New->Rect = *Rect;
     New->Rect.BufferSize = static_cast<UINT64>(Rect->Width) * Rect->Height * sizeof(PIXEL);
     New->Rpm.VariableGuid = *RpmGuid;
@@ -246,23 +258,28 @@ static PIXEL WithClass(PIXEL Color, LINE_CHART_CLASS Class)
 }
 
 // Writes the plot's columns row by row, which is the order of the pixels in memory. Most rows lie wholly above the
-// curve or wholly below it.
-static VOID WritePlot(const PLOT& Plot, PIXEL* Layer, const PIXEL* Gradient, UINT32 Width, UINT32 Top, PIXEL Line)
+// curve or wholly below it, and did so before.
+static VOID WritePlot(const PLOT& Plot, PIXEL* Layer, const PIXEL* Gradient, UINT32 Width, UINT32 Top, PIXEL Line,
+                      LINE_CHART_EXTENT Known)
 {
     PIXEL* Row = Layer;
     for (INT32 Height = static_cast<INT32>(Top); Height > 0; Height--, Row += Width) {
         if (Height > Plot.Highest) {
-            FillPixels(Row, Plot.Count, WithClass(gBlackPixel, LINE_CHART_ABOVE));
+            if (Height <= Known.Highest) {
+                FillPixels(Row, Plot.Count, WithClass(gBlackPixel, LINE_CHART_ABOVE));
+            }
         } else if (Height < Plot.Lowest) {
-            FillPixels(Row, Plot.Count, WithClass(Gradient[Height], LINE_CHART_FILL));
+            if (Height >= Known.Lowest) {
+                FillPixels(Row, Plot.Count, WithClass(Gradient[Height], LINE_CHART_FILL));
+            }
         } else {
             PlotChartRow(Row, {Plot.First, Plot.Last}, Plot.Count, Height, Gradient[Height], Line);
         }
     }
 }
 
-VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, UINT32 Width, UINT32 Height,
-                         INT32 Maximum, INT32 Minimum, UINT32 Color)
+LINE_CHART_EXTENT PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, UINT32 Width, UINT32 Height,
+                                      INT32 Maximum, INT32 Minimum, UINT32 Color, LINE_CHART_EXTENT Known)
 {
     const INT64 Span = static_cast<INT64>(Maximum) - Minimum;
     const FLOAT_WORD Range = gFloatMath->IntToFloat(Span < 0 ? -Span : Span);
@@ -271,6 +288,7 @@ VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, U
 
     PLOT Plot;
     Plot.Count = 0;
+    LINE_CHART_EXTENT Extent = {static_cast<INT32>(Height) + 1, 0};
     INT64 Previous = Height;
     for (UINT32 Column = 0; Column < Width; Column++) {
         // The height comes from the sample before any limit.
@@ -280,7 +298,9 @@ VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, U
         Samples[Column] = LimitSample(Samples[Column], Minimum, Maximum);
         AddColumn(&Plot, Height, Point, Previous, Column == 0);
         if (Plot.Count == gPlotColumns || Column + 1 == Width) {
-            WritePlot(Plot, Layer + Column + 1 - Plot.Count, Gradient, Width, Height, Line);
+            WritePlot(Plot, Layer + Column + 1 - Plot.Count, Gradient, Width, Height, Line, Known);
+            Extent.Lowest = Plot.Lowest < Extent.Lowest ? Plot.Lowest : Extent.Lowest;
+            Extent.Highest = Plot.Highest > Extent.Highest ? Plot.Highest : Extent.Highest;
             Plot.Count = 0;
         }
         // The limited sample is what moves on, so that one above the scale fills its column for this one plot only.
@@ -289,6 +309,7 @@ VOID PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, U
         }
         Previous = Point;
     }
+    return Extent;
 }
 
 // --- Painting ---
@@ -304,10 +325,21 @@ static VOID DrawGrid(LINE_CHART* Chart)
     }
 }
 
-static VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color)
+static VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color, PLOTTED_LAYER* Plotted)
 {
-    PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Chart->Rect.Width, Chart->Rect.Height,
-                        Series->Maximum, Series->Minimum, PixelWord(Color));
+    const GUI_RECT& Rect = Chart->Rect;
+    const LINE_CHART_EXTENT Known = Plotted->Layer == Series->Layer
+                                        ? Plotted->Extent
+                                        : LINE_CHART_EXTENT{1, static_cast<INT32>(Rect.Height)};
+    Plotted->Extent = PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Rect.Width, Rect.Height,
+                                          Series->Maximum, Series->Minimum, PixelWord(Color), Known);
+    Plotted->Layer = Series->Layer;
+}
+
+static LINE_CHART_CLASS ClassOfRow(LINE_CHART_EXTENT Extent, UINT32 Height)
+{
+    const INT32 At = static_cast<INT32>(Height);
+    return At > Extent.Highest ? LINE_CHART_ABOVE : At < Extent.Lowest ? LINE_CHART_FILL : LINE_CHART_MIXED;
 }
 
 // Lays both layers over the picture. Where the areas overlap, temperature lies on top of speed.
@@ -315,11 +347,13 @@ static VOID ComposeLayers(LINE_CHART* Chart)
 {
     const UINT32 Width = Chart->Rect.Width;
     PIXEL* Row = Chart->Pixels;
-    CHART_LAYER_ROW Rpm = {.Layer = Chart->Rpm.Layer, .Blend = {}, .Line = gChartRpmColor};
-    CHART_LAYER_ROW Temperature = {.Layer = Chart->Temperature.Layer, .Blend = {}, .Line = gChartTemperatureColor};
+    CHART_LAYER_ROW Rpm = {Chart->Rpm.Layer, {}, gChartRpmColor, LINE_CHART_MIXED};
+    CHART_LAYER_ROW Temperature = {Chart->Temperature.Layer, {}, gChartTemperatureColor, LINE_CHART_MIXED};
     for (UINT32 I = Chart->Rect.Height; I > 0; I--) {
         Rpm.Blend = Chart->Rpm.BlendGradient[I];
+        Rpm.Whole = ClassOfRow(gPlottedRpm.Extent, I);
         Temperature.Blend = Chart->Temperature.BlendGradient[I];
+        Temperature.Whole = ClassOfRow(gPlottedTemperature.Extent, I);
         ComposeChartRow(Row, Width, Rpm, Temperature);
         Row += Width;
         Rpm.Layer += Width;
@@ -357,8 +391,8 @@ EFI_STATUS DrawLineChart(LINE_CHART* Chart)
         return EFI_NOT_FOUND;
     }
     DrawGrid(Chart);
-    PlotSeries(Chart, &Chart->Rpm, gChartRpmColor);
-    PlotSeries(Chart, &Chart->Temperature, gChartTemperatureColor);
+    PlotSeries(Chart, &Chart->Rpm, gChartRpmColor, &gPlottedRpm);
+    PlotSeries(Chart, &Chart->Temperature, gChartTemperatureColor, &gPlottedTemperature);
     ComposeLayers(Chart);
     DrawMark(Chart);
     return EFI_SUCCESS;

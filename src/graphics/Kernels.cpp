@@ -380,6 +380,18 @@ inline EIGHT_CLASS ClassOfEight(__m128i First, __m128i Second)
     return TopBits(Both) == AllFour && TopBits(_mm_slli_epi32(Either, 1)) == 0 ? EIGHT_FILL : EIGHT_MIXED;
 }
 
+template <typename FILLED> inline VOID FillChartRow(PIXEL* Pixels, UINTN Count, FILLED Filled)
+{
+    UINTN I = 0;
+    for (; I + 8 <= Count; I += 8) {
+        const __m128i First = Filled(FOUR_PIXELS::Load(Pixels + I));
+        const __m128i Second = Filled(FOUR_PIXELS::Load(Pixels + I + 4));
+        FOUR_PIXELS::Store(Pixels + I, First);
+        FOUR_PIXELS::Store(Pixels + I + 4, Second);
+    }
+    ForRow(I, Count, [=](auto Part, UINTN At) { Part.Store(Pixels + At, Filled(Part.Load(Pixels + At))); });
+}
+
 } // namespace
 
 VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
@@ -442,6 +454,16 @@ VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, c
 {
     const SERIES_RULE LowerRule(Lower);
     const SERIES_RULE UpperRule(Upper);
+    if (Lower.Whole != LINE_CHART_MIXED && Upper.Whole != LINE_CHART_MIXED) {
+        if (Lower.Whole == LINE_CHART_FILL && Upper.Whole == LINE_CHART_FILL) {
+            FillChartRow(Pixels, Count, [=](__m128i Ground) { return UpperRule.Filled(LowerRule.Filled(Ground)); });
+        } else if (Lower.Whole == LINE_CHART_FILL) {
+            FillChartRow(Pixels, Count, [=](__m128i Ground) { return LowerRule.Filled(Ground); });
+        } else if (Upper.Whole == LINE_CHART_FILL) {
+            FillChartRow(Pixels, Count, [=](__m128i Ground) { return UpperRule.Filled(Ground); });
+        }
+        return;
+    }
     UINTN I = 0;
     for (; I + 8 <= Count; I += 8) {
         // What is above a curve and what is below it come in long stretches, which need less work or none.

@@ -28,6 +28,7 @@ constexpr float gBlueShare = 0.114f;
 
 // What a pixel of a chart's layer is; it stands in the pixel's reserved byte.
 enum LINE_CHART_CLASS : UINT8 {
+    LINE_CHART_MIXED = 0,    // of no pixel: a row whose pixels aren't alike, or not known to be
     LINE_CHART_LINE = 1,     // on the curve; colour bytes: the series' colour
     LINE_CHART_FILL = 0x80,  // under the curve; colour bytes: the gradient's colour
     LINE_CHART_ABOVE = 0xFE, // above the curve; colour bytes aren't used
@@ -38,6 +39,8 @@ struct CHART_LAYER_ROW {
     const PIXEL* Layer; // its row of the layer; each reserved byte is a LINE_CHART_CLASS
     PIXEL Blend;        // what the fill adds in this row
     PIXEL Line;         // the colour of the curve
+    // LINE_CHART_FILL or LINE_CHART_ABOVE if every pixel of the row is known to be that: then Layer needn't be read.
+    LINE_CHART_CLASS Whole;
 };
 
 // In which heights a pixel column of a chart shows the curve: First to Last is the curve, what is below is fill.

@@ -1,5 +1,6 @@
 // The running chart of a fan: where each sample is drawn, in which colours, and how long the history lives.
 #include <cstring>
+#include <random>
 
 #include "controls/LineChart.h"
 #include "platform/board/FloatMath.h"
@@ -195,7 +196,8 @@ std::vector<std::string> Plot(std::vector<UINT32>& Samples, UINT32 Height, INT32
     for (UINT32 I = 0; I <= Height; I++) {
         Gradient.push_back({static_cast<UINT8>(I), 7, static_cast<UINT8>(I / 256), 0});
     }
-    PlotLineChartSeries(Layer.data(), Gradient.data(), Samples.data(), Width, Height, Maximum, Minimum, Color);
+    PlotLineChartSeries(Layer.data(), Gradient.data(), Samples.data(), Width, Height, Maximum, Minimum, Color,
+                        {1, static_cast<INT32>(Height)});
     std::vector<std::string> Columns(Width);
     for (UINT32 Row = 0; Row < Height; Row++) {
         for (UINT32 Column = 0; Column < Width; Column++) {
@@ -249,6 +251,40 @@ TEST(LineChartPlot, StandsAnySampleSizeAndRange)
             for (const std::string& Column : Plot(Samples, 241, Maximum, Minimum)) {
                 EXPECT_EQ(Column.find('?'), std::string::npos) << Maximum << ", " << Minimum;
             }
+        }
+    }
+}
+
+// Two fans' charts take turns with one layer, as pages do, and what is known of it spares them most of the writing.
+TEST(LineChartPlot, WritesEachPixelThatIsNotWhatItWasWhoeverPlottedLast)
+{
+    gFloatMath = &gBoardFloatMath;
+    constexpr UINT32 Width = 300;
+    constexpr UINT32 Height = 60;
+    std::vector<PIXEL> Gradient(Height + 1);
+    for (UINT32 I = 0; I <= Height; I++) {
+        Gradient[I].Blue = static_cast<UINT8>(I);
+    }
+    std::mt19937 Generator{7};
+    std::vector<UINT32> Fans[2] = {std::vector<UINT32>(Width), std::vector<UINT32>(Width)};
+    std::vector<PIXEL> Shared(Width * Height, PIXEL{1, 2, 3, 4});
+    LINE_CHART_EXTENT Known = {1, Height};
+    UINT32 Level = 50;
+    for (int Step = 0; Step < 2000; Step++) {
+        std::vector<UINT32>& Samples = Fans[Generator() % 8 == 0];
+        Level = Generator() % 50 == 0 ? static_cast<UINT32>(Generator() % 130) : Level; // some above the scale
+        Samples.back() = Level + static_cast<UINT32>(Generator() % 3);
+        std::vector<UINT32> Copy = Samples;
+        std::vector<PIXEL> Fresh(Width * Height);
+        const LINE_CHART_EXTENT Told =
+            PlotLineChartSeries(Fresh.data(), Gradient.data(), Copy.data(), Width, Height, 100, 0, 5, {1, Height});
+        Known = PlotLineChartSeries(Shared.data(), Gradient.data(), Samples.data(), Width, Height, 100, 0, 5, Known);
+        ASSERT_EQ(std::memcmp(Shared.data(), Fresh.data(), Fresh.size() * sizeof(PIXEL)), 0) << "step " << Step;
+        ASSERT_EQ(Samples, Copy);
+        for (UINT32 I = 0; I < Width * Height; I++) {
+            const INT32 At = static_cast<INT32>(Height - I / Width);
+            ASSERT_TRUE(At <= Told.Highest || Fresh[I].Reserved == LINE_CHART_ABOVE) << "step " << Step;
+            ASSERT_TRUE(At >= Told.Lowest || Fresh[I].Reserved == LINE_CHART_FILL) << "step " << Step;
         }
     }
 }

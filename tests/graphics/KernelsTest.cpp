@@ -333,24 +333,29 @@ TEST_F(KernelsTest, ARowOfALayerGivesWhatThePlainTwinGives)
 TEST_F(KernelsTest, ComposingTwoSeriesGivesWhatThePlainTwinGives)
 {
     constexpr UINT8 Classes[] = {LINE_CHART_LINE, LINE_CHART_FILL, LINE_CHART_ABOVE};
+    // Half of the rows that are all fill or all above are told to be.
     const auto Classify = [&](PIXEL* Layer, UINTN Count) {
         FillRandom(Layer, Count);
+        const UINTN Longest = Random(3) == 0 ? Count : Coin() ? 2 : 30;
+        UINT8 Class = LINE_CHART_MIXED;
         for (UINTN I = 0; I < Count;) {
-            const UINT8 Class = Classes[Random(3)];
-            for (UINTN Stretch = 1 + Random(Coin() ? 2 : 30); Stretch > 0 && I < Count; Stretch--) {
+            Class = Classes[Random(3)];
+            for (UINTN Stretch = Longest == Count ? Count : 1 + Random(Longest); Stretch > 0 && I < Count; Stretch--) {
                 Layer[I++].Reserved = Class;
             }
         }
+        const bool Told = Longest == Count && Class != LINE_CHART_LINE && Coin();
+        return static_cast<LINE_CHART_CLASS>(Told ? Class : UINT8{LINE_CHART_MIXED});
     };
     ForCases([&] {
         MakeDestination(Random(120));
         const bool AtEnd = Coin();
         PIXEL* Lower = SrcRoom.Place(DstCount, AtEnd);
         PIXEL* Upper = MoreRoom.Place(DstCount, AtEnd);
-        Classify(Lower, DstCount);
-        Classify(Upper, DstCount);
-        const CHART_LAYER_ROW LowerRow = {Lower, RandomColor(), RandomColor()};
-        const CHART_LAYER_ROW UpperRow = {Upper, RandomColor(), RandomColor()};
+        const LINE_CHART_CLASS LowerWhole = Classify(Lower, DstCount);
+        const LINE_CHART_CLASS UpperWhole = Classify(Upper, DstCount);
+        const CHART_LAYER_ROW LowerRow = {Lower, RandomColor(), RandomColor(), LowerWhole};
+        const CHART_LAYER_ROW UpperRow = {Upper, RandomColor(), RandomColor(), UpperWhole};
         plain::ComposeChartRow(Expected, DstCount, LowerRow, UpperRow);
         ComposeChartRow(Dst, DstCount, LowerRow, UpperRow);
     });
@@ -552,7 +557,8 @@ TEST_F(KernelsTest, APlotDecidesEachPixelByItsColumnAndTheOneBefore)
         const PIXEL Color = RandomColor();
         MakeDestination(static_cast<UINTN>(Width) * Height);
         ReferencePlot(Expected, Src, Moved, Height, Maximum, Minimum, Color);
-        PlotLineChartSeries(Dst, Src, Samples.data(), Width, Height, Maximum, Minimum, PixelWord(Color));
+        PlotLineChartSeries(Dst, Src, Samples.data(), Width, Height, Maximum, Minimum, PixelWord(Color),
+                            {1, static_cast<INT32>(Height)});
         ASSERT_EQ(Moved, Samples);
     });
 }
