@@ -41,6 +41,7 @@ build() {
 }
 
 sweep() { (cd "build/$1" && VENTARA_SWEEP=full ctest -R 'EveryFailure' --timeout 0 -j "$(nproc)" --output-on-failure); }
+kernels() { VENTARA_KERNEL_CASES=2000000 build/release/tests/graphics/kernels_tests; }
 soak() { VENTARA_SOAK_TURNS=$2 "build/$1/tests/faults/faults_tests" --gtest_filter='Soak.*'; }
 
 mkdir -p build
@@ -52,6 +53,8 @@ step soak-release soak release 10000000
 step soak-debug soak debug 200000
 step fuzz tools/fuzz.sh --minutes "$minutes"
 step lint tools/lint.sh
+step kernels kernels
+step instructions tools/callgrind.sh
 step coverage tools/coverage.sh
 
 if [ ${#failed[@]} -gt 0 ]; then
