@@ -3,9 +3,6 @@
 // can't be touched, so that a load or store beyond it stops the program.
 #include <gtest/gtest.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +14,7 @@
 #include "controls/LineChart.h"
 #include "graphics/GraphicProtocol.h"
 #include "tests/graphics/PixelFirmware.h"
+#include "tests/support/GuardedRoom.h"
 
 namespace {
 
@@ -27,34 +25,14 @@ int CaseCount()
     return Text != nullptr ? std::atoi(Text) : 50000;
 }
 
-// Room for pixels between two pages that nobody may touch. Place gives a block of it that touches one of them.
+// Room for pixels that touch a page that nobody may touch.
 class GUARDED_PIXELS {
 public:
-    explicit GUARDED_PIXELS(UINTN MostPixels)
-    {
-        Page = static_cast<UINTN>(sysconf(_SC_PAGESIZE));
-        Bytes = (MostPixels * sizeof(PIXEL) + Page - 1) / Page * Page;
-        Map = static_cast<UINT8*>(
-            mmap(nullptr, Bytes + 2 * Page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        if (Map == MAP_FAILED) {
-            std::abort();
-        }
-        mprotect(Map, Page, PROT_NONE);
-        mprotect(Map + Page + Bytes, Page, PROT_NONE);
-    }
-    ~GUARDED_PIXELS() { munmap(Map, Bytes + 2 * Page); }
-    GUARDED_PIXELS(const GUARDED_PIXELS&) = delete;
-    GUARDED_PIXELS& operator=(const GUARDED_PIXELS&) = delete;
-
-    PIXEL* Place(UINTN Count, bool AtEnd) const
-    {
-        return reinterpret_cast<PIXEL*>(AtEnd ? Map + Page + Bytes - Count * sizeof(PIXEL) : Map + Page);
-    }
+    explicit GUARDED_PIXELS(UINTN MostPixels) : Room(MostPixels * sizeof(PIXEL)) {}
+    PIXEL* Place(UINTN Count, bool AtEnd) const { return Room.Place<PIXEL>(Count, AtEnd); }
 
 private:
-    UINTN Page;
-    UINTN Bytes;
-    UINT8* Map;
+    GUARDED_ROOM Room;
 };
 
 constexpr PIXEL gFew[] = {gKeyColor, {0xFF, 0x00, 0xFF, 0x80}, gBlackPixel, gPanelColor, {0x1F, 0x96, 0x04, 7}};
