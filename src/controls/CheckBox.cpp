@@ -18,7 +18,13 @@ constexpr UINT32 gPlainGap = 5;
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\CheckBox.cpp";
 
+// The pages' links have 22 events together.
+constexpr UINTN gLeftEventLimit = 32;
+
 UINT32 gCheckBoxCount = 0;
+
+static EFI_EVENT gLeftEvents[gLeftEventLimit] = {}; // of the links of destroyed boxes
+static UINTN gLeftEventCount = 0;
 
 static VOID FillSquare(PIXEL* Picture, UINT32 Width, UINT32 Inset, PIXEL Color)
 {
@@ -170,12 +176,22 @@ EFI_STATUS DestroyCheckBox(CHECK_BOX_COMPONENT* Box)
     while (!ListIsEmpty(&Box->Links)) {
         CHECK_BOX_LINK* Link = LinkOf(Box->Links.ForwardLink);
         RemoveEntry(&Link->Link);
+        if (Link->Event != nullptr && gLeftEventCount < gLeftEventLimit) {
+            gLeftEvents[gLeftEventCount++] = Link->Event;
+        }
         FreePool(Link);
         Box->LinkCount--;
     }
     FreePool(Box->Name);
     FreePool(Box);
     return EFI_SUCCESS;
+}
+
+VOID CloseLeftLinkEvents()
+{
+    while (gLeftEventCount > 0) {
+        (void)gBS->CloseEvent(gLeftEvents[--gLeftEventCount]);
+    }
 }
 
 EFI_STATUS AddCheckBoxLink(CHECK_BOX_COMPONENT* Box, VOID* Context, EFI_EVENT_NOTIFY Notify, UINT8 Kind, UINT8* Target,

@@ -294,6 +294,8 @@ extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE
     RunLibraryConstructors(ImageHandle, SystemTable);
     const EFI_STATUS Status = MonitorMain(ImageHandle, SystemTable);
     RunLibraryDestructors(ImageHandle);
+    // The firmware keeps the events of an image that has returned, and would run functions that are gone with it.
+    CloseLeftLinkEvents();
     return Status;
 }
 

@@ -45,11 +45,13 @@ TEST(Start, RunsAMinuteOnEveryBoardAndGivesEverythingBack)
 {
     for (const char* Board : {"full", "kind0", "kind2", "small", "second-source", "bare"}) {
         SCOPED_TRACE(Board);
-        const RUN Run = SCENE(Board).Ticks(300).Play();
+        const RUN Run = SCENE(Board).Ticks(300).Line("start").Turns(5).Play();
         EXPECT_EQ(Run.Session.Status, EFI_SUCCESS);
         const std::vector<CALL_LINE> Return = Run.Named("Return");
-        ASSERT_EQ(Return.size(), 1u);
+        ASSERT_EQ(Return.size(), 2u);
         EXPECT_EQ(Return[0].Number("blocks"), 0u);
+        EXPECT_EQ(Return[1].Number("blocks"), 0u);
+        EXPECT_EQ(Run.Session.OpenEvents, 0u);
     }
 }
 

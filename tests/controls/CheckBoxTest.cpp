@@ -26,7 +26,11 @@ struct CHECK_BOX : TOOLKIT {
         gRan.clear();
         EXPECT_EQ(CreateCheckBox(&Box, nullptr, 286, 232, 19, &gArtworkFileGuid, CHECK_BOX_BMP, 0, 0), EFI_SUCCESS);
     }
-    ~CHECK_BOX() override { (void)DestroyCheckBox(Box); }
+    ~CHECK_BOX() override
+    {
+        (void)DestroyCheckBox(Box);
+        CloseLeftLinkEvents();
+    }
 
     // What the pointer engine does at a click while the pointer is there.
     VOID Click(INT64 X, INT64 Y)
@@ -166,6 +170,22 @@ TEST_F(CHECK_BOX, NamesItselfByTheBoxesBeforeIt)
     EXPECT_EQ(NameOf(Next), u"Check_Box_" + std::u16string(Number.begin(), Number.end()));
     (void)DestroyCheckBox(Captioned);
     (void)DestroyCheckBox(Next);
+}
+
+TEST_F(CHECK_BOX, LeavesTheEventsOfItsLinksToBeClosedLater)
+{
+    const UINTN Before = Boot->Events.Count();
+    CHECK_BOX_COMPONENT* Linked = nullptr;
+    (void)CreateCheckBox(&Linked, nullptr, 1, 1, 19, &gArtworkFileGuid, CHECK_BOX_BMP, 0, 0);
+    for (UINTN I = 0; I < 40; I++) {
+        (void)AddCheckBoxLink(Linked, nullptr, RunLink, CHECK_BOX_LINK_CHECKED, nullptr, 0);
+    }
+    (void)DestroyCheckBox(Linked);
+    EXPECT_EQ(Boot->Events.Count(), Before + 40);
+    CloseLeftLinkEvents();
+    EXPECT_EQ(Boot->Events.Count(), Before + 8) << "more than 32 are let go";
+    CloseLeftLinkEvents();
+    EXPECT_EQ(Boot->Events.Count(), Before + 8) << "each is closed once";
 }
 
 TEST_F(CHECK_BOX, IsNotMadeFromAnUnknownFormat)
