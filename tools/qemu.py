@@ -23,19 +23,25 @@ SECURE_BOOT_PAIR = ("/usr/share/OVMF/OVMF_CODE_4M.secboot.fd", "/usr/share/OVMF/
 SECURE_BOOT_KEY = ("/usr/share/ovmf/PkKek-1-snakeoil.key", "/usr/share/ovmf/PkKek-1-snakeoil.pem")
 SECURE_BOOT_PASSWORD = "snakeoil"
 
-# What stands for a mouse. PS/2 is in every machine; a tablet gives the window a pointer without grabbing it.
-POINTERS = {
-    "ps2": [],
-    "tablet": ["-device", "qemu-xhci", "-device", "usb-tablet"],
-    "mouse": ["-device", "qemu-xhci", "-device", "usb-mouse"],
-}
+# What stands for a mouse and for a keyboard, as USB devices. The PS/2 ones sit at one controller, so a machine has both of
+# them or neither: it has them if one is asked for, and a machine whose mouse is to be missing needs a USB keyboard. A
+# tablet gives the window a pointer without grabbing it.
+POINTERS = {"ps2": [], "tablet": ["usb-tablet"], "mouse": ["usb-mouse"], "none": []}
+KEYBOARDS = {"ps2": [], "usb": ["usb-kbd"], "none": []}
 
-# What stands for a graphics adapter: a usual one, one whose memory is too small for 1024 by 768, or none.
+# What stands for a graphics adapter: a usual one; one whose memory is too small for 1024 by 768; one with three bytes a
+# pixel; one whose picture the firmware alone can reach; two usual ones; two kinds together; or none.
 GRAPHICS = {
-    "std": ["-device", "VGA"],
-    "small": ["-device", "VGA,vgamem_mb=2"],
+    "std": ["VGA"],
+    "small": ["VGA,vgamem_mb=2"],
+    "packed": ["cirrus-vga"],
+    "virtio": ["virtio-gpu-pci"],
+    "two": ["VGA", "secondary-vga"],
+    "mixed": ["VGA", "virtio-gpu-pci"],
     "none": [],
 }
+
+NETWORKS = {"none": [], "e1000": ["e1000,netdev=net"], "virtio": ["virtio-net-pci,netdev=net"]}
 
 
 class MissingTool(Exception):
@@ -57,21 +63,30 @@ def find_firmware():
     raise MissingTool("OVMF, the firmware for QEMU, isn't installed: apt-get install ovmf")
 
 
-def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", graphics="std", secure_boot=False):
+def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", keyboard="ps2", graphics="std",
+                   network="none", secure_boot=False):
     """The command line up to what shows the display. folder takes the copied variable store and the logs."""
     code, variables = SECURE_BOOT_PAIR if secure_boot else find_firmware()
     store = os.path.join(folder, "variables.fd")
     shutil.copyfile(variables, store)
     os.chmod(store, 0o600)
+    machine = f"q35,accel={accel}"
+    if secure_boot:
+        machine += ",smm=on"
+    if "ps2" not in (pointer, keyboard):
+        machine += ",i8042=off"
+    usb = POINTERS[pointer] + KEYBOARDS[keyboard]
+    devices = GRAPHICS[graphics] + (["qemu-xhci"] if usb else []) + usb + NETWORKS[network]
     return [
-        find_qemu(), "-machine", f"q35,accel={accel}" + (",smm=on" if secure_boot else ""), "-m", str(memory), "-nodefaults", "-no-user-config", "-vga", "none",
+        find_qemu(), "-machine", machine, "-m", str(memory), "-nodefaults", "-no-user-config", "-vga", "none",
         "-drive", f"if=pflash,format=raw,unit=0,readonly=on,file={code}",
         "-drive", f"if=pflash,format=raw,unit=1,file={store}",
         "-drive", f"if=ide,format=raw,snapshot=on,file={image}",
         "-debugcon", f"file:{os.path.join(folder, 'debug.log')}", "-global", "isa-debugcon.iobase=0x402",
         "-serial", f"file:{os.path.join(folder, 'serial.log')}",
         "-qmp", f"unix:{os.path.join(folder, 'qmp.sock')},server=on,wait=off",
-        *GRAPHICS[graphics], *POINTERS[pointer],
+        *(["-netdev", "user,id=net,restrict=on"] if NETWORKS[network] else []),
+        *(argument for device in devices for argument in ("-device", device)),
         # Only the firmware itself may write the variable store, or Secure Boot would be a word.
         *(["-global", "driver=cfi.pflash01,property=secure,value=on"] if secure_boot else []),
     ]

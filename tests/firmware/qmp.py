@@ -134,17 +134,19 @@ def _read_png(data):
 class Machine:
     """One boot of an image. Always closed, and with it its QEMU, also when a test fails."""
 
-    def __init__(self, image, pointer="ps2", graphics="std", memory=256, accel=None, secure_boot=False, show_log=True):
+    def __init__(self, image, pointer="ps2", keyboard="ps2", accel=None, show_log=True, **machine):
+        """machine is what qemu.make_arguments takes besides."""
         self.folder = tempfile.mkdtemp(prefix="ventara-boot-")
         self.show_log = show_log
         self.pointer = pointer
+        self.keyboard = keyboard
         self.process = None
         self.qmp = None
         self.position = None  # where the console's pointer is, once it is known
         self.mark = 0  # the debug log is waited in from here on
         try:
-            arguments = qemu.make_arguments(image, self.folder, memory=memory, pointer=pointer, graphics=graphics,
-                                            accel=accel or os.environ.get("VENTARA_ACCEL", "tcg"), secure_boot=secure_boot)
+            arguments = qemu.make_arguments(image, self.folder, pointer=pointer, keyboard=keyboard,
+                                            accel=accel or os.environ.get("VENTARA_ACCEL", "tcg"), **machine)
             # QEMU ends with the test even if the test is killed.
             self.process = subprocess.Popen(arguments + ["-display", "none"], stdin=subprocess.DEVNULL,
                                             stderr=subprocess.PIPE, text=True, preexec_fn=_die_with_parent)
@@ -158,7 +160,7 @@ class Machine:
 
     def __exit__(self, kind, value, trace):
         if kind is not None and self.show_log:
-            print("debug log of the machine:\n" + self.log(), file=sys.stderr)
+            print(f"debug log of the machine:\n{self.log()}\nserial log:\n{self.log('serial.log')}", file=sys.stderr)
         refused = [line for line in self.log().splitlines() if "ventara: board refused" in line]
         self.close()
         if kind is None and refused:  # whatever a test is about, no fan may get an illegal setting
@@ -214,9 +216,9 @@ class Machine:
 
     # --- Progress ---
 
-    def log(self):
+    def log(self, name="debug.log"):
         try:
-            with open(os.path.join(self.folder, "debug.log"), encoding="latin-1") as file:
+            with open(os.path.join(self.folder, name), encoding="latin-1") as file:
                 return file.read()
         except FileNotFoundError:
             return ""

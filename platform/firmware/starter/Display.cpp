@@ -26,8 +26,25 @@ EFI_GRAPHICS_OUTPUT_PROTOCOL* gGraphics;
 PIXEL* gPicture; // null until there is memory for it
 bool gReady;     // the display is in the console's mode
 
+// Whether the picture lies in memory with four bytes a pixel. By masks a pixel has as many bytes as the highest bit of
+// any of them asks for.
+bool HasWidePixels(const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode)
+{
+    const EFI_PIXEL_BITMASK& Masks = Mode->PixelInformation;
+    switch (Mode->PixelFormat) {
+    case PixelRedGreenBlueReserved8BitPerColor:
+    case PixelBlueGreenRedReserved8BitPerColor:
+        return true;
+    case PixelBitMask:
+        return ((Masks.RedMask | Masks.GreenMask | Masks.BlueMask | Masks.ReservedMask) & 0xff000000) != 0;
+    case PixelBltOnly:
+        break;
+    }
+    return false;
+}
+
 // How well a mode serves, 0 for not at all. The console copies the frame buffer as it lies in memory, so the pixels
-// should lie there as it reads them: rows back to back, blue first.
+// should lie there as it reads them: four bytes each, rows back to back, blue first.
 UINTN RateMode(const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode)
 {
     if (Mode->HorizontalResolution != BOOT_SCREEN_WIDTH || Mode->VerticalResolution != BOOT_SCREEN_HEIGHT) {
@@ -41,6 +58,9 @@ UINTN RateMode(const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode)
     }
     if (Mode->PixelsPerScanLine == BOOT_SCREEN_WIDTH) {
         Rating += 4;
+    }
+    if (HasWidePixels(Mode)) {
+        Rating += 8;
     }
     return Rating;
 }
@@ -117,7 +137,7 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable)
         return DISPLAY_NO_MODE;
     }
     const EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* Mode = gGraphics->Mode;
-    if (Mode->FrameBufferBase == 0 || Mode->Info->PixelsPerScanLine != BOOT_SCREEN_WIDTH) {
+    if (Mode->FrameBufferBase == 0 || Mode->Info->PixelsPerScanLine != BOOT_SCREEN_WIDTH || !HasWidePixels(Mode->Info)) {
         return DISPLAY_NO_FRAME_BUFFER;
     }
     if (gPicture == nullptr) {

@@ -11,7 +11,7 @@ enum DISPLAY_RESULT : UINT8 {
     DISPLAY_READY,
     DISPLAY_NO_GRAPHICS,    // the firmware has no graphics output
     DISPLAY_NO_MODE,        // no mode of 1024 by 768, or the firmware can't set it
-    DISPLAY_NO_FRAME_BUFFER, // the mode has no picture in memory, laid out row after row
+    DISPLAY_NO_FRAME_BUFFER, // the mode has no picture in memory, row after row with four bytes a pixel
     DISPLAY_NO_MEMORY,
 };
 

@@ -93,8 +93,8 @@ bool PrepareDisplay()
         break;
     case DISPLAY_NO_FRAME_BUFFER:
         AddParagraph(&Page, u"In the mode of 1024 by 768 pixels this graphics adapter doesn't show its picture in memory "
-                            u"row after row, and the console reads it there. Connect the display to another graphics "
-                            u"adapter and start again.");
+                            u"row after row with four bytes a pixel, and the console reads it there. Connect the display "
+                            u"to another graphics adapter and start again.");
         break;
     case DISPLAY_NO_MEMORY:
         AddParagraph(&Page, u"There is not enough memory for the picture of the screen. Give the machine more memory and "
