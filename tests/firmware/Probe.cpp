@@ -6,6 +6,7 @@
 #include "platform/firmware/starter/Volume.h"
 #include "platform/firmware/uefi/UsbIo.h"
 #include "shell/Services.h"
+#include "tests/firmware/Inventory.h"
 #include "uefi/GraphicsOutput.h"
 
 namespace {
@@ -81,49 +82,11 @@ VOID TryConsoleWithoutBoard()
     (void)gTable->BootServices->FreePool(After);
 }
 
-// Pages that nobody holds.
-UINTN CountFreePages()
-{
-    EFI_BOOT_SERVICES* Boot = gTable->BootServices;
-    UINTN Size = 0;
-    UINTN Key = 0;
-    UINTN DescriptorSize = 0;
-    UINT32 Version = 0;
-    (void)Boot->GetMemoryMap(&Size, nullptr, &Key, &DescriptorSize, &Version);
-    Size += 16 * DescriptorSize;
-    auto* Map = static_cast<UINT8*>(AllocateBlock(Size));
-    UINTN Pages = 0;
-    if (Map != nullptr && !EfiError(Boot->GetMemoryMap(&Size, reinterpret_cast<EFI_MEMORY_DESCRIPTOR*>(Map), &Key,
-                                                       &DescriptorSize, &Version))) {
-        for (UINTN At = 0; At + DescriptorSize <= Size; At += DescriptorSize) {
-            const auto* Descriptor = reinterpret_cast<const EFI_MEMORY_DESCRIPTOR*>(Map + At);
-            if (Descriptor->Type == EfiConventionalMemory) {
-                Pages += Descriptor->NumberOfPages;
-            }
-        }
-    }
-    if (Map != nullptr) {
-        (void)Boot->FreePool(Map);
-    }
-    return Pages;
-}
-
-UINTN CountHandles(const EFI_GUID* Protocol)
-{
-    UINTN Count = 0;
-    EFI_HANDLE* Handles = nullptr;
-    if (EfiError(gTable->BootServices->LocateHandleBuffer(ByProtocol, Protocol, nullptr, &Count, &Handles))) {
-        return 0;
-    }
-    (void)gTable->BootServices->FreePool(Handles);
-    return Count;
-}
-
 VOID ReportServices(const CHAR8* When)
 {
     UINTN Present = 0;
     for (const SERVICE& Service : gServices) {
-        UINTN Count = CountHandles(Service.Guid);
+        UINTN Count = CountHandles(gTable->BootServices, Service.Guid);
         Present += Count;
         if (Count > 1) {
             Report("probe: more than one ");
@@ -140,7 +103,7 @@ VOID ReportServices(const CHAR8* When)
 
 VOID TryDriver()
 {
-    UINTN Bindings = CountHandles(&gEfiDriverBindingProtocolGuid);
+    UINTN Bindings = CountHandles(gTable->BootServices, &gEfiDriverBindingProtocolGuid);
     EFI_HANDLE Driver = nullptr;
     ReportStatus("probe: driver started: ", RunImage(u"\\ventara-board.efi", &Driver));
     ReportServices("while loaded");
@@ -150,10 +113,10 @@ VOID TryDriver()
     ReportStatus("probe: driver unloaded: ", gTable->BootServices->UnloadImage(Driver));
     ReportServices("after unloading");
     Report("probe: drivers left behind: ");
-    ReportDecimal(CountHandles(&gEfiDriverBindingProtocolGuid) - Bindings);
+    ReportDecimal(CountHandles(gTable->BootServices, &gEfiDriverBindingProtocolGuid) - Bindings);
     Report("\n");
     Report("probe: free pages: ");
-    ReportDecimal(CountFreePages());
+    ReportDecimal(CountFreePages(gTable->BootServices));
     Report("\n");
 }
 

@@ -1,0 +1,127 @@
+#!/usr/bin/env python3
+"""Boots the firmware images on machines that lack something or have more than usual, starts the console many times in one
+boot, and tries hardened images.
+
+It takes the environment of boot_test.py. VENTARA_STARTS says how often Starts starts the console (100), and
+VENTARA_HARDENED where hardened images are (build/hardened).
+"""
+import os
+import sys
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, HERE)
+import boot_test  # noqa: E402
+from boot_test import BootCase, READOUTS, ROOT, keep, shows_other_page  # noqa: E402
+from console_screen import MACHINES, UNTOUCHED, leave_console, see_console  # noqa: E402
+import qemu  # noqa: E402
+from qmp import Machine  # noqa: E402
+
+HARDENED = os.environ.get("VENTARA_HARDENED", os.path.join(ROOT, "build", "hardened"))
+
+
+class MachineCase(BootCase):
+    def see_console(self, machine, name):
+        return keep(see_console(machine, self.hosted_picture(UNTOUCHED)), name.replace(" ", "-"))
+
+    def try_machine(self, name):
+        with Machine(self.make_image(), **MACHINES[name]) as machine:
+            self.see_console(machine, name)
+            self.assertEqual(leave_console(machine), "Success")
+
+
+class Machines(MachineCase):
+    def test_without_a_mouse_the_keyboard_is_enough(self):
+        self.try_machine("no mouse")
+
+    def test_without_a_keyboard_the_pointer_is_enough(self):
+        self.try_machine("no keyboard")
+
+    def test_with_two_displays_the_console_is_on_the_first(self):
+        self.try_machine("two displays")
+
+    def test_with_a_full_variable_store_the_console_works_and_forgets_its_view(self):
+        with Machine(self.make_image(starter="ventara-fill.efi", extra=(("BOOTX64.efi", "start.efi"),))) as machine:
+            for kind in ("kept", "lost at a reset"):
+                self.assertGreater(int(machine.wait_for(f"fill: {kind}: ")), 1024)
+            first = self.see_console(machine, "full store")
+            machine.click(420, 140)  # another page
+            machine.look_until(lambda now: shows_other_page(now, first), what="another page")
+            self.assertEqual(leave_console(machine), "Success")
+            machine.key("ret")
+            machine.wait_for_console()
+            self.assertFalse(shows_other_page(machine.look(), first), "the page was kept in a full store")
+            self.assertEqual(leave_console(machine), "Success")
+
+
+class MoreMachines(MachineCase):
+    def test_the_console_comes_up_and_leaves_on_every_machine(self):
+        for name in MACHINES:
+            with self.subTest(name):
+                self.try_machine(name)
+
+    def test_with_neither_keyboard_nor_mouse_the_readings_go_on(self):
+        with Machine(self.make_image(), keyboard="none", pointer="none") as machine:
+            first = self.see_console(machine, "neither")
+            machine.look_until(lambda now: any(not now.crop(*box).same(first.crop(*box)) for box in READOUTS),
+                               what="another reading")
+
+    def test_the_console_comes_up_on_each_graphics_adapter(self):
+        for device in ("bochs-display", "qxl-vga", "ramfb", "virtio-vga", "vmware-svga"):
+            with self.subTest(device):
+                qemu.GRAPHICS[device] = [device]
+                with Machine(self.make_image(), graphics=device) as machine:
+                    self.see_console(machine, device)
+                    self.assertEqual(leave_console(machine), "Success")
+
+
+class Starts(BootCase):
+    def test_start_after_start_leaves_pages_handles_and_events_as_they_were(self):
+        starts = int(os.environ.get("VENTARA_STARTS", "100"))
+        with Machine(self.make_image(starter="ventara-soak.efi")) as machine:
+            self.assertEqual(machine.wait_for("soak: driver: "), "Success")
+            rows = []
+            for start in range(starts + 2):
+                words = machine.wait_for(f"soak: start {start}: ").split()
+                rows.append({words[at]: words[at + 1] for at in range(0, len(words), 2)})
+                row = rows[-1]
+                if start > 0:
+                    self.assertEqual(row["returned"], "Success")
+                    self.assertGreater(int(row["turns"]), 0)
+                    self.assertGreater(int(row["created"]), int(rows[-2]["created"]), "events aren't counted")
+                self.assertEqual(row["handles"], rows[0]["handles"], f"start {start}")
+                self.assertEqual(row["created"], row["closed"], f"start {start}")
+            # The first start of a boot makes the firmware's own pool larger.
+            self.assertEqual({row["pages"] for row in rows[1:]}, {rows[1]["pages"]})
+            print(f"{starts} starts: pages, handles, events", [(rows[at]["pages"], rows[at]["handles"],
+                  int(rows[at]["created"]) - int(rows[at]["closed"])) for at in (0, 1, -1)], rows[-1]["created"],
+                  "events made", file=sys.stderr)
+
+
+class Hardened(BootCase):
+    """Images built with VENTARA_HARDEN; the other cases are run with them by VENTARA_FIRMWARE."""
+
+    def test_what_goes_wrong_stops_the_machine_with_a_line(self):
+        for key, words in (("s", "a written-over stack"), ("u", "undefined behaviour 0x0"),
+                           ("a", "undefined behaviour 0x12")):
+            image = self.make_image(starter=os.path.join(HARDENED, "ventara-break.efi"), console=None, driver=None)
+            with self.subTest(words), Machine(image) as machine:
+                machine.wait_for("break: ready")
+                machine.key(key)
+                self.assertRegex(machine.wait_for("ventara: stopped by "), f"^{words}( 0x[0-9a-f]+)? at 0x[0-9a-f]+$")
+                self.assertNotIn("break: not stopped", machine.log())
+
+    def test_as_released_nothing_of_it_is_in_the_images(self):
+        for name in ("ventara.efi", "ventara-board.efi", "BOOTX64.efi"):
+            for folder, wanted in ((HARDENED, True), (boot_test.FIRMWARE, False)):
+                with open(os.path.join(folder, name), "rb") as file:
+                    self.assertEqual(b"a written-over stack" in file.read(), wanted, f"{folder}/{name}")
+
+
+if __name__ == "__main__":
+    try:
+        qemu.find_qemu()
+        qemu.find_firmware()
+    except qemu.MissingTool as problem:
+        sys.exit(str(problem))
+    unittest.main(verbosity=2)
