@@ -1,27 +1,30 @@
 #!/usr/bin/env bash
-# What takes too long for each change: every failure of every scenario, long use, long fuzzing, coverage and checkers.
+# What takes too long for each change: every failure of every scenario, long use, many boots, long fuzzing, coverage and
+# checkers.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
 usage() {
   cat <<'TEXT'
-usage: ./ventara nightly [--minutes N]
+usage: ./ventara nightly [--minutes N] [--boots N]
 
 Tries every allocation and every call that can fail in every scenario, with and without sanitizers; uses the console for
-ten million turns; fuzzes each target for N minutes (20); runs the checkers; and measures coverage. Takes hours. What
-went wrong is told at the end; the logs are in build/nightly-*.log. What it found so far: docs/reliability.md.
+ten million turns; boots it on machines of all kinds, starts it a hundred times in one boot, runs it hardened, and boots
+it N times in a row (200); fuzzes each target for N minutes (20); runs the checkers; and measures coverage. Takes hours.
+What went wrong is told at the end; the logs are in build/nightly-*.log. What it found so far: docs/reliability.md.
 TEXT
 }
 
 say() { printf 'ventara: %s\n' "$*" >&2; }
 
 minutes=20
+boots=200
 while [ $# -gt 0 ]; do
   case "$1" in
     --help | -h) usage; exit 0 ;;
-    --minutes)
-      [[ "${2:-}" =~ ^[0-9]+$ ]] || { say "--minutes wants a number"; exit 2; }
-      minutes=$2
+    --minutes | --boots)
+      [[ "${2:-}" =~ ^[0-9]+$ ]] || { say "$1 wants a number"; exit 2; }
+      declare "${1#--}=$2"
       shift 2 ;;
     *) usage >&2; say "unknown option '$1'"; exit 2 ;;
   esac
@@ -44,13 +47,34 @@ sweep() { (cd "build/$1" && VENTARA_SWEEP=full ctest -R 'EveryFailure' --timeout
 kernels() { VENTARA_KERNEL_CASES=2000000 build/release/tests/graphics/kernels_tests; }
 soak() { VENTARA_SOAK_TURNS=$2 "build/$1/tests/faults/faults_tests" --gtest_filter='Soak.*'; }
 
+# The firmware images, and the same ones hardened.
+build_firmware() {
+  local folder=$1
+  shift
+  [ -f "build/$folder/build.ninja" ] || cmake -S platform/firmware -B "build/$folder" -G Ninja \
+    --toolchain "$PWD/cmake/firmware-toolchain.cmake" "$@" >/dev/null
+  cmake --build "build/$folder" -j "$(nproc)" >/dev/null
+}
+hardened() {
+  python3 tests/firmware/machines_test.py Hardened &&
+    VENTARA_FIRMWARE=$PWD/build/hardened python3 tests/firmware/boot_test.py ConsoleOnFirmware Tour &&
+    VENTARA_FIRMWARE=$PWD/build/hardened VENTARA_STARTS=20 python3 tests/firmware/machines_test.py Starts
+}
+
 mkdir -p build
 build release
+cmake --build --preset release -j "$(nproc)" --target ventara ventara-console >/dev/null
+build_firmware firmware
+build_firmware hardened -DVENTARA_HARDEN=ON
 build debug
 step sweep-release sweep release
 step sweep-debug sweep debug
 step soak-release soak release 10000000
 step soak-debug soak debug 200000
+step machines python3 tests/firmware/machines_test.py MoreMachines
+step starts python3 tests/firmware/machines_test.py Starts
+step hardened hardened
+step boots tools/boots.py --boots "$boots"
 step fuzz tools/fuzz.sh --minutes "$minutes"
 step lint tools/lint.sh
 step kernels kernels
