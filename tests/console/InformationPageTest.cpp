@@ -93,7 +93,8 @@ TEST(InformationPage, IsClosedByEnterEscapeTheRightButtonAndOkAndGivesTheScreenB
         Scene.Turns(3).Screenshot("open");
         const UINT64 Open = Scene.TurnsSoFar;
         if (Way == "right") {
-            Scene.Line("right down").Turns().Line("right up");
+            // The next read of the pointer brings nothing, so that the button which closed the page isn't seen to rise.
+            Scene.Line("right down").Turns().Line("right up").Line("fail GetCursorState NOT_READY");
         } else if (Way == "ok") {
             Scene.Move(447, 350).Press().Line("left up").Line("pointer 790 95");
         } else {
@@ -101,11 +102,12 @@ TEST(InformationPage, IsClosedByEnterEscapeTheRightButtonAndOkAndGivesTheScreenB
         }
         const UINT64 Closed = Way == "ok" ? Open + 2 : Open + 1;
         Scene.Turns(1).Line("reading 0 live").Line("reading 4 live").Screenshot("after").Turns(3);
-        // The pointer brings out of the stored screen what it leaves: left of the chart, which goes on.
-        Scene.Move(320, 300).Turns(3).Move(gAboutX, gButtonY).Turns(3).Screenshot("passed").Turns();
+        // The pointer brings out of the stored screen what it leaves: here, where the page's first line of text was, left
+        // of the chart, which goes on.
+        Scene.Move(330, 256).Turns(3).Move(gAboutX, gButtonY).Turns(3).Screenshot("passed").Turns();
         const RUN Run = Scene.Play();
 
-        EXPECT_FALSE(SameRectangle(Run.Picture("before"), Run.Picture("open"), 300, 240, 295, 137));
+        EXPECT_FALSE(SameRectangle(Run.Picture("before"), Run.Picture("open"), 330, 256, 16, 24));
         EXPECT_TRUE(SameRectangle(Run.Picture("before"), Run.Picture("after"), 274, 220, 690, 328));
         EXPECT_TRUE(SameRectangle(Run.Picture("before"), Run.Picture("passed"), 300, 240, 80, 137));
         for (UINT64 Turn = Open - 3; Turn <= Closed; Turn++) {
