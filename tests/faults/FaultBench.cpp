@@ -234,7 +234,11 @@ SWEEP_RESULT Play(const SCENARIO& Scenario, const FAILURE_PLAN& Plan, bool KeepD
     return Splitter.Result;
 }
 
-bool IsSwept(UINT64 FirstTurn) { return gBoot->Trace.Start > 1 || gBoot->Trace.Turn >= FirstTurn; }
+bool IsSwept(const TURNS& Turns)
+{
+    const UINT64 Turn = gBoot->Trace.Turn;
+    return gBoot->Trace.Start > 1 ? Turns.Last == gToTheEnd : Turn >= Turns.First && Turn <= Turns.Last;
+}
 
 // A moment of a session: during the given turn of a start.
 struct MOMENT {
@@ -273,7 +277,7 @@ std::string Here() { return " in start " + std::to_string(Now().Start) + ", turn
 
 struct ALLOCATION_SWEEP {
     SPLITTER Splitter;
-    UINT64 FirstTurn;
+    TURNS Turns;
     bool AllThatFollow;
     UINTN ComparedRows;
     MOMENT LastRepaired; // up to here, the settling that follows makes the picture whole
@@ -286,7 +290,7 @@ struct ALLOCATION_SWEEP {
         if (Splitter.IsCopy) {
             return AllThatFollow;
         }
-        if (!IsSwept(FirstTurn) || Splitter.Result.Places++ % Parts != Part) {
+        if (!IsSwept(Turns) || Splitter.Result.Places++ % Parts != Part) {
             return false;
         }
         return Splitter.Split("allocation " + std::to_string(Splitter.Result.Places) + Here(),
@@ -298,7 +302,7 @@ struct ALLOCATION_SWEEP {
 
 struct CALL_SWEEP {
     SPLITTER Splitter;
-    UINT64 FirstTurn;
+    TURNS Turns;
     UINT64 AtMost;
     bool Counting = true;
     UINT64 Calls[CALL_COUNT] = {};  // of the whole run
@@ -310,7 +314,7 @@ struct CALL_SWEEP {
     }
     bool Decide(CALL Call, EFI_STATUS* Status, bool* Garbage)
     {
-        if (Splitter.IsCopy || !IsSwept(FirstTurn)) {
+        if (Splitter.IsCopy || !IsSwept(Turns)) {
             return false;
         }
         if (Counting) {
@@ -405,18 +409,18 @@ std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESUL
     return Faults;
 }
 
-SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, UINT64 FirstTurn, bool AllThatFollow, bool SamePicture,
+SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, const TURNS& Turns, bool AllThatFollow, bool SamePicture,
                               UINT64 Part, UINT64 Parts)
 {
     const UINTN Rows = SamePicture ? Scenario.ComparedRows : 0;
-    ALLOCATION_SWEEP Sweep = {{}, FirstTurn, AllThatFollow, Rows, BeforeSettling(Scenario.Script), Part, Parts};
+    ALLOCATION_SWEEP Sweep = {{}, Turns, AllThatFollow, Rows, BeforeSettling(Scenario.Script), Part, Parts};
     return Play(Scenario, {.Call = nullptr, .Allocation = ALLOCATION_SWEEP::Decide, .Context = &Sweep}, SamePicture,
                 Sweep.Splitter);
 }
 
-SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, UINT64 FirstTurn, UINT64 AtMost)
+SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, const TURNS& Turns, UINT64 AtMost)
 {
-    CALL_SWEEP Sweep = {{}, FirstTurn, AtMost};
+    CALL_SWEEP Sweep = {{}, Turns, AtMost};
     const FAILURE_PLAN Plan = {.Call = CALL_SWEEP::Decide, .Allocation = nullptr, .Context = &Sweep};
     SESSION_OPTIONS Options = OptionsOf(Scenario);
     Options.Failures = Plan;

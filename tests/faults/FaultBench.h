@@ -39,22 +39,30 @@ struct EXPECTATION {
 // but no pool is left, no event, and the firmware has nothing to complain of, a record least of all that no fan may get.
 std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference, const EXPECTATION& Expected);
 
+// Turns of the first start, the first and the last of them included; 0 is the time in which the console starts. Further
+// starts are swept too where the last is gToTheEnd.
+constexpr UINT64 gToTheEnd = ~0ull;
+struct TURNS {
+    UINT64 First;
+    UINT64 Last;
+};
+
 struct SWEEP_RESULT {
     UINT64 Places = 0; // where a failure was possible
     UINT64 Tried = 0;
     std::vector<std::string> Faults; // of each place where something went wrong, a line
 };
 
-// Each allocation from turn FirstTurn of the first start on fails: alone, or with all that follow it. Of the places, those
-// are tried whose number leaves Part when divided by Parts.
+// Each allocation in those turns fails: alone, or with all that follow it. Of the places, those are tried whose number
+// leaves Part when divided by Parts.
 // With SamePicture the rows compared must be whole at the end wherever the failure came before the scenario's settling.
-SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, UINT64 FirstTurn, bool AllThatFollow, bool SamePicture,
+SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, const TURNS& Turns, bool AllThatFollow, bool SamePicture,
                               UINT64 Part, UINT64 Parts);
 
-// The calls of an operation fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation; where
+// The calls in those turns fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation; where
 // the run has few calls of an operation, and AtMost isn't even less, each of them with all. About AtMost calls of one
 // operation are tried, evenly spread over the run; 0: all.
-SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, UINT64 FirstTurn, UINT64 AtMost);
+SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, const TURNS& Turns, UINT64 AtMost);
 
 // Every call of an operation fails, from the first on: for each operation with each status that it may give and one that
 // it may not, outputs untouched and garbage.

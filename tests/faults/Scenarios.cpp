@@ -28,9 +28,11 @@ namespace {
 
 constexpr UINTN gGaugeTop = 624; // first row of the voltage gauges
 
-#define SHORT_USE                                                                                                    \
+#define USE_OF_CONTROLS                                                                                              \
     "pointer 512 400\ntick 2\n" CLICK(420, 150) CLICK(296, 242) CLICK(800, 150) DRAG(397, 400, 397, 320)             \
-    CLICK(320, 150) DRAG(397, 457, 427, 427) "key f\nturn\nkey d\nturn\n" CLICK(71, 349)                             \
+    CLICK(320, 150) DRAG(397, 457, 427, 427) "key f\nturn\nkey d\nturn\n" CLICK(71, 349)
+#define SHORT_USE                                                                                                    \
+    USE_OF_CONTROLS                                                                                                  \
     "pointer 805 94\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 4\nkey enter\nturn 4\ntick 2\n"
 
 } // namespace
@@ -59,7 +61,7 @@ const SCENARIO gUses[] = {
     {"HelpPage", "full", 0, FIRST_LINES CLICK(887, 94) "pointer 512 400\nturn 3\nkey enter\nturn 5\n" SETTLE, gGaugeTop},
     {"Keys", "full", 0, FIRST_LINES "key f\nturn 2\nkey d\nturn 2\nkey c\nturn 2\n" SETTLE},
     {"Watching", "full", 0, "turn 2\npointer 1020 765\ntick 40\npointer 0 0\nturn 3\npointer 1023 767\nturn 3\n" SETTLE},
-    {"Restart", "full", 0, FIRST_LINES CLICK(420, 150) "key esc\nturn\nstart\ntick 3\n" SHORT_USE SETTLE, gGaugeTop},
+    {"Restart", "full", 0, FIRST_LINES CLICK(420, 150) "key esc\nturn\nstart\ntick 3\n" USE_OF_CONTROLS SETTLE, gGaugeTop},
 };
 const UINTN gUseCount = std::size(gUses);
 
