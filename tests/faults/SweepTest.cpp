@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <malloc.h>
 
 #include "tests/faults/FaultBench.h"
 
@@ -49,10 +48,6 @@ UINT64 CallsAtMost()
 // everything is: the uses have the same.
 TURNS TurnsOfAStart() { return {0, SweepsAll() ? gToTheEnd : 0}; }
 constexpr TURNS gTurnsOfAUse = {1, gToTheEnd};
-
-// Blocks as large as a picture come from the heap too: mapping them anew each time takes longer than all else.
-[[maybe_unused]] const int gLargestHeapBlock = mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);
-[[maybe_unused]] const int gKeptHeap = mallopt(M_TRIM_THRESHOLD, 512 * 1024 * 1024);
 
 VOID Expect(const SWEEP_RESULT& Result)
 {
