@@ -1,9 +1,12 @@
 // A test image that stands in the starter's place: it starts the console again and again in one boot and says after each
 // return what the firmware holds. Each start has a few commands typed and then Escape, by a keyboard of this image's own.
+// Of the first start it says too what the console asked of the firmware until its first picture stood.
 #include "platform/firmware/Report.h"
 #include "platform/firmware/starter/Display.h"
 #include "platform/firmware/starter/Volume.h"
+#include "platform/firmware/uefi/LoadedImage.h"
 #include "tests/firmware/Inventory.h"
+#include "uefi/GraphicsOutput.h"
 
 namespace {
 
@@ -18,8 +21,89 @@ decltype(EFI_BOOT_SERVICES::CloseEvent) gCloseEvent;
 volatile UINT64 gCreated;
 volatile UINT64 gClosed;
 
+// --- What the console itself calls until it first waits ---
+
+enum COUNTED_CALL { COUNTED_BLT, COUNTED_POOL, COUNTED_FREE, COUNTED_EVENT, COUNTED_LOCATE, COUNTED_CALLS };
+constexpr const CHAR8* gCallNames[COUNTED_CALLS] = {"Blt ", " AllocatePool ", " FreePool ", " CreateEvent ",
+                                                    " LocateProtocol "};
+
+decltype(EFI_BOOT_SERVICES::AllocatePool) gAllocatePool;
+decltype(EFI_BOOT_SERVICES::FreePool) gFreePool;
+decltype(EFI_BOOT_SERVICES::LocateProtocol) gLocateProtocol;
+decltype(EFI_BOOT_SERVICES::WaitForEvent) gWaitForEvent;
+decltype(EFI_GRAPHICS_OUTPUT_PROTOCOL::Blt) gBlt;
+const UINT8* gConsoleBase;
+UINTN gConsoleSize;
+bool gCounts;
+volatile UINT64 gCalls[COUNTED_CALLS];
+
+// Firmware and drivers call through the same table; only calls from inside the console's image count.
+VOID Count(COUNTED_CALL Call, const VOID* Caller)
+{
+    const UINT8* From = static_cast<const UINT8*>(Caller);
+    if (gCounts && From >= gConsoleBase && From < gConsoleBase + gConsoleSize) {
+        gCalls[Call] = gCalls[Call] + 1;
+    }
+}
+
+EFI_STATUS AllocateCounted(EFI_MEMORY_TYPE Type, UINTN Size, VOID** Buffer)
+{
+    Count(COUNTED_POOL, __builtin_return_address(0));
+    return gAllocatePool(Type, Size, Buffer);
+}
+
+EFI_STATUS FreeCounted(VOID* Buffer)
+{
+    Count(COUNTED_FREE, __builtin_return_address(0));
+    return gFreePool(Buffer);
+}
+
+EFI_STATUS LocateCounted(const EFI_GUID* Protocol, VOID* Registration, VOID** Interface)
+{
+    Count(COUNTED_LOCATE, __builtin_return_address(0));
+    return gLocateProtocol(Protocol, Registration, Interface);
+}
+
+EFI_STATUS BltCounted(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer,
+                      EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY, UINTN DestinationX,
+                      UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta)
+{
+    Count(COUNTED_BLT, __builtin_return_address(0));
+    return gBlt(This, Buffer, Operation, SourceX, SourceY, DestinationX, DestinationY, Width, Height, Delta);
+}
+
+EFI_STATUS WaitAfterCounting(UINTN Number, EFI_EVENT* Events, UINTN* Index)
+{
+    gCounts = gCounts && (__builtin_return_address(0) < gConsoleBase ||
+                          __builtin_return_address(0) >= gConsoleBase + gConsoleSize);
+    return gWaitForEvent(Number, Events, Index);
+}
+
+VOID CountCallsOf(EFI_HANDLE Image)
+{
+    VOID* Interface = nullptr;
+    if (!EfiError(gTable->BootServices->HandleProtocol(Image, &gEfiLoadedImageProtocolGuid, &Interface))) {
+        const auto* Loaded = static_cast<EFI_LOADED_IMAGE_PROTOCOL*>(Interface);
+        gConsoleBase = static_cast<const UINT8*>(Loaded->ImageBase);
+        gConsoleSize = Loaded->ImageSize;
+        gCounts = true;
+    }
+}
+
+VOID ReportCalls()
+{
+    gCounts = false;
+    Report("soak: calls: ");
+    for (UINTN Call = 0; Call < COUNTED_CALLS; Call++) {
+        Report(gCallNames[Call]);
+        ReportDecimal(gCalls[Call]);
+    }
+    Report("\n");
+}
+
 EFI_STATUS CreateCountedEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context, EFI_EVENT* Event)
 {
+    Count(COUNTED_EVENT, __builtin_return_address(0));
     const EFI_STATUS Status = gCreateEvent(Type, NotifyTpl, Notify, Context, Event);
     if (!EfiError(Status)) {
         gCreated = gCreated + 1;
@@ -30,6 +114,7 @@ EFI_STATUS CreateCountedEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY N
 EFI_STATUS CreateCountedEventEx(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, const VOID* Context,
                                 const EFI_GUID* Group, EFI_EVENT* Event)
 {
+    Count(COUNTED_EVENT, __builtin_return_address(0));
     const EFI_STATUS Status = gCreateEventEx(Type, NotifyTpl, Notify, Context, Group, Event);
     if (!EfiError(Status)) {
         gCreated = gCreated + 1;
@@ -54,12 +139,25 @@ VOID SealTable(EFI_TABLE_HEADER* Header)
     Header->CRC32 = Sum;
 }
 
-VOID CountEvents()
+VOID CountCalls()
 {
     EFI_BOOT_SERVICES* Boot = gTable->BootServices;
     gCreateEvent = Boot->CreateEvent;
     gCreateEventEx = Boot->CreateEventEx;
     gCloseEvent = Boot->CloseEvent;
+    gAllocatePool = Boot->AllocatePool;
+    gFreePool = Boot->FreePool;
+    gLocateProtocol = Boot->LocateProtocol;
+    gWaitForEvent = Boot->WaitForEvent;
+    Boot->AllocatePool = AllocateCounted;
+    Boot->FreePool = FreeCounted;
+    Boot->LocateProtocol = LocateCounted;
+    Boot->WaitForEvent = WaitAfterCounting;
+    VOID* Graphics = nullptr;
+    if (!EfiError(gLocateProtocol(&gEfiGraphicsOutputProtocolGuid, nullptr, &Graphics))) {
+        gBlt = static_cast<EFI_GRAPHICS_OUTPUT_PROTOCOL*>(Graphics)->Blt;
+        static_cast<EFI_GRAPHICS_OUTPUT_PROTOCOL*>(Graphics)->Blt = BltCounted;
+    }
     Boot->CreateEvent = CreateCountedEvent;
     Boot->CreateEventEx = CreateCountedEventEx;
     Boot->CloseEvent = CloseCountedEvent;
@@ -101,12 +199,15 @@ VOID AttachKeyboard()
 
 // --- Rounds ---
 
-EFI_STATUS RunImage(const CHAR16* Path)
+EFI_STATUS RunImage(const CHAR16* Path, bool CountsCalls = false)
 {
     EFI_HANDLE Image = nullptr;
     EFI_STATUS Status = EFI_SUCCESS;
     if (LoadVolumeImage(gTable, gSoak, Path, &Image, &Status) != LOAD_DONE) {
         return EfiError(Status) ? Status : EFI_LOAD_ERROR;
+    }
+    if (CountsCalls) {
+        CountCallsOf(Image);
     }
     return gTable->BootServices->StartImage(Image, nullptr, nullptr);
 }
@@ -138,7 +239,7 @@ extern "C" EFI_STATUS SoakEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* System
         Report("soak: no display\n");
         return EFI_UNSUPPORTED;
     }
-    CountEvents();
+    CountCalls();
     ReportStatus("soak: driver: ", RunImage(u"\\ventara-board.efi"));
     AttachKeyboard();
     ReportHoldings(0);
@@ -147,7 +248,10 @@ extern "C" EFI_STATUS SoakEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* System
     for (UINTN Start = 1;; Start++) {
         gTurn = 0;
         gKeysTyped = Start % (Letters + 1);
-        const EFI_STATUS Status = RunImage(u"\\ventara.efi");
+        const EFI_STATUS Status = RunImage(u"\\ventara.efi", Start == 1);
+        if (Start == 1) {
+            ReportCalls();
+        }
         ReportHoldings(Start);
         ReportStatus(" returned ", Status);
     }

@@ -5,8 +5,11 @@ boot, and tries hardened images.
 It takes the environment of boot_test.py. VENTARA_STARTS says how often Starts starts the console (100), and
 VENTARA_HARDENED where hardened images are (build/hardened).
 """
+import json
 import os
+import subprocess
 import sys
+import tempfile
 import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -76,12 +79,34 @@ class MoreMachines(MachineCase):
 
 
 class Starts(BootCase):
+    def see_calls(self, words):
+        """What the start asked of this firmware is what it asks of the hosted one, call for call."""
+        here = {words[at]: int(words[at + 1]) for at in range(0, len(words), 2)}
+        with tempfile.TemporaryDirectory() as folder:
+            script, trace = os.path.join(folder, "script"), os.path.join(folder, "trace")
+            with open(script, "w") as out:
+                out.write("turn\nkey esc\nturn\n")
+            subprocess.run([os.environ.get("VENTARA_HOSTED", os.path.join(ROOT, "build", "release", "ventara")),
+                            "--script", script, "--trace", trace, "--trace-pool"], check=True, capture_output=True)
+            hosted = dict.fromkeys(here, 0)
+            with open(trace) as lines:
+                for line in map(json.loads, lines):
+                    if line.get("turn") == 0:
+                        name = "CreateEvent" if line["call"] == "CreateEventEx" else line["call"]
+                        if name in hosted:
+                            hosted[name] += 1
+        print("calls until the first picture", here, file=sys.stderr)
+        self.assertGreater(here["Blt"], 1000, "calls aren't counted")
+        self.assertEqual(here, hosted)
+
     def test_start_after_start_leaves_pages_handles_and_events_as_they_were(self):
         starts = int(os.environ.get("VENTARA_STARTS", "100"))
         with Machine(self.make_image(starter="ventara-soak.efi")) as machine:
             self.assertEqual(machine.wait_for("soak: driver: "), "Success")
             rows = []
             for start in range(starts + 2):
+                if start == 1:
+                    self.see_calls(machine.wait_for("soak: calls: ").split())
                 words = machine.wait_for(f"soak: start {start}: ").split()
                 rows.append({words[at]: words[at + 1] for at in range(0, len(words), 2)})
                 row = rows[-1]
