@@ -316,12 +316,12 @@ class Machine:
             except TimeoutError:
                 pass  # whether it arrived is looked at in the end
 
-    def _is_at(self, x, y):
+    def _is_at(self, x, y, timeout=3):
         """Whether the console's pointer comes to rest there, or rested there last."""
         if f"{x} {y}" == self._last_place():
             return True
         try:
-            self.wait_for(f"ventara: pointer {x} {y}\n", timeout=3)
+            self.wait_for(f"ventara: pointer {x} {y}\n", timeout=timeout)
         except TimeoutError:
             return False
         return True
@@ -359,7 +359,7 @@ class Machine:
         """For a machine with a tablet: puts the pointer on a pixel at once."""
         self._input({"type": "abs", "data": {"axis": "x", "value": (x * 0x7FFF + WIDTH // 2) // (WIDTH - 1)}},
                     {"type": "abs", "data": {"axis": "y", "value": (y * 0x7FFF + HEIGHT // 2) // (HEIGHT - 1)}})
-        if not self._is_at(x, y):
+        if not self._is_at(x, y, timeout=20):
             raise TimeoutError(f"the pointer didn't come to {x}, {y}; it is at {self._last_place()}")
         self.position = (x, y)
 
