@@ -8,7 +8,7 @@ declare -A share=([events]=6 [variables]=4 [artwork]=4 [script]=3 [print]=3) # o
 
 usage() {
   cat <<'TEXT'
-usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N | --in-all N]
+usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N | --in-all N] [--at-once N]
 
 Feeds the console and its board with inputs that grow towards code not yet reached; sanitizers are on.
 
@@ -19,6 +19,7 @@ Feeds the console and its board with inputs that grow towards code not yet reach
   print       formats of any text
 
   --seconds N, --minutes N   time for each target; 15 seconds unless told
+  --at-once N                that many targets at a time, and as many compilers; one a processor unless told
   --in-all N                 seconds for all targets together; the more of the console a target reaches, the more it gets
 
 Seeds are in fuzz/corpus/; what is found along the way is kept in build/fuzz-corpus/. An input that breaks something is
@@ -31,6 +32,7 @@ say() { printf 'ventara: %s\n' "$*" >&2; }
 picked=()
 seconds=15
 in_all=0
+at_once=$(nproc)
 while [ $# -gt 0 ]; do
   case "$1" in
     --help | -h) usage; exit 0 ;;
@@ -40,6 +42,10 @@ while [ $# -gt 0 ]; do
       in_all=0
       [ "$1" != --minutes ] || seconds=$(($2 * 60))
       [ "$1" != --in-all ] || in_all=$2
+      shift 2 ;;
+    --at-once)
+      [[ "${2:-}" =~ ^[1-9][0-9]*$ ]] || { say "$1 wants a number"; exit 2; }
+      at_once=$2
       shift 2 ;;
     *)
       printf '%s\n' "${targets[@]}" | grep -qx -- "$1" || { usage >&2; say "unknown target '$1'"; exit 2; }
@@ -53,7 +59,7 @@ command -v clang++ >/dev/null || { say "clang isn't installed (Debian: apt-get i
 mkdir -p build
 [ -f build/fuzz/build.ninja ] || CC=clang CXX=clang++ cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=Debug \
   -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g" -DVENTARA_FUZZ=ON >build/fuzz.log || { say "configuring failed; see build/fuzz.log"; exit 1; }
-cmake --build build/fuzz -j "$(nproc)" --target "${picked[@]/#/fuzz_}" >&2
+cmake --build build/fuzz -j "$at_once" --target "${picked[@]/#/fuzz_}" >&2
 
 shares=0
 for target in "${picked[@]}"; do
@@ -63,7 +69,6 @@ seconds_of() {
   if [ "$in_all" -gt 0 ]; then echo $((in_all * share[$1] / shares)); else echo "$seconds"; fi
 }
 
-# At most as many targets at a time as there are processors.
 run_one() {
   local target=$1 log=build/fuzz-$1.log
   mkdir -p "build/fuzz-corpus/$target"
@@ -83,7 +88,7 @@ running=0
 for target in "${picked[@]}"; do
   run_one "$target" &
   running=$((running + 1))
-  if [ "$running" -ge "$(nproc)" ]; then
+  if [ "$running" -ge "$at_once" ]; then
     wait -n || status=1
     running=$((running - 1))
   fi
