@@ -58,7 +58,7 @@ done
 command -v clang++ >/dev/null || { say "clang isn't installed (Debian: apt-get install clang)"; exit 1; }
 mkdir -p build
 [ -f build/fuzz/build.ninja ] || CC=clang CXX=clang++ cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-  -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g" -DVENTARA_FUZZ=ON >build/fuzz.log || { say "configuring failed; see build/fuzz.log"; exit 1; }
+  -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g1" -DVENTARA_FUZZ=ON >build/fuzz.log || { say "configuring failed; see build/fuzz.log"; exit 1; }
 cmake --build build/fuzz -j "$at_once" --target "${picked[@]/#/fuzz_}" >&2
 
 shares=0

@@ -25,7 +25,7 @@ bool SweepsAll()
 }
 
 // A number out of 2, 3, 5 ...: the places of a sample should not all be the first of a control's.
-constexpr UINT64 gSampleOfSanitizers = 41;
+constexpr UINT64 gSampleOfSanitizers = 83;
 
 UINT64 SampleStep()
 {
@@ -41,7 +41,7 @@ UINT64 CallsAtMost()
     if (SweepsAll()) {
         return VENTARA_SANITIZED ? 200 : 0;
     }
-    return VENTARA_SANITIZED ? 2 : SampleStep() > 1 ? 8 : 20;
+    return VENTARA_SANITIZED ? 1 : SampleStep() > 1 ? 8 : 20;
 }
 
 // The start is followed by a use, so that what the start left out is missed. What fails in that use itself is tried where

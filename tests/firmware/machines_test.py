@@ -34,14 +34,8 @@ class MachineCase(BootCase):
 
 
 class Machines(MachineCase):
-    def test_without_a_mouse_the_keyboard_is_enough(self):
-        self.try_machine("no mouse")
-
     def test_without_a_keyboard_the_pointer_is_enough(self):
         self.try_machine("no keyboard")
-
-    def test_with_two_displays_the_console_is_on_the_first(self):
-        self.try_machine("two displays")
 
     def test_with_a_full_variable_store_the_console_works_and_forgets_its_view(self):
         with Machine(self.make_image(starter="ventara-fill.efi", extra=(("BOOTX64.efi", "start.efi"),))) as machine:
