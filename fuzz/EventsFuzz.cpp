@@ -13,6 +13,7 @@ extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE
 namespace {
 
 constexpr size_t gMostSteps = 1500;
+constexpr unsigned gReadingCount = 18; // items that a script may set
 constexpr uint64_t gLongestAdvance = 1000000000000000; // microseconds: the longest that a script may ask for
 
 TURN_WATCH gWatch;
@@ -66,12 +67,12 @@ std::string WriteScript(INPUT& Input)
             Script += "advance " + std::to_string((Input.Long() >> (Input.Byte() % 64)) % gLongestAdvance) + "\nturn\n";
             break;
         case 8:
-            Script += "reading " + std::to_string(Input.Byte() % 40) + " " + std::to_string(Input.Long() >> (What & 0x30)) +
-                      "\nturn\n";
+            Script += "reading " + std::to_string(Input.Byte() % gReadingCount) + " " +
+                      std::to_string(Input.Long() >> (What & 0x30)) + "\nturn\n";
             break;
         case 9: {
             static constexpr const char* Ways[] = {"absent", "error", "live"};
-            const unsigned Item = Input.Byte() % 40;
+            const unsigned Item = Input.Byte() % gReadingCount;
             Script += "reading " + std::to_string(Item) + " " + Ways[Input.Byte() % 3] + "\nturn\n";
             break;
         }
