@@ -8,7 +8,7 @@
 enum SHARED_PICTURE_KIND : UINT8 {
     SHARED_GRID,  // PaintGridImage; read only
     SHARED_PANEL, // gPanelColor all over; read only
-    // Whatever the last plot left there. Its user writes all of it before he reads.
+    // What the last plot left there, whichever chart's it was. A plot writes what it doesn't know to be there already.
     SHARED_RPM_LAYER,
     SHARED_TEMPERATURE_LAYER,
 };
