@@ -41,6 +41,7 @@ struct BOOT_OPTIONS {
     UINTN ArtworkPackSize = 0;
     UINT64 TimerAtStart = 0; // what the CPU's timer shows when the machine is switched on
     UINT64 CountAtStart = 0; // and the monotonic count
+    bool LowTextPictures = false; // see TextImage.h
 };
 
 struct POINTER_STATE {

@@ -131,6 +131,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Machine.EchoConsoles = Options.EchoConsoles;
     Machine.TimerAtStart = Options.TimerAtStart;
     Machine.CountAtStart = Options.CountAtStart;
+    Machine.LowTextPictures = Options.LowTextPictures;
     Machine.ArtworkPack = Options.ArtworkPack != nullptr ? Options.ArtworkPack : gArtworkPack;
     Machine.ArtworkPackSize = Options.ArtworkPack != nullptr ? Options.ArtworkPackSize : gArtworkPackSize;
     Boot = std::make_unique<BOOT>(Machine);

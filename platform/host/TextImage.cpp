@@ -156,8 +156,10 @@ EFI_STATUS RenderString(BOOT& Boot, EFI_HII_OUT_FLAGS Flags, const CHAR16* Strin
     }
     EFI_IMAGE_OUTPUT* Image = *Blt;
     if (Image == nullptr) {
-        Image = Wide ? CreateImage(Boot, gWideImageWidth, gWideImageHeight)
-                     : CreateImage(Boot, Longest * SYSTEM_FONT_WIDTH, Rows.size() * SYSTEM_FONT_HEIGHT);
+        const UINTN RowsHeight = Rows.size() * SYSTEM_FONT_HEIGHT;
+        const UINTN WideHeight = Boot.Options().LowTextPictures ? RowsHeight : gWideImageHeight;
+        Image = Wide ? CreateImage(Boot, gWideImageWidth, WideHeight)
+                     : CreateImage(Boot, Longest * SYSTEM_FONT_WIDTH, RowsHeight);
         if (Image == nullptr) {
             if (RowInfo != nullptr) {
                 (void)Boot.Pool.Free(RowInfo, __builtin_return_address(0));

@@ -2,7 +2,8 @@
 //
 // Without a picture of the caller's, one is made from pool, in one of the two forms that firmwares in the field give:
 // with row information asked for, a wide one of 800 by 600 of which only the rows' cells are painted (what is beside them
-// is zero, wider lines are wrapped or cut); without it, one of the text's own size. With a picture of the caller's, or the
+// is zero, wider lines are wrapped or cut), or with BOOT_OPTIONS::LowTextPictures one of 800 by the rows' height, so that
+// nothing lies below the text; without it, one of the text's own size. With a picture of the caller's, or the
 // display itself, the text is drawn there at (X, Y) and cut at the edges.
 #pragma once
 

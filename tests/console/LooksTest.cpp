@@ -193,6 +193,17 @@ TEST(Looks, TextsOfAMessageBoxStandOnOneGroundAndCanBeRead)
     ExpectOnOneGround(Run.Picture("help"), {"OK", 484, 381, 32, gRow, Letter, OWN_GROUND});
 }
 
+TEST(Looks, TheFormInWhichAFirmwareHandsOutTextsIsNotToBeSeen)
+{
+    SCENE Scene;
+    Scene.Ticks(3).Click(800, 150).Ticks(3).Screenshot("page").Click(883, 94).Turns(3).Screenshot("help");
+    const RUN High = Scene.Play();
+    Scene.Options.LowTextPictures = true;
+    const RUN Low = Scene.Play();
+    EXPECT_TRUE(High.Picture("page") == Low.Picture("page"));
+    EXPECT_TRUE(High.Picture("help") == Low.Picture("help"));
+}
+
 TEST(Looks, APageShowsItsOwnNodesFromItsFirstVisitOn)
 {
     // Tabs of fans with their curve on; of each the second node's place, told by the node's color around its number.

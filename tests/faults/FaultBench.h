@@ -47,23 +47,29 @@ struct TURNS {
     UINT64 Last;
 };
 
+// What is swept, and how.
+struct SWEEP {
+    TURNS Turns;              // the places in these turns
+    UINT64 Step = 1;          // of allocations each Step-th
+    bool Settles = true;      // the scenario's settling is played; without it a run is much shorter
+    bool SamePicture = false; // the rows compared must be whole at the end wherever the failure came before the settling
+};
+
 struct SWEEP_RESULT {
     UINT64 Places = 0; // where a failure was possible
     UINT64 Tried = 0;
     std::vector<std::string> Faults; // of each place where something went wrong, a line
 };
 
-// Each allocation in those turns fails: alone, or with all that follow it. Of the places, those are tried whose number
-// leaves Part when divided by Parts.
-// With SamePicture the rows compared must be whole at the end wherever the failure came before the scenario's settling.
-SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, const TURNS& Turns, bool AllThatFollow, bool SamePicture,
-                              UINT64 Part, UINT64 Parts);
+// Each allocation fails: alone, or with all that follow it.
+SWEEP_RESULT SweepAllocations(const SCENARIO& Scenario, const SWEEP& Sweep, bool AllThatFollow);
 
-// The calls in those turns fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation; where
-// the run has few calls of an operation, and AtMost isn't even less, each of them with all. About AtMost calls of one
-// operation are tried, evenly spread over the run; 0: all.
-SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, const TURNS& Turns, UINT64 AtMost);
+// The calls fail in turn, each with one of its statuses, outputs untouched or garbage, by rotation; where the run has few
+// calls of an operation, and AtMost isn't even less, each of them with all. About AtMost calls of one operation are tried,
+// evenly spread over the run; 0: all. The picture has to be whole after those of which no failure can lose what a person
+// did.
+SWEEP_RESULT SweepCalls(const SCENARIO& Scenario, const SWEEP& Sweep, UINT64 AtMost);
 
 // Every call of an operation fails, from the first on: for each operation with each status that it may give and one that
-// it may not, outputs untouched and garbage.
-SWEEP_RESULT SweepOperations(const SCENARIO& Scenario, UINT64 Part, UINT64 Parts);
+// it may not, outputs untouched and garbage; of these ways each Step-th.
+SWEEP_RESULT SweepOperations(const SCENARIO& Scenario, UINT64 Step);

@@ -94,6 +94,25 @@ TEST_F(FirmwareTest, WithRowInformationThePictureIsWideAndTheFirstRowTellsWhereT
     Release(Image);
 }
 
+TEST(LowTextPictures, AreAsHighAsTheirRows)
+{
+    BOOT_OPTIONS Options;
+    Options.LowTextPictures = true;
+    BOOT Boot(Options);
+    EFI_IMAGE_OUTPUT* Image = nullptr;
+    EFI_HII_ROW_INFO* Rows = nullptr;
+    UINTN Count = 0;
+    ASSERT_EQ(RenderString(Boot, EFI_HII_IGNORE_IF_NO_GLYPH, u"33\n00", nullptr, &Image, 0, 0, &Rows, &Count, nullptr),
+              EFI_SUCCESS);
+    EXPECT_EQ(Image->Width, 800);
+    EXPECT_EQ(Image->Height, 2 * 19);
+    EXPECT_EQ(Boot.Pool.Find(Image->Image.Bitmap)->Size, 800 * 2 * 19 * sizeof(UINT32));
+    EXPECT_EQ(Count, 2u);
+    for (VOID* Block : {static_cast<VOID*>(Image->Image.Bitmap), static_cast<VOID*>(Image), static_cast<VOID*>(Rows)}) {
+        EXPECT_EQ(Boot.ConsoleTable.BootServices->FreePool(Block), EFI_SUCCESS);
+    }
+}
+
 TEST_F(FirmwareTest, TextWithoutPoolLeavesNothingBehindWhicheverAllocationFails)
 {
     for (UINT64 Nth = 1; Nth <= 3; Nth++) {
