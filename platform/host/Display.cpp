@@ -1,7 +1,6 @@
 #include "platform/host/Display.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include "platform/board/BootScreen.h"
@@ -19,11 +18,9 @@ bool IsOnDisplay(UINTN X, UINTN Y, UINTN Width, UINTN Height)
 
 static_assert(BOOT_SCREEN_WIDTH == gDisplayWidth && BOOT_SCREEN_HEIGHT == gDisplayHeight);
 
-DISPLAY::DISPLAY() : Pixels(static_cast<PIXEL*>(std::malloc(gDisplayBytes)))
+DISPLAY::DISPLAY() : mWords(UINTN{gDisplayWidth} * gDisplayHeight)
 {
-    if (Pixels == nullptr) {
-        std::abort();
-    }
+    Pixels = reinterpret_cast<PIXEL*>(mWords.data());
     Information = {.Version = 0,
                    .HorizontalResolution = gDisplayWidth,
                    .VerticalResolution = gDisplayHeight,
@@ -38,8 +35,6 @@ DISPLAY::DISPLAY() : Pixels(static_cast<PIXEL*>(std::malloc(gDisplayBytes)))
             .FrameBufferSize = gDisplayBytes};
     PaintBootScreen(Pixels);
 }
-
-DISPLAY::~DISPLAY() { std::free(Pixels); }
 
 EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY,
                         UINTN DestinationX, UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta)

@@ -4,11 +4,16 @@
 // has one mode, and its frame buffer is that block.
 #pragma once
 
+#include <utility>
+#include <vector>
+
 #include "uefi/GraphicsOutput.h"
 
 constexpr UINT32 gDisplayWidth = 1024;
 constexpr UINT32 gDisplayHeight = 768;
 constexpr UINTN gDisplayBytes = UINTN{gDisplayWidth} * gDisplayHeight * sizeof(EFI_GRAPHICS_OUTPUT_BLT_PIXEL);
+
+using PICTURE = std::vector<UINT32>; // of the display: rows of gDisplayWidth words, blue in the lowest byte
 
 struct DISPLAY {
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Pixels;
@@ -19,7 +24,6 @@ struct DISPLAY {
     DISPLAY();
     DISPLAY(const DISPLAY&) = delete;
     DISPLAY& operator=(const DISPLAY&) = delete;
-    ~DISPLAY();
 
     // The protocol's operation of that name. EFI_INVALID_PARAMETER, with nothing done, for an unknown operation, an empty
     // rectangle, one that isn't wholly on the display, or a missing buffer. Delta 0 stands for rows of Width pixels.
@@ -27,5 +31,10 @@ struct DISPLAY {
                    UINTN SourceY, UINTN DestinationX, UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta);
 
     // The pixels as words, blue in the lowest byte.
-    const UINT32* Words() const { return reinterpret_cast<const UINT32*>(Pixels); }
+    const UINT32* Words() const { return mWords.data(); }
+    // The same for good: the display is of no use from then on.
+    PICTURE TakeWords() { return std::move(mWords); }
+
+private:
+    PICTURE mWords;
 };

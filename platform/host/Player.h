@@ -13,9 +13,6 @@
 #include "platform/host/Boot.h"
 #include "platform/host/Script.h"
 
-// A picture of the display, rows of gDisplayWidth words.
-using PICTURE = std::vector<UINT32>;
-
 enum PLAYER_NEXT : UINT8 { NEXT_END, NEXT_START, NEXT_RESET };
 
 struct PLAYER {

@@ -252,8 +252,7 @@ VOID SESSION::CollectFromBoot()
     Result.OutputText += Boot->Consoles.OutputText;
     Result.ErrorText += Boot->Consoles.ErrorText;
     if (Options.KeepDisplay) {
-        const UINT32* Words = Boot->Display.Words();
-        Result.Display.assign(Words, Words + gDisplayWidth * gDisplayHeight);
+        Result.Display = Boot->Display.TakeWords();
     }
     // The board's services go first: they may be complained of.
     Boot->RemoveBoard();
