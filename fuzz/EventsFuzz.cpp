@@ -17,10 +17,12 @@ constexpr unsigned gReadingCount = 18; // items that a script may set
 constexpr uint64_t gLongestAdvance = 1000000000000000; // microseconds: the longest that a script may ask for
 
 TURN_WATCH gWatch;
+unsigned long long gTurns; // looked at, in all runs
 
 bool LookAtTurn(VOID*, CALL Call, EFI_STATUS*, bool*)
 {
     if (Call == CALL_WAIT_FOR_EVENT) {
+        gTurns++;
         const std::string Fault = CheckTurn(&gWatch);
         if (!Fault.empty()) {
             std::fprintf(stderr, "turn %llu: %s\n", gBoot->Trace.Turn, Fault.c_str());
@@ -87,7 +89,14 @@ std::string WriteScript(INPUT& Input)
     return Script;
 }
 
+VOID TellTurns() { std::fprintf(stderr, "turns: %llu\n", gTurns); }
+
 } // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    return std::atexit(TellTurns);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
 {
@@ -99,6 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
     Options.Script = WriteScript(Input);
     Options.Entry = _ModuleEntryPoint;
     Options.KeepPictures = false;
+    Options.LowTextPictures = true; // several times as many turns in the same time
     Options.Failures.Call = LookAtTurn;
     gWatch = {};
     RestoreConsoleGlobals();

@@ -8,7 +8,7 @@ declare -A share=([events]=6 [variables]=4 [artwork]=4 [script]=3 [print]=3) # o
 
 usage() {
   cat <<'TEXT'
-usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N | --in-all N] [--at-once N]
+usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N | --in-all N] [--at-once N] [--fast]
 
 Feeds the console and its board with inputs that grow towards code not yet reached; sanitizers are on.
 
@@ -20,6 +20,7 @@ Feeds the console and its board with inputs that grow towards code not yet reach
 
   --seconds N, --minutes N   time for each target; 15 seconds unless told
   --at-once N                that many targets at a time, and as many compilers; one a processor unless told
+  --fast                     without sanitizers, and optimised: what is looked at in each turn alone tells of faults
   --in-all N                 seconds for all targets together; the more of the console a target reaches, the more it gets
 
 Seeds are in fuzz/corpus/; what is found along the way is kept in build/fuzz-corpus/. An input that breaks something is
@@ -33,6 +34,8 @@ picked=()
 seconds=15
 in_all=0
 at_once=$(nproc)
+folder=build/fuzz
+options=(-DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g1" -DVENTARA_SANITIZE=ON)
 while [ $# -gt 0 ]; do
   case "$1" in
     --help | -h) usage; exit 0 ;;
@@ -47,6 +50,10 @@ while [ $# -gt 0 ]; do
       [[ "${2:-}" =~ ^[1-9][0-9]*$ ]] || { say "$1 wants a number"; exit 2; }
       at_once=$2
       shift 2 ;;
+    --fast)
+      folder=build/fuzz-fast
+      options=(-DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2")
+      shift ;;
     *)
       printf '%s\n' "${targets[@]}" | grep -qx -- "$1" || { usage >&2; say "unknown target '$1'"; exit 2; }
       picked+=("$1")
@@ -57,9 +64,9 @@ done
 
 command -v clang++ >/dev/null || { say "clang isn't installed (Debian: apt-get install clang)"; exit 1; }
 mkdir -p build
-[ -f build/fuzz/build.ninja ] || CC=clang CXX=clang++ cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-  -DCMAKE_CXX_FLAGS_DEBUG="-O1 -g1" -DVENTARA_FUZZ=ON >build/fuzz.log || { say "configuring failed; see build/fuzz.log"; exit 1; }
-cmake --build build/fuzz -j "$at_once" --target "${picked[@]/#/fuzz_}" >&2
+[ -f "$folder/build.ninja" ] || CC=clang CXX=clang++ cmake -S . -B "$folder" -G Ninja "${options[@]}" -DVENTARA_FUZZ=ON \
+  >build/fuzz.log || { say "configuring failed; see build/fuzz.log"; exit 1; }
+cmake --build "$folder" -j "$at_once" --target "${picked[@]/#/fuzz_}" >&2
 
 shares=0
 for target in "${picked[@]}"; do
@@ -72,10 +79,10 @@ seconds_of() {
 run_one() {
   local target=$1 log=build/fuzz-$1.log
   mkdir -p "build/fuzz-corpus/$target"
-  if "build/fuzz/fuzz/fuzz_$target" -max_total_time="$(seconds_of "$target")" -timeout=60 -rss_limit_mb=4096 -detect_leaks=0 \
+  if "$folder/fuzz/fuzz_$target" -max_total_time="$(seconds_of "$target")" -timeout=60 -rss_limit_mb=4096 \
     -max_len=4096 -len_control=0 -print_final_stats=1 -artifact_prefix="build/$target-" \
     "build/fuzz-corpus/$target" "fuzz/corpus/$target" >"$log" 2>&1; then
-    say "$target: $(sed -n 's/^Done \(.*\)$/\1/p' "$log"), nothing broke"
+    say "$target: $(sed -n 's/^Done \(.*\)$/\1/p' "$log")$(sed -n 's/^turns: \(.*\)$/, \1 turns/p' "$log"), nothing broke"
   else
     say "$target broke; the end of $log:"
     tail -40 "$log" >&2

@@ -14,11 +14,22 @@ bool IsOnDisplay(UINTN X, UINTN Y, UINTN Width, UINTN Height)
     return X <= gDisplayWidth && Width <= gDisplayWidth - X && Y <= gDisplayHeight && Height <= gDisplayHeight - Y;
 }
 
+// Painted once for all machines of a process: it takes longer than a console's start does with a fuzzer's counters.
+const PICTURE& BootScreen()
+{
+    static const PICTURE Screen = [] {
+        PICTURE Painted(UINTN{gDisplayWidth} * gDisplayHeight);
+        PaintBootScreen(reinterpret_cast<PIXEL*>(Painted.data()));
+        return Painted;
+    }();
+    return Screen;
+}
+
 } // namespace
 
 static_assert(BOOT_SCREEN_WIDTH == gDisplayWidth && BOOT_SCREEN_HEIGHT == gDisplayHeight);
 
-DISPLAY::DISPLAY() : mWords(UINTN{gDisplayWidth} * gDisplayHeight)
+DISPLAY::DISPLAY() : mWords(BootScreen())
 {
     Pixels = reinterpret_cast<PIXEL*>(mWords.data());
     Information = {.Version = 0,
@@ -33,7 +44,6 @@ DISPLAY::DISPLAY() : mWords(UINTN{gDisplayWidth} * gDisplayHeight)
             .SizeOfInfo = sizeof(Information),
             .FrameBufferBase = reinterpret_cast<UINT64>(Pixels),
             .FrameBufferSize = gDisplayBytes};
-    PaintBootScreen(Pixels);
 }
 
 EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY,
