@@ -272,6 +272,9 @@ class FromTheShell(BootCase):
                 if "ventara: board services installed" in machine.log():
                     break
             self.assertEqual(machine.wait_for("ventara: board services installed: "), "Success")
+            machine.type("fs0:\\ventara.efi -v\n")
+            machine.wait_for("Version 0.9.0 Kestrin", log_name="serial.log")
+            self.assertNotIn("ventara: first screen", machine.log(), "the version alone was asked for")
             machine.type("fs0:\\ventara.efi\n")
             machine.wait_for_console()
             machine.key("esc")

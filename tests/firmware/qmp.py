@@ -143,7 +143,7 @@ class Machine:
         self.process = None
         self.qmp = None
         self.position = None  # where the console's pointer is, once it is known
-        self.mark = 0  # the debug log is waited in from here on
+        self.marks = {}  # of each log, where the next wait begins
         try:
             arguments = qemu.make_arguments(image, self.folder, pointer=pointer, keyboard=keyboard,
                                             accel=accel or os.environ.get("VENTARA_ACCEL", "tcg"), **machine)
@@ -240,15 +240,15 @@ class Machine:
 
         return is_over
 
-    def wait_for(self, text, timeout=90):
+    def wait_for(self, text, timeout=90, log_name="debug.log"):
         """Waits until the log holds the text behind what was waited for last; gives the rest of its line."""
         is_over = self._patience(timeout)
         while True:
-            log = self.log()
-            found = log.find(text, self.mark)
+            log = self.log(log_name)
+            found = log.find(text, self.marks.get(log_name, 0))
             end = log.find("\n", found + len(text) - 1) if found >= 0 else -1
             if end >= 0:
-                self.mark = end + 1
+                self.marks[log_name] = end + 1
                 return log[found + len(text):end]
             if self.process.poll() is not None:
                 raise RuntimeError(f"QEMU ended: {self.process.stderr.read()}")
