@@ -92,13 +92,21 @@ VOID FreeStrings(PAGE_STRINGS* Strings)
     }
 }
 
-// Reads or writes a rectangle of the display.
-VOID BltRect(const GUI_RECT& Rect, PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation)
+// Reads a rectangle of the display. A firmware that can't read its display leaves anything in the buffer, and that would
+// stay on the screen for good: then it is what Screen holds there.
+VOID ReadRect(const GUI_RECT& Rect, PIXEL* Buffer)
 {
-    const bool ToBuffer = Operation == EfiBltVideoToBltBuffer;
-    (void)gGraphicsOutput->Blt(gGraphicsOutput, Buffer, Operation, ToBuffer ? Rect.X : 0, ToBuffer ? Rect.Y : 0,
-                               ToBuffer ? 0 : Rect.X, ToBuffer ? 0 : Rect.Y, Rect.Width, Rect.Height,
-                               Rect.Width * sizeof(PIXEL));
+    if (EfiError(gGraphicsOutput->Blt(gGraphicsOutput, Buffer, EfiBltVideoToBltBuffer, Rect.X, Rect.Y, 0, 0, Rect.Width,
+                                      Rect.Height, Rect.Width * sizeof(PIXEL)))) {
+        (void)ExtractBlt(Buffer, Rect.Width, Rect.Height, gGuiCore->Screen, gScreenWidth, gScreenHeight,
+                         static_cast<INT32>(Rect.Y), static_cast<INT32>(Rect.X));
+    }
+}
+
+VOID WriteRect(const GUI_RECT& Rect, PIXEL* Buffer)
+{
+    (void)gGraphicsOutput->Blt(gGraphicsOutput, Buffer, EfiBltBufferToVideo, 0, 0, Rect.X, Rect.Y, Rect.Width,
+                               Rect.Height, Rect.Width * sizeof(PIXEL));
 }
 
 // One turn of the page's own loop. False when the page is to be closed. It only polls: the action that it runs in is at
@@ -136,12 +144,12 @@ VOID RunPage(MESSAGE_BOX* Box, const GUI_RECT& Rect)
         return;
     }
 
-    BltRect(Rect, Under.Data, EfiBltVideoToBltBuffer);
+    ReadRect(Rect, Under.Data);
     Box->ButtonFocus = gFocusAtFirst;
     Box->ButtonMode = gModeAtFirst;
     (void)gDrawPrimitives->DrawMessageBox(Box);
     // The box becomes part of Screen, so that the pointer can move over it.
-    BltRect(Rect, Shown.Data, EfiBltVideoToBltBuffer);
+    ReadRect(Rect, Shown.Data);
     (void)PasteBlt(Shown.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
     gGuiCore->MouseState = NOEVENT;
     CopyMem(Copy.Data, Box, sizeof(MESSAGE_BOX));
@@ -154,7 +162,7 @@ VOID RunPage(MESSAGE_BOX* Box, const GUI_RECT& Rect)
     gGuiCore->MouseState = NOEVENT;
     (void)PasteBlt(Under.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
     (void)ComposeScreen(gGuiCore, Under.Data, Rect.X, Rect.Y, Rect.Width, Rect.Height);
-    BltRect(Rect, Under.Data, EfiBltBufferToVideo);
+    WriteRect(Rect, Under.Data);
     (void)gBS->Stall(gCloseDelay);
 }
 

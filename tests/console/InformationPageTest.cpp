@@ -122,6 +122,46 @@ TEST(InformationPage, IsClosedByEnterEscapeTheRightButtonAndOkAndGivesTheScreenB
     }
 }
 
+// Lets one Blt of a run fail and leave nonsense in its buffer.
+struct FAILING_BLT {
+    UINTN Which;
+    UINTN Seen = 0;
+
+    static bool Decide(VOID* Context, CALL Call, EFI_STATUS* Status, bool* Garbage)
+    {
+        FAILING_BLT& This = *static_cast<FAILING_BLT*>(Context);
+        if (Call != CALL_BLT || This.Seen++ != This.Which) {
+            return false;
+        }
+        *Status = EFI_DEVICE_ERROR;
+        *Garbage = true;
+        return true;
+    }
+};
+
+TEST(InformationPage, GivesTheScreenBackWhereTheDisplayCanNotBeRead)
+{
+    SCENE Scene = Opened(gAboutX);
+    Scene.Turns(3).Key("enter").Turns(2).Screenshot("after");
+    Scene.Move(330, 256).Turns(3).Move(gAboutX, gButtonY).Turns(3).Screenshot("passed").Turns();
+    const RUN Whole = Scene.Play();
+    std::vector<UINTN> Reads;
+    const std::vector<CALL_LINE> Blts = Whole.Named("Blt");
+    for (UINTN At = 0; At < Blts.size(); At++) {
+        if (Blts[At].Text("operation") == "to-buffer") {
+            Reads.push_back(At);
+        }
+    }
+    ASSERT_EQ(Reads.size(), 2u) << "what is under the box, and the box";
+    for (const UINTN Read : Reads) {
+        FAILING_BLT Failing = {Read};
+        Scene.Options.Failures = {.Call = FAILING_BLT::Decide, .Allocation = nullptr, .Context = &Failing};
+        const RUN Run = Scene.Play();
+        EXPECT_TRUE(Run.Picture("after") == Whole.Picture("after")) << Read;
+        EXPECT_TRUE(Run.Picture("passed") == Whole.Picture("passed")) << Read;
+    }
+}
+
 TEST(InformationPage, StaysOpenForEverythingElse)
 {
     SCENE Scene = Opened(gHelpX);

@@ -147,8 +147,8 @@ std::string Describe(CALL Call, const WAY& Way)
 // Where the pointer is before the script moves it: where the start shows it, and where the first turn finds it.
 constexpr const char* gFirstPlaces = "pointer 174 196\nturn 3\npointer 0 0\nturn 3\n";
 
-// The scenario's script, with its settling or without. The settling begins with the pointer at every place where it was before: what it left there when
-// it went, because the ground couldn't be painted back, nothing else paints anew.
+// The scenario's script, with its settling or without. The settling begins with the pointer at every place where it was
+// before: what it left there when it went, because the ground couldn't be painted back, nothing else paints anew.
 std::string ScriptOf(const SCENARIO& Scenario, bool Settles)
 {
     std::istringstream Lines(Scenario.Script);

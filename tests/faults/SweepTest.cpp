@@ -43,10 +43,8 @@ UINT64 CallsAtMost(UINT64 Released, UINT64 Sanitized)
     return Step() > 1 ? 8 : VENTARA_SANITIZED ? Sanitized : Released;
 }
 
-// Odd, so that outputs of both kinds have their turns.
-constexpr UINT64 gWaysInShort = 5;
-
-UINT64 StepOfWays() { return SweepsInShort() ? gWaysInShort : Step(); }
+// Of the ways in which all calls of an operation fail. Odd, so that outputs of both kinds have their turns.
+UINT64 StepOfWays() { return SweepsInShort() ? 5 : Step(); }
 
 // The start is followed by a use, so that what the start left out is missed. What fails in that use itself is tried where
 // everything is: the uses have the same.
@@ -97,6 +95,9 @@ TEST_P(EveryFailureOfAUse, AllAllocationsFromOneOn) { Expect(SweepAllocations(Sc
 
 TEST_P(EveryFailureOfAUse, ACallThatFailsAlone)
 {
+    if (SweepsAll()) {
+        GTEST_SKIP() << "the next test tries the same calls, and looks at the picture too";
+    }
     SWEEP Sweep = OfAUse(false);
     Sweep.Settles = false;
     Expect(SweepCalls(Scenario(), Sweep, CallsAtMost(0, 12)));
