@@ -7,7 +7,7 @@
 namespace {
 
 // The pixels follow the record in the same block.
-struct alignas(16) SHARED_PICTURE {
+struct SHARED_PICTURE {
     SHARED_PICTURE* Next;
     UINTN Users;
     UINT32 Width;

@@ -109,8 +109,7 @@ VOID WriteRect(const GUI_RECT& Rect, PIXEL* Buffer)
                                Rect.Height, Rect.Width * sizeof(PIXEL));
 }
 
-// One turn of the page's own loop. False when the page is to be closed. It only polls: the action that it runs in is at
-// a task priority at which nothing may wait.
+// One turn of the page's own loop. False when the page is to be closed. It only polls.
 bool RunPageTurn(MESSAGE_BOX* Box)
 {
     bool Open = true;
@@ -166,7 +165,10 @@ VOID RunPage(MESSAGE_BOX* Box, const GUI_RECT& Rect)
     (void)gBS->Stall(gCloseDelay);
 }
 
-EFI_STATUS ShowPage(const INFORMATION_PAGE& Page)
+// The page that an action asked for; null: none.
+const INFORMATION_PAGE* gWantedPage = nullptr;
+
+VOID ShowPage(const INFORMATION_PAGE& Page)
 {
     PAGE_STRINGS Strings = {};
     FetchStrings(Page, &Strings);
@@ -186,11 +188,27 @@ EFI_STATUS ShowPage(const INFORMATION_PAGE& Page)
         RunPage(&Box, Rect);
     }
     FreeStrings(&Strings);
-    return EFI_SUCCESS;
 }
 
 } // namespace
 
-EFI_STATUS ShowAboutPage(EFI_EVENT, VOID*) { return ShowPage(gAboutPage); }
+EFI_STATUS ShowAboutPage(EFI_EVENT, VOID*)
+{
+    gWantedPage = &gAboutPage;
+    return EFI_SUCCESS;
+}
 
-EFI_STATUS ShowHelpPage(EFI_EVENT, VOID*) { return ShowPage(gHelpPage); }
+EFI_STATUS ShowHelpPage(EFI_EVENT, VOID*)
+{
+    gWantedPage = &gHelpPage;
+    return EFI_SUCCESS;
+}
+
+VOID RunWantedPage()
+{
+    if (gWantedPage != nullptr) {
+        const INFORMATION_PAGE& Page = *gWantedPage;
+        gWantedPage = nullptr;
+        ShowPage(Page);
+    }
+}

@@ -14,6 +14,7 @@
 #include "gui/PointerEngine.h"
 #include "monitor/AllFans.h"
 #include "monitor/Captions.h"
+#include "monitor/InformationPages.h"
 #include "monitor/Readouts.h"
 #include "monitor/ScaleHighlights.h"
 #include "monitor/Scales.h"
@@ -204,6 +205,7 @@ VOID TakeTurn()
 {
     (void)gBS->WaitForEvent(gEventCount, gWaitArray, &gEventIndex);
     (void)ScanPointerTargets();
+    RunWantedPage();
     UpdatePointer();
     UpdateReadouts();
     (void)DragDropFrameDispatch();

@@ -25,6 +25,20 @@ TEST_F(PoolTest, AGivenBlockHoldsThePatternAndNotZero)
     EXPECT_EQ(Pool.Free(Block, this), EFI_SUCCESS);
 }
 
+TEST_F(PoolTest, BlocksLieAtMultiplesOfEightAsUefiPromisesAndNoBetter)
+{
+    for (const UINTN Size : {0u, 1u, 40u, 4096u, 3u << 20}) {
+        VOID* Given = nullptr;
+        VOID* Zeroed = nullptr;
+        ASSERT_EQ(Pool.Allocate(Size, nullptr, &Given), EFI_SUCCESS);
+        ASSERT_EQ(Pool.AllocateZeroed(Size, nullptr, &Zeroed), EFI_SUCCESS);
+        EXPECT_EQ(reinterpret_cast<UINTN>(Given) % 16, 8u) << Size;
+        EXPECT_EQ(reinterpret_cast<UINTN>(Zeroed) % 16, 8u) << Size;
+        EXPECT_EQ(Pool.Free(Given, nullptr), EFI_SUCCESS);
+        EXPECT_EQ(Pool.Free(Zeroed, nullptr), EFI_SUCCESS);
+    }
+}
+
 TEST_F(PoolTest, FreeingWhatIsNoBlockIsRefusedAndComplainedOf)
 {
     VOID* Block;
