@@ -26,7 +26,7 @@ SECURE_BOOT_PASSWORD = "snakeoil"
 # What stands for a mouse and for a keyboard, as USB devices. The PS/2 ones sit at one controller, so a machine has both of
 # them or neither: it has them if one is asked for, and a machine whose mouse is to be missing needs a USB keyboard. A
 # tablet gives the window a pointer without grabbing it.
-POINTERS = {"ps2": [], "tablet": ["usb-tablet"], "mouse": ["usb-mouse"], "none": []}
+POINTERS = {"ps2": [], "tablet": ["usb-tablet,id=pointer"], "mouse": ["usb-mouse,id=pointer"], "none": []}
 KEYBOARDS = {"ps2": [], "usb": ["usb-kbd"], "none": []}
 
 # What stands for a graphics adapter: a usual one; one whose memory is too small for 1024 by 768; one with three bytes a

@@ -223,10 +223,15 @@ class OtherMice(BootCase):
             machine.press()
             self.assertEqual(machine.wait_for("ventara: returned "), "Success")
 
-    def test_a_mouse_at_usb_points_and_clicks(self):
+    def test_a_mouse_at_usb_points_and_clicks_also_after_it_was_pulled_out(self):
         with Machine(self.make_image(), pointer="mouse") as machine:
             machine.wait_for("ventara: USB mouse")
             machine.wait_for_console()
+            for _ in range(2):
+                machine.command("device_del", id="pointer")
+                time.sleep(2)  # the console goes on without it
+                machine.command("device_add", driver="usb-mouse", id="pointer")
+                machine.wait_for("ventara: USB mouse")
             machine.click(956, 96)
             self.assertEqual(machine.wait_for("ventara: returned "), "Success")
 

@@ -161,6 +161,20 @@ bool PollAbsolute(DEVICE* Device, POINTER_CHANGE* Change)
     return true;
 }
 
+// Whether the device is still what it was when it was found: pulled out, its driver frees the protocol. Holds for as long as
+// TPL_CALLBACK is held, at which hubs see their devices go.
+bool IsThere(const DEVICE* Device)
+{
+    const EFI_GUID* Protocol =
+        Device->Absolute != nullptr ? &gEfiAbsolutePointerProtocolGuid : &gEfiSimplePointerProtocolGuid;
+    const VOID* Known = Device->Absolute;
+    if (Known == nullptr) {
+        Known = Device->Simple;
+    }
+    VOID* Interface = nullptr;
+    return !EfiError(gBoot->HandleProtocol(Device->Handle, Protocol, &Interface)) && Interface == Known;
+}
+
 bool IsPs2Mouse(const EFI_DEVICE_PATH_PROTOCOL* Path)
 {
     const auto* At = reinterpret_cast<const UINT8*>(Path);
@@ -199,11 +213,19 @@ bool PollProtocolPointers(UINT64 Now, POINTER_CHANGE* Change)
     }
     *Change = {};
     bool Reported = false;
+    const EFI_TPL Level = gBoot->RaiseTPL(TPL_CALLBACK);
     for (UINTN Count = 0; Count < gDeviceCount && !Reported; Count++) {
         gNextDevice = (gNextDevice + 1) % gDeviceCount;
         DEVICE* Device = &gDevices[gNextDevice];
+        if (!IsThere(Device)) {
+            Device->Left = 0;
+            Device->Right = 0;
+            gNextLook = Now; // forgotten at the next look
+            continue;
+        }
         Reported = Device->Absolute != nullptr ? PollAbsolute(Device, Change) : PollSimple(Device, Change);
     }
+    gBoot->RestoreTPL(Level);
     for (UINTN Index = 0; Index < gDeviceCount; Index++) {
         Change->Left |= gDevices[Index].Left;
         Change->Right |= gDevices[Index].Right;

@@ -325,12 +325,14 @@ EFI_STATUS OpenUsbPointers(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
 bool PollUsbPointers(UINT64 Now, POINTER_CHANGE* Change)
 {
     *Change = {};
+    // A device that was pulled out is stopped by its hub's timer, at TPL_CALLBACK: not while we hold its record.
+    EFI_TPL Level = gBoot->RaiseTPL(TPL_CALLBACK);
     for (USB_POINTER* Device = gDevices; Device != nullptr; Device = Device->Next) {
         if (Device->Failed) {
             RecoverDevice(Device, Now);
         }
     }
-    EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
+    (void)gBoot->RaiseTPL(TPL_NOTIFY);
     bool Reported = gQueueCount != 0;
     if (Reported) {
         QUEUED_REPORT Report = gQueue[gQueueFirst];
@@ -352,6 +354,8 @@ bool PollUsbPointers(UINT64 Now, POINTER_CHANGE* Change)
 
 VOID CloseUsbPointers()
 {
+    // No device comes or goes meanwhile, see PollUsbPointers.
+    const EFI_TPL Level = gBoot->RaiseTPL(TPL_CALLBACK);
     while (gDevices != nullptr) {
         EFI_HANDLE Controller = gDevices->Controller;
         if (EfiError(gBoot->DisconnectController(Controller, gDriverBinding.DriverBindingHandle, nullptr))) {
@@ -360,4 +364,5 @@ VOID CloseUsbPointers()
     }
     (void)gBoot->UninstallMultipleProtocolInterfaces(gDriverBinding.DriverBindingHandle, &gEfiDriverBindingProtocolGuid,
                                                      &gDriverBinding, nullptr);
+    gBoot->RestoreTPL(Level);
 }
