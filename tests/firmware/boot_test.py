@@ -27,6 +27,7 @@ FIRMWARE = os.environ.get("VENTARA_FIRMWARE", os.path.join(ROOT, "build", "firmw
 OUT_OF_THE_WAY = (8, 740)
 
 # The first fan's tab looks different while its page isn't on top.
+CHECK_BOX = (289, 234, 6, 14)  # the left of the box of the first page; the pointer's tip stands beside it
 ABOUT_BOX = (300, 240, 60, 137)  # the left of the About page's box: of the chart behind it nothing moves there
 FIRST_TAB = (275, 118, 98, 62)
 READOUTS = ((181, 304, 40, 19), (181, 341, 40, 19), (281, 189, 40, 19), (380, 189, 40, 19))
@@ -38,6 +39,10 @@ def keep(picture, name):
         os.makedirs(folder, exist_ok=True)
         picture.save(os.path.join(folder, name + ".ppm"))
     return picture
+
+
+def check_box(now):
+    return now.crop(*CHECK_BOX).pixels
 
 
 def is_parked(picture):
@@ -215,6 +220,22 @@ class OtherMice(BootCase):
                 machine.look_until(lambda now: is_parked(now) and
                                    not now.crop(*ABOUT_BOX).differences(first.crop(*ABOUT_BOX)),
                                    what=f"the screen behind the page, closed by {close}")
+            # Press, release and press again faster than the console's turns: one click, and nothing while it is held.
+            machine.move_tablet(296, 241)
+            hovered = machine.look_until(lambda now: check_box(now) != check_box(first), what="the hovered box")
+            for down in (True, False, True):
+                machine.button("left", down)
+            machine.look_until(lambda now: check_box(now) != check_box(hovered), what="the clicked box")
+            time.sleep(1)
+            clicked = machine.look()
+            self.assertNotEqual(check_box(clicked), check_box(hovered))
+            for _ in range(8):
+                time.sleep(0.1)
+                self.assertEqual(check_box(machine.look()), check_box(clicked), "the click is repeated")
+            machine.button("left", False)
+            time.sleep(0.5)
+            machine.press()
+            machine.look_until(lambda now: check_box(now) == check_box(hovered), what="the box clicked again")
             machine.move_tablet(420, 140)
             machine.press()
             machine.move_tablet(*OUT_OF_THE_WAY)

@@ -34,6 +34,8 @@ struct MACHINE_POINTER {
     UINT8 Right[KIND_COUNT];
     bool InUse;     // between the console's first read and its close
     bool Moved;     // since its place was last told
+    bool Released;  // the last read was the first that saw the left button up again
+    UINT8 LastLeft; // what that read gave
     UINT64 MovedAt; // microseconds
     PS2_MOUSE Ps2;
 };
@@ -127,7 +129,10 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
     if (!Pointer->InUse) {
         BeginUse(Pointer, Now);
     }
-    bool ButtonsChanged = false;
+    // A press in the read behind a release would pass for the click that the release ended, again in each turn until the
+    // next one. So no reports are taken in that read.
+    bool ButtonsChanged = Pointer->Released;
+    Pointer->Released = false;
     for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
         // A change of buttons is left to be seen before the next report is taken: a short press isn't lost.
         for (UINTN Count = 0; Count < gReportsPerRead && !ButtonsChanged; Count++) {
@@ -154,6 +159,8 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
         *Left |= Pointer->Left[Kind];
         *Right |= Pointer->Right[Kind];
     }
+    Pointer->Released = Pointer->LastLeft != 0 && *Left == 0;
+    Pointer->LastLeft = *Left;
 }
 
 VOID SetPointerLimits(POINTER_SOURCE* This, UINTN Width, UINTN Height)
@@ -173,6 +180,8 @@ VOID ResetPointer(MACHINE_POINTER* Pointer)
 {
     Pointer->InUse = false;
     Pointer->Moved = false;
+    Pointer->Released = false;
+    Pointer->LastLeft = 0;
     Pointer->X = Pointer->Width / 2;
     Pointer->Y = Pointer->Height / 2;
     for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
