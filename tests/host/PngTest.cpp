@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TestFolder.h"
+
 namespace {
 
 std::string ReadBytes(const std::string& Path)
@@ -18,7 +20,8 @@ std::string ReadBytes(const std::string& Path)
 
 TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes)
 {
-    const std::string Path = testing::TempDir() + "round.png";
+    const TestFolder Folder;
+    const std::string Path = Folder.File("round.png");
     const UINT32 Written[] = {0x00FF0000, 0xFF00FF00, 0x800000FF, 0x12345678, 0x00000000, 0xFFFFFFFF};
     ASSERT_TRUE(WritePng(Path.c_str(), Written, 3, 2));
 
@@ -34,8 +37,9 @@ TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes)
 
 TEST(Png, GivesTheSameBytesForTheSamePixelsWhateverTheirReservedBytes)
 {
-    const std::string First = testing::TempDir() + "first.png";
-    const std::string Second = testing::TempDir() + "second.png";
+    const TestFolder Folder;
+    const std::string First = Folder.File("first.png");
+    const std::string Second = Folder.File("second.png");
     const UINT32 Clear[] = {0x00102030, 0x00405060};
     const UINT32 Set[] = {0xFF102030, 0x7F405060};
     ASSERT_TRUE(WritePng(First.c_str(), Clear, 2, 1));
@@ -45,18 +49,19 @@ TEST(Png, GivesTheSameBytesForTheSamePixelsWhateverTheirReservedBytes)
 
 TEST(Png, SaysWhenAFileCannotBeWrittenOrReadAndLeavesTheResultAlone)
 {
+    const TestFolder Folder;
     const UINT32 Pixel = 0;
-    EXPECT_FALSE(WritePng((testing::TempDir() + "no/such/folder/x.png").c_str(), &Pixel, 1, 1));
-    EXPECT_FALSE(WritePng((testing::TempDir() + "empty.png").c_str(), &Pixel, 0, 1));
+    EXPECT_FALSE(WritePng(Folder.File("no/such/folder/x.png").c_str(), &Pixel, 1, 1));
+    EXPECT_FALSE(WritePng(Folder.File("empty.png").c_str(), &Pixel, 0, 1));
     EXPECT_FALSE(WritePng("/dev/full", &Pixel, 1, 1)); // opens, and takes nothing
 
-    const std::string Path = testing::TempDir() + "text.png";
+    const std::string Path = Folder.File("text.png");
     std::ofstream(Path) << "no picture";
     std::vector<UINT32> Pixels = {7};
     unsigned Width = 8;
     unsigned Height = 9;
     EXPECT_FALSE(ReadPng(Path.c_str(), &Pixels, &Width, &Height));
-    EXPECT_FALSE(ReadPng((testing::TempDir() + "missing.png").c_str(), &Pixels, &Width, &Height));
+    EXPECT_FALSE(ReadPng(Folder.File("missing.png").c_str(), &Pixels, &Width, &Height));
     EXPECT_EQ(Pixels, std::vector<UINT32>{7});
     EXPECT_EQ(Width, 8u);
     EXPECT_EQ(Height, 9u);

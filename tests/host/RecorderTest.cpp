@@ -6,12 +6,14 @@
 
 #include <gtest/gtest.h>
 
+#include "TestFolder.h"
+
 namespace {
 
 class Recorder : public testing::Test {
 protected:
-    Recorder() : Path(testing::TempDir() + "record.script"), Open(OpenRecorder(Path.c_str()))
-{
+    Recorder() : Path(Folder.File("record.script")), Open(OpenRecorder(Path.c_str()))
+    {
         Input.PointerX = 10;
         Input.PointerY = 20;
     }
@@ -22,6 +24,7 @@ protected:
         return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
     }
 
+    TestFolder Folder;
     std::string Path;
     RECORDER* Open;
     WINDOW_INPUT Input{};
@@ -79,7 +82,7 @@ TEST_F(Recorder, IsOnDiskAfterEachTurn)
 
 TEST(RecorderFile, SaysWhenItCannotBeCreatedOrWritten)
 {
-    EXPECT_EQ(OpenRecorder((testing::TempDir() + "no/such/folder/x").c_str()), nullptr);
+    EXPECT_EQ(OpenRecorder(TestFolder().File("no/such/folder/x").c_str()), nullptr);
     RECORDER* Full = OpenRecorder("/dev/full");
     ASSERT_NE(Full, nullptr);
     RecordTurn(Full, 0, WINDOW_INPUT{});
