@@ -102,10 +102,8 @@ EFI_STATUS CreateButton(BTN_COMPONENT** ButtonOut, const EFI_GUID* FileGuid, UIN
                            &Button->Events[BUTTON_SLOT_PRIMARY]);
     const EFI_STATUS Status =
         CreateEvent(EVT_NOTIFY_SIGNAL, TPL_NOTIFY, OnButtonReset, Button, &Button->SecondaryEvent);
-    if (gGuiCore->Components != nullptr) {
-        (void)RegisterComponent(gGuiCore->Components, Button, &Button->Rect, _BTN_COMPONENT, &Button->Id,
-                                Button->Events[BUTTON_SLOT_PRIMARY], Button->SecondaryEvent, Button->Title);
-    }
+    RegisterControl(Button, &Button->Rect, _BTN_COMPONENT, &Button->Id, Button->Events[BUTTON_SLOT_PRIMARY],
+                    Button->SecondaryEvent, Button->Title);
     Button->HoverHandler = OnButtonEvent;
     *ButtonOut = Button;
     return Status;

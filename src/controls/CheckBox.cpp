@@ -145,10 +145,7 @@ EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT
     (void)CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, SetCheckBoxState, New, &New->EventGroup,
                            &New->SecondaryEvent);
     NameBox(New, Caption, CaptionX, CaptionY);
-    if (gGuiCore->Components != nullptr) {
-        (void)RegisterComponent(gGuiCore->Components, New, &New->Rect, _CHECK_BOX_COMPONENT, &New->Id,
-                                New->PrimaryEvent, New->SecondaryEvent, New->Name);
-    }
+    RegisterControl(New, &New->Rect, _CHECK_BOX_COMPONENT, &New->Id, New->PrimaryEvent, New->SecondaryEvent, New->Name);
     gCheckBoxCount++;
     New->HoverHandler = OnCheckBoxEvent;
     New->State = 1;
@@ -229,8 +226,7 @@ static VOID SwitchComponent(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK
     if (Link->ComponentId == 0) {
         return;
     }
-    GUI_COMPONENT* Component = nullptr;
-    (void)FindComponent(gGuiCore->Components, Link->ComponentId, &Component);
+    GUI_COMPONENT* Component = ComponentOf(Link->ComponentId);
     if (Component == nullptr) {
         return;
     }

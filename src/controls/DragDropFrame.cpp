@@ -152,10 +152,7 @@ static VOID CreateNode(DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 CellInde
         .Height = Frame->CellHeight,
         .BufferSize = static_cast<UINT64>(Frame->CellWidth) * Frame->CellHeight * sizeof(PIXEL),
     };
-    if (gGuiCore->Components != nullptr) {
-        (void)RegisterComponent(gGuiCore->Components, Frame, &Rect, _DRAGDROP_COMPONENT, &Node->Id,
-                                Frame->PrimaryEvent, nullptr, Node->Name);
-    }
+    RegisterControl(Frame, &Rect, _DRAGDROP_COMPONENT, &Node->Id, Frame->PrimaryEvent, nullptr, Node->Name);
 }
 
 EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* DutyLabels, const EFI_GUID* FileGuid,
@@ -197,10 +194,7 @@ EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* D
     for (UINT32 I = 0; I < gNodeCount; I++) {
         CreateNode(Frame, I, NodeCells[I], Width, Height);
     }
-    if (gGuiCore->Components != nullptr) {
-        (void)RegisterComponent(gGuiCore->Components, Frame, &Rect, _BLT_BUF, &Frame->Id, Frame->PrimaryEvent,
-                                Frame->SecondaryEvent, u"DD_Frame");
-    }
+    RegisterControl(Frame, &Rect, _BLT_BUF, &Frame->Id, Frame->PrimaryEvent, Frame->SecondaryEvent, u"DD_Frame");
     return EFI_SUCCESS;
 }
 
@@ -228,21 +222,6 @@ EFI_STATUS DestroyDragDropFrame(DRAGDROP_COMPONENT* Frame)
     return Status;
 }
 
-EFI_STATUS FindNodeComponent(DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Node, GUI_COMPONENT** Component)
-{
-    const EFI_STATUS Status = FindComponent(gGuiCore->Components, static_cast<UINT16>(Node.Id), Component);
-    if (EfiError(Status)) {
-        return Status;
-    }
-    // A node that found no pool to register with has the id of the next component; the name tells the two apart.
-    const GUI_COMPONENT* Found = *Component;
-    if (Found == nullptr || Found->Owner != Frame || Found->Kind != _DRAGDROP_COMPONENT || Node.Name == nullptr ||
-        Found->Name != Node.Name) {
-        return EFI_NOT_FOUND;
-    }
-    return EFI_SUCCESS;
-}
-
 VOID MoveNode(const DRAGDROP_COMPONENT* Frame, DD_FRAME_NODE* Node, GUI_COMPONENT* Component,
               const DD_FRAME_CELL& Cell)
 {
@@ -261,7 +240,7 @@ EFI_STATUS SetDragDropNodes(DRAGDROP_COMPONENT* Frame, const UINT8* Places)
         const UINT8 Column = Places[gNodeCount - 1 - I];
         const UINT8 Level = Places[gNodeCount + I];
         GUI_COMPONENT* Component = nullptr;
-        Status = FindNodeComponent(Frame, Frame->Nodes[I], &Component);
+        Status = FindComponent(gGuiCore->Components, static_cast<UINT16>(Frame->Nodes[I].Id), &Component);
         if (EfiError(Status)) {
             continue;
         }

@@ -21,10 +21,6 @@ const DD_FRAME_CELL* CellAt(const DRAGDROP_COMPONENT* Frame, UINT32 Index);
 // Where the top left corner of a node's picture stands at rest.
 POINT RestingPlace(const DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Node);
 
-// The registry's entry of a node. A registration that found no pool leaves an id that belongs to another component, or
-// to none: that is no entry either, and gives EFI_NOT_FOUND.
-EFI_STATUS FindNodeComponent(DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Node, GUI_COMPONENT** Component);
-
 // Puts a node and its component on a cell.
 VOID MoveNode(const DRAGDROP_COMPONENT* Frame, DD_FRAME_NODE* Node, GUI_COMPONENT* Component,
               const DD_FRAME_CELL& Cell);

@@ -56,8 +56,8 @@ static const DD_FRAME_CELL* CellUnder(const DRAGDROP_COMPONENT* Frame, INT64 X, 
 static EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
 {
     const DD_FRAME_CELL* Cell = CellUnder(Frame, X, Y);
-    GUI_COMPONENT* Component = nullptr;
-    if (EfiError(FindNodeComponent(Frame, Frame->Nodes[Frame->ActiveNode], &Component))) {
+    GUI_COMPONENT* Component = ComponentOf(Frame->Nodes[Frame->ActiveNode].Id);
+    if (Component == nullptr) {
         return EFI_NOT_FOUND;
     }
     if (Cell == nullptr) {
@@ -131,9 +131,7 @@ EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
         return EFI_NOT_FOUND;
     }
     for (UINT8 I = 0; I < gNodeCount; I++) {
-        GUI_COMPONENT* Component = nullptr;
-        if (Frame->Nodes[I].Id == gGuiCore->HitId &&
-            !EfiError(FindNodeComponent(Frame, Frame->Nodes[I], &Component))) {
+        if (Frame->Nodes[I].Id == gGuiCore->HitId) {
             gGuiCore->TargetId = static_cast<UINT16>(Frame->Nodes[I].Id);
             gGuiCore->Target = Frame;
             gGuiCore->TargetKind = _DRAGDROP_COMPONENT;

@@ -57,7 +57,7 @@ static VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 
 }
 
 // Registers one of the two components. Its name carries the id that comes out of it, and so is written afterwards.
-static VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, UINT32 Kind, UINT32* IdOut,
+static VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, COMPONENT_KIND Kind, UINT32* IdOut,
                                EFI_EVENT SecondaryEvent, CHAR16** NameOut, const CHAR16* Stem)
 {
     CHAR16* Name = AllocateArray<CHAR16>(gNameLength);
@@ -65,10 +65,7 @@ static VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, U
         (void)FormatUnicodeText(Name, gNameFormatSize, u"N/A");
     }
     *NameOut = Name;
-    if (gGuiCore->Components != nullptr) {
-        (void)RegisterComponent(gGuiCore->Components, Slider, Rect, Kind, IdOut, Slider->PrimaryEvent, SecondaryEvent,
-                                Name);
-    }
+    RegisterControl(Slider, Rect, Kind, IdOut, Slider->PrimaryEvent, SecondaryEvent, Name);
     if (Name != nullptr) {
         (void)FormatUnicodeText(Name, gNameFormatSize, u"%s%d", Stem, static_cast<INT32>(*IdOut));
     }
@@ -151,10 +148,8 @@ EFI_STATUS DestroySlider(SLIDER_COMPONENT* Slider)
 // Brings the thumb, in the record and in the registry, to the place of the slider's level.
 static EFI_STATUS MoveThumb(SLIDER_COMPONENT* Slider)
 {
-    GUI_COMPONENT* Thumb = nullptr;
-    const EFI_STATUS Status = FindComponent(gGuiCore->Components, static_cast<UINT16>(Slider->ThumbId), &Thumb);
-    // A registration that found no pool leaves an id that belongs to another component, or to none.
-    if (EfiError(Status) || Thumb == nullptr || Thumb->Owner != Slider || Thumb->Kind != _SLIDER_COMPONENT) {
+    GUI_COMPONENT* Thumb = Slider->ThumbId == 0 ? nullptr : ComponentOf(Slider->ThumbId);
+    if (Thumb == nullptr) {
         return EFI_NOT_FOUND;
     }
     Thumb->Rect.Y = ThumbTop(Slider);

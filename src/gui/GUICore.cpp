@@ -220,6 +220,27 @@ EFI_STATUS FindComponent(GUI_COMPONENT_LIST* List, UINT16 Id, GUI_COMPONENT** Co
     return EFI_NOT_FOUND;
 }
 
+VOID RegisterControl(VOID* Owner, const GUI_RECT* Rect, COMPONENT_KIND Kind, UINT32* IdOut, EFI_EVENT PrimaryEvent,
+                     EFI_EVENT SecondaryEvent, const CHAR16* Name)
+{
+    GUI_COMPONENT_LIST* List = gGuiCore->Components;
+    if (List == nullptr) {
+        return;
+    }
+    const UINT16 Before = List->Count;
+    (void)RegisterComponent(List, Owner, Rect, Kind, IdOut, PrimaryEvent, SecondaryEvent, Name);
+    if (List->Count == Before) {
+        *IdOut = gUnregisteredId;
+    }
+}
+
+GUI_COMPONENT* ComponentOf(UINT32 Id)
+{
+    GUI_COMPONENT* Component = nullptr;
+    (void)FindComponent(gGuiCore->Components, static_cast<UINT16>(Id), &Component);
+    return Component;
+}
+
 VOID ClearTarget()
 {
     ClearTargetOf(gGuiCore);

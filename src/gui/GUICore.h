@@ -146,8 +146,20 @@ EFI_STATUS DestroyGuiCore();
 EFI_STATUS RegisterComponent(GUI_COMPONENT_LIST* List, VOID* Owner, const GUI_RECT* Rect, UINT32 Kind, UINT32* IdOut,
                              EFI_EVENT PrimaryEvent, EFI_EVENT SecondaryEvent, const CHAR16* Name);
 
+// The id of a control that got no entry: no component ever has it.
+constexpr UINT32 gUnregisteredId = 0xFFFF;
+
+// Registers a rectangle of a control with gGuiCore and writes the control's id to IdOut, for good. Without pool that is
+// gUnregisteredId, not the id that the next one gets: two controls that shared one would be taken for each other, and a
+// fan be given what was meant for its neighbour. A control that isn't registered can't be hit and is on no page.
+VOID RegisterControl(VOID* Owner, const GUI_RECT* Rect, COMPONENT_KIND Kind, UINT32* IdOut, EFI_EVENT PrimaryEvent,
+                     EFI_EVENT SecondaryEvent, const CHAR16* Name);
+
 // The entry with that id; EFI_NOT_FOUND and a null when there is none.
 EFI_STATUS FindComponent(GUI_COMPONENT_LIST* List, UINT16 Id, GUI_COMPONENT** ComponentOut);
+
+// The same of gGuiCore's registry; null when there is none.
+GUI_COMPONENT* ComponentOf(UINT32 Id);
 
 // No target is pending any more.
 VOID ClearTarget();

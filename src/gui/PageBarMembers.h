@@ -28,10 +28,3 @@ inline UINT32 ControlId(const PAGE_BAR_ENTRY* Entry)
 {
     return Entry->Kind == _RADIO_BTN_COMPONENT ? ButtonOf(Entry)->Id : CheckBoxOf(Entry)->Id;
 }
-
-inline GUI_COMPONENT* ComponentOf(UINT32 Id)
-{
-    GUI_COMPONENT* Component = nullptr;
-    (void)FindComponent(gGuiCore->Components, static_cast<UINT16>(Id), &Component);
-    return Component;
-}

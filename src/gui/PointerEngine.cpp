@@ -36,13 +36,6 @@ struct GUI_LISTENER_LIST {
 GUI_LISTENER_LIST gSliderListeners = {};
 GUI_LISTENER_LIST gDragDropListeners = {};
 
-GUI_COMPONENT* ComponentOf(UINT32 Id)
-{
-    GUI_COMPONENT* Component = nullptr;
-    (void)FindComponent(gGuiCore->Components, static_cast<UINT16>(Id), &Component);
-    return Component;
-}
-
 bool IsActive(UINT32 Id)
 {
     const GUI_COMPONENT* Component = ComponentOf(Id);

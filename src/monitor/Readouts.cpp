@@ -93,11 +93,11 @@ VOID CreateVoltageGauges()
             const TEMPORARY<CHAR16> Title(gHwService->GetItemString(gHwService, static_cast<UINT8>(Item)));
             (void)CreateVoltageGauge(&gVoltageGauge[Gauge], Title.Data, static_cast<INT32>(Facts.X));
         }
-        if (gVoltageGauge[Gauge] != nullptr && gGuiCore->Components != nullptr) {
+        if (gVoltageGauge[Gauge] != nullptr) {
             const GUI_RECT Rect = {Facts.X, gGaugeY, gGaugeWidth, gGaugeHeight,
                                    gGaugeWidth * gGaugeHeight * sizeof(PIXEL)};
-            (void)RegisterComponent(gGuiCore->Components, gVoltageGauge[Gauge], &Rect, _BLT_BUF,
-                                    &gVoltageGauge[Gauge]->Id, nullptr, nullptr, Facts.Name);
+            RegisterControl(gVoltageGauge[Gauge], &Rect, _BLT_BUF, &gVoltageGauge[Gauge]->Id, nullptr, nullptr,
+                            Facts.Name);
         }
     }
 }

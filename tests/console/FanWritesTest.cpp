@@ -1,5 +1,6 @@
 // What a fan's service is told, and when: every occasion on which a page writes, every one on which it doesn't, and what
 // becomes of settings that no service should hold.
+#include "gui/GUICore.h"
 #include "tests/console/ConsoleBench.h"
 
 namespace {
@@ -216,6 +217,46 @@ TEST(FanWrites, ServicesThatFailToReadOrWriteAreNotAskedAgain)
     EXPECT_GE(Run.Settings(4).size(), 2u);
     for (int Fan : {6, 7, 8}) {
         EXPECT_EQ(Run.Settings(Fan).size(), 1u) << Fan;
+    }
+}
+
+// Plays the scene once for each component that a start registers, each time without pool for that one; how often the
+// writes came out as they did.
+std::map<WRITES, int> WritesWithoutOneComponent(SCENE Scene)
+{
+    Scene.Options.TracePool = true;
+    const std::vector<CALL_LINE> Allocations = Scene.Play().Named("AllocatePool");
+    Scene.Options.TracePool = false;
+    std::map<WRITES, int> Outcomes;
+    for (const CALL_LINE& Call : Allocations) {
+        if (Call.Number("bytes") == sizeof(GUI_COMPONENT)) {
+            Scene.Options.PoolFail = Call.Number("block");
+            Outcomes[Scene.Play().AllSettings()]++;
+        }
+    }
+    return Outcomes;
+}
+
+TEST(FanWrites, AControlWithoutAPlaceInTheRegistryIsTakenForNoOther)
+{
+    // Fans 9 and 10 alone, which have a thumb and nothing else. Without its tab 10 can't be chosen, and without its thumb
+    // or the frame that this stands on not be set; whatever else is missing, what is meant for it doesn't reach 9.
+    SCENE Scene;
+    for (int Item = 0; Item <= 17; Item++) {
+        if (Item != 9 && Item != 10) {
+            Scene.Line("reading " + std::to_string(Item) + " absent");
+        }
+    }
+    SelectTab(Scene, 10);
+    Scene.Drag(397, 322, {{397, 362}});
+    std::map<WRITES, int> Outcomes = WritesWithoutOneComponent(Scene);
+    const WRITES Ten = {Write(10, "00 00 00 00 00 00 00 00 00 00 04")};
+    EXPECT_GT(Outcomes[Ten], 8);
+    Outcomes.erase(Ten);
+    EXPECT_EQ(Outcomes[WRITES{}], 3);
+    Outcomes.erase(WRITES{});
+    for (const auto& [Others, Times] : Outcomes) {
+        ADD_FAILURE() << Times << " times " << testing::PrintToString(Others);
     }
 }
 
