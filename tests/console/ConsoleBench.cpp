@@ -1,7 +1,5 @@
 #include "tests/console/ConsoleBench.h"
 
-#include <nlohmann/json.hpp>
-
 #include "gui/GUICore.h"
 #include "platform/board/BoardServices.h"
 
@@ -11,48 +9,11 @@ namespace {
 constexpr UINT64 gShortPress = 50000;
 constexpr UINT64 gLongPress = 300000;
 
-CALL_LINE ParseLine(const std::string& Line)
-{
-    const nlohmann::json Object = nlohmann::json::parse(Line);
-    CALL_LINE Call;
-    for (const auto& [Name, Value] : Object.items()) {
-        if (Name == "call") {
-            Call.Call = Value.get<std::string>();
-        } else if (Name == "us") {
-            Call.Microseconds = Value.get<UINT64>();
-        } else if (Name == "start") {
-            Call.Start = Value.get<UINT64>();
-        } else if (Name == "turn") {
-            Call.Turn = Value.get<UINT64>();
-        } else {
-            Call.Fields[Name] = Value.is_string() ? Value.get<std::string>() : Value.dump();
-        }
-    }
-    return Call;
-}
-
 } // namespace
-
-std::string CALL_LINE::Text(const std::string& Field) const
-{
-    const auto Found = Fields.find(Field);
-    return Found == Fields.end() ? "(no field " + Field + ")" : Found->second;
-}
-
-UINT64 CALL_LINE::Number(const std::string& Field) const
-{
-    return std::strtoull(Text(Field).c_str(), nullptr, 10);
-}
 
 std::vector<CALL_LINE> RUN::Named(const std::string& Call) const
 {
-    std::vector<CALL_LINE> Found;
-    for (const CALL_LINE& Line : Calls) {
-        if (Line.Call == Call) {
-            Found.push_back(Line);
-        }
-    }
-    return Found;
+    return CallsNamed(Calls, Call);
 }
 
 std::vector<CALL_LINE> RUN::InTurn(UINT64 Turn, UINT64 Start) const
@@ -259,8 +220,6 @@ RUN SCENE::Play() const
         ADD_FAILURE() << "pool still held: " << Leak.Description;
     }
     EXPECT_EQ(BoardContractFaults(), FaultsBefore) << LastBoardContractFault();
-    for (const std::string& Line : Run.Session.Trace) {
-        Run.Calls.push_back(ParseLine(Line));
-    }
+    Run.Calls = ParseTrace(Run.Session.Trace);
     return Run;
 }

@@ -16,19 +16,7 @@
 #include <vector>
 
 #include "platform/host/Session.h"
-
-// One line of the trace. Numbers are kept as text too, so that a field can be compared without knowing its kind.
-struct CALL_LINE {
-    std::string Call;
-    UINT64 Microseconds = 0;
-    UINT64 Start = 0;
-    UINT64 Turn = 0;
-    std::map<std::string, std::string> Fields; // strings without quotes, numbers in decimal, null as "null"
-
-    std::string Text(const std::string& Field) const;
-    UINT64 Number(const std::string& Field) const;
-    bool operator==(const CALL_LINE&) const = default;
-};
+#include "tests/host/TraceLines.h"
 
 struct RUN {
     SESSION_RESULT Session;

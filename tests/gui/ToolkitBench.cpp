@@ -1,11 +1,10 @@
 #include "tests/gui/ToolkitBench.h"
 
-#include <nlohmann/json.hpp>
-
 #include "platform/board/ArtworkPack.h"
 #include "shell/Board.h"
 #include "shell/Main.h"
 #include "support/Library.h"
+#include "tests/host/TraceLines.h"
 
 std::ostream& operator<<(std::ostream& Out, const BLT_CALL& Call)
 {
@@ -50,12 +49,10 @@ VOID TOOLKIT::End()
 std::vector<BLT_CALL> TOOLKIT::Blts()
 {
     std::vector<BLT_CALL> Calls;
-    for (const std::string& Line : Boot->Trace.Lines) {
-        const nlohmann::json Object = nlohmann::json::parse(Line);
-        if (Object["call"] == "Blt") {
-            EXPECT_EQ(Object["status"], "0x0000000000000000");
-            Calls.push_back({Object["x"], Object["y"], Object["width"], Object["height"], Object["delta"]});
-        }
+    for (const CALL_LINE& Line : CallsNamed(ParseTrace(Boot->Trace.Lines), "Blt")) {
+        EXPECT_EQ(Line.Text("status"), "0x0000000000000000");
+        Calls.push_back({Line.Number("x"), Line.Number("y"), Line.Number("width"), Line.Number("height"),
+                         Line.Number("delta")});
     }
     Boot->Trace.Lines.clear();
     return Calls;
@@ -64,12 +61,8 @@ std::vector<BLT_CALL> TOOLKIT::Blts()
 std::vector<std::string> TOOLKIT::Fields(const std::string& Call, const std::string& Field)
 {
     std::vector<std::string> Found;
-    for (const std::string& Line : Boot->Trace.Lines) {
-        const nlohmann::json Object = nlohmann::json::parse(Line);
-        if (Object["call"] == Call) {
-            const nlohmann::json& Value = Object[Field];
-            Found.push_back(Value.is_string() ? Value.get<std::string>() : Value.dump());
-        }
+    for (const CALL_LINE& Line : CallsNamed(ParseTrace(Boot->Trace.Lines), Call)) {
+        Found.push_back(Line.Text(Field));
     }
     Boot->Trace.Lines.clear();
     return Found;
