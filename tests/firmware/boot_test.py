@@ -320,12 +320,21 @@ class FromTheShell(BootCase):
             machine.wait_for_console()
             machine.key("esc")
             machine.wait_for("ventara: pointer closed")
+            shell = machine.look()
             machine.type("fs0:\\start.efi\n")
             machine.wait_for("ventara: starter")
             machine.wait_for_console()
             self.assertNotIn("board driver loaded", machine.log(), "the services are there already")
             machine.key("esc")
             self.assertEqual(machine.wait_for("ventara: returned "), "Success")
+            machine.wait_for("ventara: menu")
+            machine.key("b")
+            machine.wait_for("ventara: boot menu")
+            # The shell gets its display back: in its mode, and with nothing on it but text.
+            machine.look_until(lambda now: (now.width, now.height) == (shell.width, shell.height) and
+                               now.crop(0, shell.height // 2, shell.width, 200).same(
+                                   shell.crop(0, shell.height // 2, shell.width, 200)),
+                               what="the shell")
 
 
 class SecureBoot(BootCase):

@@ -26,6 +26,12 @@ EFI_GRAPHICS_OUTPUT_PROTOCOL* gGraphics;
 PIXEL* gPicture; // null until there is memory for it
 bool gReady;     // the display is in the console's mode
 
+// The display as it was found: whoever started the starter, a shell for one, writes on it again afterwards, in the places
+// that its own mode has.
+bool gFound;
+UINT32 gFoundMode;
+BOOLEAN gFoundCursor;
+
 // Whether the picture lies in memory with four bytes a pixel. By masks a pixel has as many bytes as the highest bit of
 // any of them asks for.
 bool HasWidePixels(const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode)
@@ -130,6 +136,11 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable)
         return DISPLAY_NO_GRAPHICS;
     }
     gGraphics = static_cast<EFI_GRAPHICS_OUTPUT_PROTOCOL*>(Interface);
+    if (!gFound) {
+        gFound = true;
+        gFoundMode = gGraphics->Mode->Mode;
+        gFoundCursor = SystemTable->ConOut != nullptr ? SystemTable->ConOut->Mode->CursorVisible : BOOLEAN{0};
+    }
     if (SystemTable->ConOut != nullptr) {
         (void)SystemTable->ConOut->EnableCursor(SystemTable->ConOut, 0);
     }
@@ -189,5 +200,14 @@ VOID CloseDisplay()
     if (gPicture != nullptr) {
         (void)gTable->BootServices->FreePool(gPicture);
         gPicture = nullptr;
+    }
+    if (!gFound) {
+        return;
+    }
+    gFound = false;
+    (void)gGraphics->SetMode(gGraphics, gFoundMode); // clears the display too
+    if (EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL* Console = gTable->ConOut) {
+        (void)Console->ClearScreen(Console);
+        (void)Console->EnableCursor(Console, gFoundCursor);
     }
 }

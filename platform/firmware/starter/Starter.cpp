@@ -264,9 +264,6 @@ extern "C" EFI_STATUS StarterEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* Sys
         ReportStatus("ventara: board driver unloaded: ", SystemTable->BootServices->UnloadImage(gDriver));
     }
     CloseDisplay();
-    if (SystemTable->ConOut != nullptr) {
-        (void)SystemTable->ConOut->ClearScreen(SystemTable->ConOut);
-    }
     Report("ventara: boot menu\n");
     // A boot option that returns success makes the firmware show its menu.
     return EFI_SUCCESS;
