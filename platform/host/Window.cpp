@@ -26,6 +26,7 @@ struct WINDOW {
     INT32 PointerY;
     bool Left;
     bool Right;
+    bool Released; // the last turn was the first that saw the left button up again
     bool Closed;
     UINT64 LastTurn; // microseconds of HostMicroseconds, as all times here
     UINT64 LastChange;
@@ -365,6 +366,7 @@ bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input)
 {
     const INT32 OldX = Window->PointerX;
     const INT32 OldY = Window->PointerY;
+    const bool WasLeft = Window->Left;
     Input->Keys.clear();
     Input->Moved = false;
 
@@ -372,7 +374,8 @@ bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input)
     SDL_Event Event;
     while (SDL_PeepEvents(&Event, 1, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) == 1) {
         const bool Button = Event.type == SDL_MOUSEBUTTONDOWN || Event.type == SDL_MOUSEBUTTONUP;
-        if (Input->Moved && (Button || Event.type == SDL_MOUSEMOTION)) {
+        const bool Press = Event.type == SDL_MOUSEBUTTONDOWN && Event.button.button == SDL_BUTTON_LEFT;
+        if ((Input->Moved && (Button || Event.type == SDL_MOUSEMOTION)) || (Window->Released && Press)) {
             break; // for the next turn
         }
         SDL_PeepEvents(&Event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
@@ -392,6 +395,7 @@ bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input)
     Input->Left = Window->Left;
     Input->Right = Window->Right;
     Input->Closed = Window->Closed;
+    Window->Released = WasLeft && !Window->Left;
     if (Input->Moved || !Input->Keys.empty()) {
         Window->LastChange = HostMicroseconds();
     }

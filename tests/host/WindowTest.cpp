@@ -102,6 +102,17 @@ TEST_F(OpenedWindow, ShowsAClickThatBeganAndEndedBetweenTwoTurnsWhereThePointerW
     ExpectTurn(300, 300, false, true, false);
 }
 
+TEST_F(OpenedWindow, ShowsAReleaseForTwoTurnsHoweverSoonTheNextPressCame)
+{
+    PutButton(true, SDL_BUTTON_LEFT, 50, 50);
+    PutButton(false, SDL_BUTTON_LEFT, 50, 50);
+    PutButton(true, SDL_BUTTON_LEFT, 50, 50);
+    ExpectTurn(50, 50, true, false, true);
+    ExpectTurn(50, 50, false, false, true);
+    ExpectTurn(50, 50, false, false, false);
+    ExpectTurn(50, 50, true, false, true);
+}
+
 TEST_F(OpenedWindow, TurnsKeysAndTextIntoTheFirmwaresKeyStrokesInTheirOrder)
 {
     PutKey(SDLK_s); // its text follows; the key itself is none of the firmware's
