@@ -34,7 +34,8 @@ VOID CloseWindow(WINDOW* Window);
 // Takes in what happened since the last call and writes all of Input. A click that began and ended between two turns
 // isn't lost, and a button goes down and up where the pointer was: a turn takes in one change of a button at most and
 // no movement after it, and the turns that follow take in the rest. A release of the left button is shown for two turns:
-// a console that meets the next press in the turn behind it takes that for a click that goes on. False once the user asked to close the window.
+// a console that meets the next press in the turn behind it takes that for a click that goes on. False once the user asked
+// to close the window.
 bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input);
 
 // Shows the display: WINDOW_DISPLAY_HEIGHT rows of WINDOW_DISPLAY_WIDTH words in the display's order (blue lowest).

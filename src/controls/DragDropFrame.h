@@ -37,7 +37,7 @@ struct DD_FRAME_NODE {
     UINT32 Right;
     UINT32 Column;
     UINT32 Row;
-    UINT32 Id; // read as 16 bits; 0 while the node has no component
+    UINT32 Id; // of its component; 0 before it is registered, gUnregisteredId where that failed
     CHAR16* Name; // 256 bytes. Owned
     PIXEL* Image; // inside NodeImages
 };
@@ -58,7 +58,7 @@ struct _DRAGDROP_COMPONENT {
     PIXEL* NodeImages;                // strip of four node pictures. Owned
     UINT8 Inverted;
     UINT8 Linked; // a check box writes its state here
-    UINT32 Id;    // the component that pages switch for the whole frame; 0 while there is none
+    UINT32 Id;    // the component that pages switch for the whole frame; 0 and gUnregisteredId as for a node
     EFI_EVENT PrimaryEvent;
     EFI_EVENT SecondaryEvent;
 };

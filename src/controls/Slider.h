@@ -21,7 +21,7 @@ struct _SLIDER_COMPONENT {
     UINT16 Level;      // 0 is the bottom row, Rows - 1 the top row. Values beyond are kept and not drawn
     GUI_RECT ThumbRect;
     PIXEL* ThumbImage; // owned
-    UINT32 ThumbId;    // 0 while the slider has no component
+    UINT32 ThumbId;    // 0 before it is registered, gUnregisteredId where that failed
     CHAR16* ThumbName; // 128 characters. Owned
     UINT8 Dragging;
     PIXEL* GridImage;  // shared with other sliders and frames

@@ -5,8 +5,9 @@
 // table of facts. A page's controls are built once and live to the end of the program; what changes during a run is in
 // the controls themselves.
 //
-// A control for which there was no memory is missing from its page: its pointer is null, or its record has no component
-// id. Everybody who reaches for a page's control asks first.
+// A control for which there was no memory is missing from its page: its pointer is null, or its record has no pictures.
+// One that only lacks its place in the registry is shown and takes no mouse. Everybody who reaches for a page's control
+// asks first.
 #pragma once
 
 #include "controls/Button.h"

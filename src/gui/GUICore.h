@@ -151,7 +151,7 @@ constexpr UINT32 gUnregisteredId = 0xFFFF;
 
 // Registers a rectangle of a control with gGuiCore and writes the control's id to IdOut, for good. Without pool that is
 // gUnregisteredId, not the id that the next one gets: two controls that shared one would be taken for each other, and a
-// fan be given what was meant for its neighbour. A control that isn't registered can't be hit and is on no page.
+// fan be given what was meant for its neighbour. A control that isn't registered is painted and can't be hit.
 VOID RegisterControl(VOID* Owner, const GUI_RECT* Rect, COMPONENT_KIND Kind, UINT32* IdOut, EFI_EVENT PrimaryEvent,
                      EFI_EVENT SecondaryEvent, const CHAR16* Name);
 

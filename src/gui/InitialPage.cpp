@@ -67,7 +67,7 @@ VOID ShowSelectedSource(const PAGE_BAR_MEMBERS& Members)
             continue;
         }
         const CHECK_BOX_COMPONENT* Radio = Members.RadioOfSource(Item);
-        if (gTemperaturePageBar != nullptr && Radio != nullptr) {
+        if (gTemperaturePageBar != nullptr && Radio != nullptr && ComponentOf(Radio->Id) != nullptr) {
             gTemperaturePageBar->SelectedId = Radio->Id;
         }
         break;

@@ -223,3 +223,29 @@ RUN SCENE::Play() const
     Run.Calls = ParseTrace(Run.Session.Trace);
     return Run;
 }
+
+SCENE SceneWithOnly(const std::vector<int>& Items)
+{
+    SCENE Scene;
+    for (int Item = 0; Item <= 17; Item++) {
+        if (std::find(Items.begin(), Items.end(), Item) == Items.end()) {
+            Scene.Line("reading " + std::to_string(Item) + " absent");
+        }
+    }
+    return Scene;
+}
+
+std::vector<RUN> PlayWithoutOneComponent(SCENE Scene)
+{
+    Scene.Options.TracePool = true;
+    const std::vector<CALL_LINE> Allocations = Scene.Play().Named("AllocatePool");
+    Scene.Options.TracePool = false;
+    std::vector<RUN> Runs;
+    for (const CALL_LINE& Call : Allocations) {
+        if (Call.Number("bytes") == sizeof(GUI_COMPONENT)) {
+            Scene.Options.PoolFail = Call.Number("block");
+            Runs.push_back(Scene.Play());
+        }
+    }
+    return Runs;
+}

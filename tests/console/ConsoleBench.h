@@ -74,3 +74,9 @@ struct SCENE {
     // complain of, when pool is still held, or when a service got a record that no fan should get.
     RUN Play() const;
 };
+
+// A board with these items alone.
+SCENE SceneWithOnly(const std::vector<int>& Items);
+
+// Plays the scene once for each component that a start registers, each time without pool for that one.
+std::vector<RUN> PlayWithoutOneComponent(SCENE Scene);

@@ -174,6 +174,28 @@ TEST(PageBar, ARadioActsOnThePress)
     EXPECT_TRUE(SameRing(End, 333, Start, 370));
 }
 
+TEST(PageBar, OneSourceIsSelectedAlsoWhereARadioHasNoPlaceInTheRegistry)
+{
+    SCENE Scene = SceneWithOnly({0, 1, 2, 4});
+    for (const int Y : {345, 308, 382, 345, 308}) {
+        Scene.Click(75, Y).Move(600, 20).Screenshot(std::to_string(100 + Scene.TurnsSoFar));
+    }
+    // A digit for each click. A radio that is missing takes none of them, and the others go on taking theirs.
+    std::map<std::string, int> Selected;
+    for (const RUN& Run : PlayWithoutOneComponent(Scene)) {
+        std::string Path;
+        for (const auto& [Name, Picture] : Run.Session.Pictures) {
+            for (int Source = 0; Source < 3; Source++) {
+                Path += PixelAt(Picture, 71, 312 + 37 * Source) == 0xF7B500 ? std::to_string(Source) : "";
+            }
+        }
+        Selected[Path]++;
+    }
+    EXPECT_GT(Selected["10210"], 8);
+    Selected.erase("10210");
+    EXPECT_EQ(Selected, (std::map<std::string, int>{{"11211", 1}, {"00220", 1}, {"10010", 1}}));
+}
+
 TEST(PageBar, ALongReleaseOverARadioStopsHoverFramesUntilTheFirstMember)
 {
     // Without fans the last radio is the last component of all, and so a hit even in the turn of a long release.

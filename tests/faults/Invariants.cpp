@@ -102,7 +102,7 @@ std::string CheckTurn(TURN_WATCH* Watch)
     if (!Fault.empty()) {
         return Fault;
     }
-    if (gGuiCore->TargetKind > FocusEventDestroy || gGuiCore->TargetId > gGuiCore->Components->Count ||
+    if (gGuiCore->TargetKind > FocusEventDestroy || (gGuiCore->TargetId > gGuiCore->Components->Count && gGuiCore->TargetId != gUnregisteredId) ||
         gGuiCore->TargetReset > 1 || gDragLock > 1) {
         return "the mailbox holds no legal target";
     }

@@ -30,6 +30,7 @@ OUT_OF_THE_WAY = (8, 740)
 CHECK_BOX = (289, 234, 6, 14)  # the left of the box of the first page; the pointer's tip stands beside it
 ABOUT_BOX = (300, 240, 60, 137)  # the left of the About page's box: of the chart behind it nothing moves there
 FIRST_TAB = (275, 118, 98, 62)
+SHELL_TEXT = (240, 105)  # where the shell's text begins: 100 columns by 31 rows in the middle of 1280 by 800
 READOUTS = ((181, 304, 40, 19), (181, 341, 40, 19), (281, 189, 40, 19), (380, 189, 40, 19))
 
 
@@ -39,6 +40,10 @@ def keep(picture, name):
         os.makedirs(folder, exist_ok=True)
         picture.save(os.path.join(folder, name + ".ppm"))
     return picture
+
+
+def is_black(picture):
+    return not any(picture.pixels)
 
 
 def check_box(now):
@@ -330,11 +335,14 @@ class FromTheShell(BootCase):
             machine.wait_for("ventara: menu")
             machine.key("b")
             machine.wait_for("ventara: boot menu")
-            # The shell gets its display back: in its mode, and with nothing on it but text.
+            # The shell gets its display back: in its mode, with nothing on it but its prompt, and with a cursor.
+            self.assertNotEqual((shell.width, shell.height), (1024, 768), "the starter has a mode to change")
+            prompt = SHELL_TEXT[0] + len("Shell> ") * 8, SHELL_TEXT[1]
             machine.look_until(lambda now: (now.width, now.height) == (shell.width, shell.height) and
-                               now.crop(0, shell.height // 2, shell.width, 200).same(
-                                   shell.crop(0, shell.height // 2, shell.width, 200)),
-                               what="the shell")
+                               is_black(now.crop(0, 200, shell.width, shell.height - 200)) and
+                               is_black(now.crop(prompt[0] + 8, prompt[1], 200, 19)) and
+                               not is_black(now.crop(*prompt, 8, 19)),
+                               what="the shell's prompt")
 
 
 class SecureBoot(BootCase):

@@ -28,7 +28,7 @@ bool gReady;     // the display is in the console's mode
 
 // The display as it was found: whoever started the starter, a shell for one, writes on it again afterwards, in the places
 // that its own mode has.
-bool gFound;
+EFI_GRAPHICS_OUTPUT_PROTOCOL* gFoundGraphics; // null: none yet
 UINT32 gFoundMode;
 BOOLEAN gFoundCursor;
 
@@ -136,8 +136,8 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable)
         return DISPLAY_NO_GRAPHICS;
     }
     gGraphics = static_cast<EFI_GRAPHICS_OUTPUT_PROTOCOL*>(Interface);
-    if (!gFound) {
-        gFound = true;
+    if (gFoundGraphics == nullptr) {
+        gFoundGraphics = gGraphics;
         gFoundMode = gGraphics->Mode->Mode;
         gFoundCursor = SystemTable->ConOut != nullptr ? SystemTable->ConOut->Mode->CursorVisible : BOOLEAN{0};
     }
@@ -201,13 +201,17 @@ VOID CloseDisplay()
         (void)gTable->BootServices->FreePool(gPicture);
         gPicture = nullptr;
     }
-    if (!gFound) {
+    const bool WasOpen = gFoundGraphics != nullptr;
+    if (WasOpen) {
+        (void)gFoundGraphics->SetMode(gFoundGraphics, gFoundMode);
+        gFoundGraphics = nullptr;
+    }
+    EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL* Console = gTable->ConOut;
+    if (Console == nullptr) {
         return;
     }
-    gFound = false;
-    (void)gGraphics->SetMode(gGraphics, gFoundMode); // clears the display too
-    if (EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL* Console = gTable->ConOut) {
-        (void)Console->ClearScreen(Console);
+    (void)Console->ClearScreen(Console);
+    if (WasOpen) {
         (void)Console->EnableCursor(Console, gFoundCursor);
     }
 }

@@ -21,6 +21,6 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable);
 VOID ShowBootScreen();
 // Shows the page over the boot screen; on the text console if the display isn't open.
 VOID ShowPage(const PAGE* Page);
-// Gives the picture's memory back and leaves the display in the mode that it had, cleared, and with its text cursor as
-// the first OpenDisplay found it.
+// Gives the picture's memory back and leaves the display cleared, in the mode and with the text cursor that the first
+// OpenDisplay found.
 VOID CloseDisplay();
