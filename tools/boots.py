@@ -11,12 +11,12 @@ import sys
 import tempfile
 import time
 
+import image
+import qemu
+from console_screen import HOSTED, MACHINES, leave_console, make_hosted_picture, see_console
+from machine import Machine
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-sys.path[:0] = [os.path.join(ROOT, "tools"), os.path.join(ROOT, "tests", "firmware")]
-import image  # noqa: E402
-import qemu  # noqa: E402
-from console_screen import HOSTED, MACHINES, leave_console, make_hosted_picture, see_console  # noqa: E402
-from qmp import Machine  # noqa: E402
 
 
 def keep_traces(machine, folder):

@@ -13,13 +13,12 @@ import tempfile
 import time
 import unittest
 
-HERE = os.path.dirname(os.path.abspath(__file__))
-ROOT = os.path.dirname(os.path.dirname(HERE))
-sys.path[:0] = [HERE, os.path.join(ROOT, "tools")]
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "tools"))
 import image  # noqa: E402
 import qemu  # noqa: E402
 from console_screen import HOSTED, LIVE, make_hosted_picture  # noqa: E402
-from qmp import Machine, bounds  # noqa: E402
+from machine import Machine, bounds  # noqa: E402
 
 FIRMWARE = os.environ.get("VENTARA_FIRMWARE", os.path.join(ROOT, "build", "firmware"))
 

@@ -12,13 +12,11 @@ import sys
 import tempfile
 import unittest
 
-HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, HERE)
-import boot_test  # noqa: E402
-from boot_test import BootCase, READOUTS, ROOT, keep, shows_other_page  # noqa: E402
-from console_screen import MACHINES, UNTOUCHED, leave_console, see_console  # noqa: E402
-import qemu  # noqa: E402
-from qmp import Machine  # noqa: E402
+import boot_test  # and with it the way to tools/
+from boot_test import BootCase, READOUTS, ROOT, keep, shows_other_page
+from console_screen import MACHINES, UNTOUCHED, leave_console, see_console
+from machine import Machine
+import qemu
 
 HARDENED = os.environ.get("VENTARA_HARDENED", os.path.join(ROOT, "build", "hardened"))
 

@@ -1,4 +1,4 @@
-"""A machine under QEMU that a test drives as a person would: looks at its screen, moves its mouse, presses its keys.
+"""A machine under QEMU that is driven as a person would do it: looks at its screen, moves its mouse, presses its keys.
 
     with Machine(image) as machine:
         machine.wait_for_console()
@@ -17,8 +17,8 @@ import sys
 import tempfile
 import time
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools"))
-import qemu  # noqa: E402
+import pngfile
+import qemu
 
 WIDTH = 1024
 HEIGHT = 768
@@ -40,12 +40,9 @@ class Picture:
 
     @staticmethod
     def load(path):
-        """A PPM file, or any picture that pngtopnm-like tools aren't needed for: PNG of 8-bit RGB or RGBA."""
-        with open(path, "rb") as file:
-            data = file.read()
-        if data.startswith(b"P6"):
-            return Picture.from_ppm(data)
-        return _read_png(data)
+        """The picture in a PNG file."""
+        png = pngfile.read(path)
+        return Picture(png.width, png.height, b"".join(png.rows))
 
     def at(self, x, y):
         start = 3 * (y * self.width + x)
@@ -90,45 +87,6 @@ def bounds(points):
     left, right = min(x for x, _ in points), max(x for x, _ in points)
     top, bottom = min(y for _, y in points), max(y for _, y in points)
     return left, top, right - left + 1, bottom - top + 1
-
-
-def _read_png(data):
-    import struct
-    import zlib
-    at, packed, header = 8, b"", None
-    while at < len(data):
-        length, kind = struct.unpack(">I4s", data[at:at + 8])
-        if kind == b"IHDR":
-            header = struct.unpack(">IIBBBBB", data[at + 8:at + 21])
-        elif kind == b"IDAT":
-            packed += data[at + 8:at + 8 + length]
-        at += length + 12
-    width, height, depth, colour, _, _, interlaced = header
-    if depth != 8 or colour not in (2, 6) or interlaced:
-        raise ValueError("only 8-bit RGB and RGBA pictures without interlacing are read")
-    size = 3 if colour == 2 else 4
-    raw, stride = zlib.decompress(packed), width * size
-    before, rows = bytearray(stride), []
-    for y in range(height):
-        kind = raw[y * (stride + 1)]
-        row = bytearray(raw[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
-        for i in range(stride):
-            left = row[i - size] if i >= size else 0
-            above = before[i]
-            corner = before[i - size] if i >= size else 0
-            if kind == 1:
-                row[i] = (row[i] + left) & 255
-            elif kind == 2:
-                row[i] = (row[i] + above) & 255
-            elif kind == 3:
-                row[i] = (row[i] + (left + above) // 2) & 255
-            elif kind == 4:
-                guess = left + above - corner
-                distances = (abs(guess - left), abs(guess - above), abs(guess - corner))
-                row[i] = (row[i] + (left, above, corner)[distances.index(min(distances))]) & 255
-        rows.append(bytes(row) if size == 3 else b"".join(bytes(row[4 * x:4 * x + 3]) for x in range(width)))
-        before = row
-    return Picture(width, height, b"".join(rows))
 
 
 class Machine:

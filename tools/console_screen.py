@@ -1,13 +1,11 @@
 """What the console's first screen has to look like, on whatever machine."""
 import os
 import subprocess
-import sys
 import tempfile
 
-HERE = os.path.dirname(os.path.abspath(__file__))
-ROOT = os.path.dirname(os.path.dirname(HERE))
-sys.path.insert(0, HERE)
-from qmp import Picture  # noqa: E402
+from machine import Picture
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
 HOSTED = os.environ.get("VENTARA_HOSTED", os.path.join(ROOT, "build", "release", "ventara"))
 
