@@ -61,7 +61,9 @@ const SCENARIO gUses[] = {
     {"HelpPage", "full", 0, FIRST_LINES CLICK(887, 94) "pointer 512 400\nturn 3\nkey enter\nturn 5\n" SETTLE, gGaugeTop},
     {"Keys", "full", 0, FIRST_LINES "key f\nturn 2\nkey d\nturn 2\nkey c\nturn 2\n" SETTLE},
     {"Watching", "full", 0, "turn 2\npointer 1020 765\ntick 40\npointer 0 0\nturn 3\npointer 1023 767\nturn 3\n" SETTLE},
-    {"Restart", "full", 0, FIRST_LINES CLICK(420, 150) "key esc\nturn\nstart\ntick 3\n" USE_OF_CONTROLS SETTLE, gGaugeTop},
+    // The pointer keeps to the frame in the first start. Where it left a mark beside that, because the ground couldn't be
+    // painted back, the second start would come upon it and keep it as a part of the screen.
+    {"Restart", "full", 0, "pointer 420 150\n" FIRST_LINES CLICK(420, 150) "key esc\nturn\nstart\ntick 3\n" USE_OF_CONTROLS SETTLE, gGaugeTop},
 };
 const UINTN gUseCount = std::size(gUses);
 
