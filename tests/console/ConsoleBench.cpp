@@ -240,6 +240,7 @@ std::vector<RUN> PlayWithoutOneComponent(SCENE Scene)
     Scene.Options.TracePool = true;
     const std::vector<CALL_LINE> Allocations = Scene.Play().Named("AllocatePool");
     Scene.Options.TracePool = false;
+    Scene.Options.LowTextPictures = true; // dozens of runs, which sanitizers make slow
     std::vector<RUN> Runs;
     for (const CALL_LINE& Call : Allocations) {
         if (Call.Number("bytes") == sizeof(GUI_COMPONENT)) {

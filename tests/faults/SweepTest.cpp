@@ -87,7 +87,7 @@ TEST_P(EveryFailureOfAStart, AnAllocationThatFailsAlone) { Expect(SweepAllocatio
 
 TEST_P(EveryFailureOfAStart, AllAllocationsFromOneOn) { Expect(SweepAllocations(Scenario(), OfAStart(), true)); }
 
-TEST_P(EveryFailureOfAStart, ACallThatFailsAlone) { Expect(SweepCalls(Scenario(), OfAStart(), CallsAtMost(40, 3))); }
+TEST_P(EveryFailureOfAStart, ACallThatFailsAlone) { Expect(SweepCalls(Scenario(), OfAStart(), CallsAtMost(30, 3))); }
 
 TEST_P(EveryFailureOfAStart, AllCallsOfAnOperation) { Expect(SweepOperations(Scenario(), StepOfWays())); }
 
