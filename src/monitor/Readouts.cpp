@@ -27,12 +27,16 @@ constexpr UINT32 gTemperatureY[gTemperatureItemCount] = {304, 341, 378};
 constexpr UINT32 gFanX[gFanItemCount] = {281, 380, 479, 578, 677, 776, 875};
 constexpr UINT32 gFanY = 189;
 
-// The rotations. The readouts read at every second step and rest at the others.
+// The rotations. The readouts read at every second step and rest at the others, and so do the gauges' paintings.
 constexpr UINT64 gReadoutSteps = 14;
 constexpr UINT64 gVoltageSteps = 8;
+constexpr UINT64 gGaugePaintSteps = 14;
 
 UINT64 gReadoutStep;
 UINT64 gVoltageStep;
+UINT64 gGaugePaintStep;
+
+bool gAwaitsPainting[gVoltageItemCount]; // gauges that got a reading after they were painted last
 
 struct READING {
     EFI_STATUS Status;
@@ -74,6 +78,19 @@ VOID UpdateFan(UINTN Fan)
     if (gItemPresent[Item] == 1) {
         const bool OnTop = gGlobalVariable.SelectedFanItem == Item;
         DrawReadout(gFanX[Fan], gFanY, Reading.Value, OnTop ? &gReadoutSelectedColor : &gLabelColor);
+    }
+}
+
+// A gauge that gets the reading it holds takes it that its picture shows it. Readings come faster than paintings, so an
+// equal one waits until the gauge has been painted: else a step of the voltage could be missing from the picture for good.
+VOID HandOver(UINTN Gauge, INT64 Millivolts)
+{
+    VOLTAGE_GAUGE* To = gVoltageGauge[Gauge];
+    if (To == nullptr || (gAwaitsPainting[Gauge] && To->Value == Millivolts)) {
+        return;
+    }
+    if (!EfiError(SetVoltageGaugeValue(To, Millivolts))) {
+        gAwaitsPainting[Gauge] = true;
     }
 }
 
@@ -129,7 +146,21 @@ VOID SampleVoltage()
     const UINTN Gauge = gVoltageStep - 1;
     const READING Reading = ReadItem(gFirstVoltageItem + Gauge);
     if (Reading.Status == EFI_SUCCESS && Reading.Present == 1) {
-        (void)SetVoltageGaugeValue(gVoltageGauge[Gauge], static_cast<INT64>(Reading.Value));
+        HandOver(Gauge, static_cast<INT64>(Reading.Value));
+    }
+}
+
+VOID PaintNextGauge()
+{
+    gGaugePaintStep++;
+    if (gGaugePaintStep >= gGaugePaintSteps) {
+        gGaugePaintStep = 0;
+        return;
+    }
+    if (gGaugePaintStep % 2 == 1) {
+        const UINTN Gauge = gGaugePaintStep / 2;
+        (void)DrawVoltageGauge(gVoltageGauge[Gauge], 0, Gauge == gVoltageItemCount - 1 ? 1 : 0);
+        gAwaitsPainting[Gauge] = false;
     }
 }
 

@@ -1,7 +1,7 @@
 // The live numbers: the readouts of temperatures and fan speeds, and the voltage gauges.
 //
-// Two entry points with different rates spread their reads over several calls, so that no turn of the loop pays for all
-// sensors at once. Readings are taken as signed numbers.
+// Three entry points with different rates spread reads and paintings over several calls, so that no turn of the loop pays
+// for all sensors at once. Readings are taken as signed numbers.
 #pragma once
 
 #include "controls/VoltageGauge.h"
@@ -17,8 +17,12 @@ VOID CreateVoltageGauges();
 // Called in every turn of the main loop.
 VOID UpdateReadouts();
 
-// One step of a rotation of 8: reads a voltage and hands it to its gauge. Draws nothing. Called on the 200 ms tick.
+// One step of a rotation of 8: reads a voltage and hands it to its gauge, but for a reading that the gauge already holds
+// and hasn't painted yet. Draws nothing. Called on the 200 ms tick.
 VOID SampleVoltage();
+
+// One step of a rotation of 14: paints a gauge at every second call. Called on the 200 ms tick, after SampleVoltage.
+VOID PaintNextGauge();
 
 // Characters that the text of any value needs, end mark included.
 constexpr UINTN gValueTextLength = 21;

@@ -43,7 +43,6 @@ EFI_EVENT gEvents[gTimerCount] = {}; // the last stays empty: reaching it is wha
 EFI_EVENT gWaitArray[gTimerCount] = {};
 UINTN gEventCount = 0; // events of a wait, and the loop's running flag: the loop ends when it is 0
 UINTN gEventIndex = 0;
-UINT64 gGaugePaintStep = 0;
 
 constexpr UINT32 gFanBackdropInstance = 20;
 constexpr UINT32 gTempBackdropInstance = 21;
@@ -140,20 +139,6 @@ VOID StartConsole()
     gGuiCore->LastTicks = gGuiCore->StartTicks;
 }
 
-// One gauge in two ticks: at the odd values 1 to 13 gauges 0 to 6, and 14 ends the round.
-VOID StepGaugePainting()
-{
-    gGaugePaintStep++;
-    if (gGaugePaintStep >= 2 * gVoltageItemCount) {
-        gGaugePaintStep = 0;
-        return;
-    }
-    if (gGaugePaintStep % 2 == 1) {
-        const UINTN Gauge = gGaugePaintStep / 2;
-        (void)DrawVoltageGauge(gVoltageGauge[Gauge], 0, Gauge == gVoltageItemCount - 1 ? 1 : 0);
-    }
-}
-
 VOID OnTick()
 {
     FanChartTick();
@@ -161,7 +146,7 @@ VOID OnTick()
         return; // the gauges stand still while the button is down
     }
     SampleVoltage();
-    StepGaugePainting();
+    PaintNextGauge();
 }
 
 using FAN_COMMAND = EFI_STATUS (*)(EFI_EVENT Event, VOID* Context);
