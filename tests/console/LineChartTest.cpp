@@ -6,7 +6,6 @@
 #include "platform/board/FloatMath.h"
 #include "shell/Board.h"
 #include "tests/console/ConsoleBench.h"
-#include "tests/support/FakeFirmware.h"
 
 namespace {
 
@@ -287,76 +286,6 @@ TEST(LineChartPlot, WritesEachPixelThatIsNotWhatItWasWhoeverPlottedLast)
             ASSERT_TRUE(At >= Told.Lowest || Fresh[I].Reserved == LINE_CHART_FILL) << "step " << Step;
         }
     }
-}
-
-// --- A chart over a firmware of a few records ---
-
-struct VARIABLE_FIRMWARE : FakeFirmware {
-    VARIABLE_FIRMWARE()
-    {
-        sVariables.clear();
-        gFloatMath = &gBoardFloatMath;
-        gRT->GetVariable = [](const CHAR16* Name, const EFI_GUID*, UINT32*, UINTN* Size, VOID* Data) -> EFI_STATUS {
-            const auto Found = sVariables.find(Name);
-            if (Found == sVariables.end()) {
-                return EFI_NOT_FOUND;
-            }
-            const bool Fits = *Size >= Found->second.size();
-            *Size = Found->second.size();
-            if (!Fits) {
-                return EFI_BUFFER_TOO_SMALL;
-            }
-            std::memcpy(Data, Found->second.data(), *Size);
-            return EFI_SUCCESS;
-        };
-        gRT->SetVariable = [](const CHAR16* Name, const EFI_GUID*, UINT32, UINTN Size, const VOID* Data) -> EFI_STATUS {
-            const UINT8* Bytes = static_cast<const UINT8*>(Data);
-            sVariables[Name] = std::vector<UINT8>(Bytes, Bytes + Size);
-            return EFI_SUCCESS;
-        };
-    }
-    static inline std::map<std::u16string, std::vector<UINT8>> sVariables;
-};
-
-constexpr EFI_GUID gSomeGuid = {1, 2, 3, {4}};
-
-TEST(LineChartHistory, OfAnotherSizeIsNotFollowed)
-{
-    for (const UINTN Size : {UINTN{1}, UINTN{30 * 4 - 1}, UINTN{30 * 4 + 1}, UINTN{4000}}) {
-        VARIABLE_FIRMWARE Firmware;
-        VARIABLE_FIRMWARE::sVariables[u"LineChartRPM"] = std::vector<UINT8>(Size, 0x11);
-        VARIABLE_FIRMWARE::sVariables[u"LineChartTempature"] = std::vector<UINT8>(Size, 0x11);
-        const GUI_RECT Rect = {0, 0, 30, 20, 30 * 20 * 4};
-        LINE_CHART* Chart = nullptr;
-        ASSERT_EQ(CreateLineChart(&Chart, &Rect, &gSomeGuid, &gSomeGuid), EFI_SUCCESS);
-        if (Size > 30 * 4) {
-            EXPECT_EQ(std::vector<UINT32>(Chart->Rpm.Samples, Chart->Rpm.Samples + 30), std::vector<UINT32>(30, 0));
-        }
-        (void)PushLineChartSample(Chart, 7000, 100);
-        (void)DrawLineChart(Chart);
-        EXPECT_EQ(DestroyLineChart(Chart), EFI_SUCCESS);
-        EXPECT_EQ(VARIABLE_FIRMWARE::sVariables[u"LineChartRPM"].size(), 30u * 4);
-        EXPECT_TRUE(Firmware.Blocks.empty());
-    }
-}
-
-TEST(LineChartSize, SmallerThanGridAndMarkIsDrawnAllTheSame)
-{
-    for (const auto& [Width, Height] :
-         std::vector<std::pair<UINT32, UINT32>>{{1, 1}, {2, 9}, {9, 5}, {10, 6}, {30, 3}, {1, 241}, {391, 1}}) {
-        VARIABLE_FIRMWARE Firmware;
-        const GUI_RECT Rect = {0, 0, Width, Height, UINT64{Width} * Height * 4};
-        LINE_CHART* Chart = nullptr;
-        ASSERT_EQ(CreateLineChart(&Chart, &Rect, &gSomeGuid, &gSomeGuid), EFI_SUCCESS);
-        for (const UINT64 Value : {UINT64{0}, UINT64{50}, ~UINT64{0}, UINT64{7000}}) {
-            (void)PushLineChartSample(Chart, Value, Value);
-            (void)DrawLineChart(Chart);
-        }
-        (void)DestroyLineChart(Chart);
-        EXPECT_TRUE(Firmware.Blocks.empty());
-    }
-    EXPECT_EQ(DestroyLineChart(nullptr), EFI_NOT_FOUND);
-    EXPECT_EQ(PushLineChartSample(nullptr, 1, 1), EFI_NOT_FOUND);
 }
 
 } // namespace

@@ -155,23 +155,6 @@ TEST_F(CHECK_BOX, AClickInsideWithoutAnInsideLinkCountsAsOutside)
     EXPECT_EQ(Silent, 1);
 }
 
-TEST_F(CHECK_BOX, NamesItselfByTheBoxesBeforeIt)
-{
-    const auto NameOf = [](const CHECK_BOX_COMPONENT* Of) { return std::u16string(Of->Name); };
-    const std::u16string First = NameOf(Box);
-    CHECK_BOX_COMPONENT* Captioned = nullptr;
-    CHECK_BOX_COMPONENT* Next = nullptr;
-    (void)CreateCheckBox(&Captioned, u"CPU", 55, 296, 18, &gArtworkFileGuid, CHECK_BOX_JPEG, 56, 7);
-    (void)CreateCheckBox(&Next, nullptr, 286, 232, 19, &gArtworkFileGuid, CHECK_BOX_BMP, 0, 0);
-    EXPECT_EQ(First.substr(0, 10), u"Check_Box_");
-    EXPECT_EQ(NameOf(Captioned), u"CPU");
-    EXPECT_EQ(std::stoi(std::string(First.begin() + 10, First.end())) + 2, static_cast<int>(gCheckBoxCount) - 1);
-    const std::string Number = std::to_string(gCheckBoxCount - 1);
-    EXPECT_EQ(NameOf(Next), u"Check_Box_" + std::u16string(Number.begin(), Number.end()));
-    (void)DestroyCheckBox(Captioned);
-    (void)DestroyCheckBox(Next);
-}
-
 TEST_F(CHECK_BOX, LeavesTheEventsOfItsLinksToBeClosedLater)
 {
     const UINTN Before = Boot->Events.Count();
@@ -186,18 +169,6 @@ TEST_F(CHECK_BOX, LeavesTheEventsOfItsLinksToBeClosedLater)
     EXPECT_EQ(Boot->Events.Count(), Before + 8) << "more than 32 are let go";
     CloseLeftLinkEvents();
     EXPECT_EQ(Boot->Events.Count(), Before + 8) << "each is closed once";
-}
-
-TEST_F(CHECK_BOX, IsNotMadeFromAnUnknownFormat)
-{
-    CHECK_BOX_COMPONENT* None = nullptr;
-    EXPECT_EQ(CreateCheckBox(&None, nullptr, 1, 1, 19, &gArtworkFileGuid, 2, 0, 0), EFI_OUT_OF_RESOURCES);
-    FailNextAllocation();
-    EXPECT_EQ(CreateCheckBox(&None, nullptr, 1, 1, 19, &gArtworkFileGuid, CHECK_BOX_BMP, 0, 0), EFI_OUT_OF_RESOURCES);
-    EXPECT_EQ(None, nullptr);
-    EXPECT_EQ(Boot->Consoles.OutputText, "AllocatePool Fail (CreateCheckBox) ,Status=Out of Resources\n");
-    EXPECT_EQ(AddCheckBoxLink(nullptr, nullptr, RunLink, 0, nullptr, 0), EFI_LOAD_ERROR);
-    EXPECT_EQ(DestroyCheckBox(nullptr), EFI_NOT_FOUND);
 }
 
 TEST_F(CHECK_BOX, KeepsItsPicturesFreeOfThePointer)

@@ -1,4 +1,3 @@
-#include "gui/PageBar.h"
 #include "gui/PointerEngine.h"
 #include "shell/Board.h"
 #include "support/Library.h"
@@ -29,31 +28,6 @@ struct CORE : TOOLKIT {
         return gGuiCore->HitId;
     }
 };
-
-TEST_F(CORE, GivesIdsInTheOrderOfRegistration)
-{
-    GUI_COMPONENT* Base = Component(0);
-    ASSERT_NE(Base, nullptr);
-    EXPECT_EQ(Base->Kind, FocusEventDestroy);
-    EXPECT_EQ(Base->Owner, gGuiCore);
-    EXPECT_EQ(Register(_BTN_COMPONENT, {10, 10, 5, 5, 100}), 1u);
-    EXPECT_EQ(Register(_BLT_BUF, {10, 10, 5, 5, 100}), 2u);
-    EXPECT_EQ(Component(2)->Kind, _BLT_BUF);
-    EXPECT_EQ(Component(2)->Enabled, 1);
-    EXPECT_EQ(Component(2)->Active, 0);
-
-    GUI_COMPONENT* Found = Base;
-    EXPECT_EQ(FindComponent(gGuiCore->Components, 3, &Found), EFI_NOT_FOUND);
-    EXPECT_EQ(Found, nullptr);
-
-    // Without pool the caller gets an id all the same, and the next one gets it again.
-    Boot->Pool.FailFrom = 1;
-    EXPECT_EQ(Register(_BTN_COMPONENT, {50, 50, 5, 5, 100}), 3u);
-    Boot->Pool.FailFrom = 0;
-    EXPECT_EQ(Component(3), nullptr);
-    EXPECT_EQ(Register(_BTN_COMPONENT, {60, 60, 5, 5, 100}), 3u);
-    EXPECT_EQ(Component(3)->Rect.X, 60u);
-}
 
 TEST_F(CORE, HitsWhatContainsThePointerWithoutItsRightAndLowerEdge)
 {
@@ -115,44 +89,6 @@ TEST_F(CORE, ClicksABoxOnlyWhileItIsActive)
     (void)HitAt(20, 20);
     EXPECT_EQ(Clicks, 1) << "a long press clicks nothing";
     (void)gBS->CloseEvent(Event);
-}
-
-TEST_F(CORE, FiresListenersOfAStateInTheirOrder)
-{
-    static std::string Fired;
-    Fired.clear();
-    AddSliderListener([] { Fired += 'a'; }, L_HOLD);
-    AddListenerByKind([] { Fired += 'b'; }, _SLIDER_COMPONENT, L_HOLD_TO_RELEASE);
-    AddListenerByKind([] { Fired += 'c'; }, _DRAGDROP_COMPONENT, L_HOLD);
-    AddListenerByKind([] { Fired += 'd'; }, _BTN_COMPONENT, L_HOLD);
-    AddListenerByKind(nullptr, _SLIDER_COMPONENT, L_HOLD);
-    AddSliderListener([] { Fired += 'e'; }, L_HOLD);
-    EXPECT_EQ(FireSliderListeners(L_HOLD), EFI_SUCCESS);
-    EXPECT_EQ(Fired, "ae");
-    EXPECT_EQ(FireSliderListeners(L_HOLD_TO_RELEASE), EFI_SUCCESS);
-    EXPECT_EQ(Fired, "aeb");
-    EXPECT_EQ(FireDragDropListeners(L_HOLD), EFI_SUCCESS);
-    EXPECT_EQ(Fired, "aebc");
-    EXPECT_EQ(FireDragDropListeners(L_HOLD_TO_RELEASE), EFI_SUCCESS);
-    EXPECT_EQ(Fired, "aebc");
-}
-
-TEST_F(CORE, ABarWithoutMembersDoesNothing)
-{
-    PAGE_BAR* Bar = nullptr;
-    ASSERT_EQ(CreatePageBar(&Bar), EFI_SUCCESS);
-    EXPECT_EQ(OnPageBarEvent(nullptr, Bar), EFI_NOT_FOUND);
-    PAGE_BAR_ENTRY* Entry = nullptr;
-    EXPECT_EQ(FindPageBarEntry(Bar->Entries, 0, &Entry), EFI_NOT_FOUND);
-    EXPECT_EQ(DestroyPageBarEntries(Bar->Entries), EFI_NOT_FOUND);
-    (void)DestroyPageBar(Bar);
-    EXPECT_EQ(DestroyPageBar(nullptr), EFI_SUCCESS);
-
-    PAGE_BAR* Unchanged = nullptr;
-    FailNextAllocation();
-    EXPECT_EQ(CreatePageBar(&Unchanged), EFI_OUT_OF_RESOURCES);
-    EXPECT_EQ(Unchanged, nullptr);
-    EXPECT_EQ(Boot->Consoles.OutputText, "AllocatePool Fail (PageBar Control) ,Status=Out of Resources\n");
 }
 
 } // namespace

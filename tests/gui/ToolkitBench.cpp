@@ -12,10 +12,8 @@ std::ostream& operator<<(std::ostream& Out, const BLT_CALL& Call)
                << Call.Delta;
 }
 
-VOID TOOLKIT::Begin(UINT8 Generation)
+VOID HOSTED::SwitchOn(BOOT_OPTIONS Options)
 {
-    BOOT_OPTIONS Options;
-    Options.Generation = Generation;
     Options.ArtworkPack = gArtworkPack;
     Options.ArtworkPackSize = gArtworkPackSize;
     Boot = std::make_unique<BOOT>(Options);
@@ -23,18 +21,11 @@ VOID TOOLKIT::Begin(UINT8 Generation)
     Boot->Trace.Keep = true;
     ASSERT_EQ(Boot->InstallBoard(), EFI_SUCCESS);
     RunLibraryConstructors(Boot->BeginStart(), &Boot->ConsoleTable);
-    ASSERT_EQ(LocateProtocols(), EFI_SUCCESS);
-    ASSERT_EQ(CreateGuiCore(), EFI_SUCCESS);
-    FillPixels(gGuiCore->Screen, gScreenWidth * gScreenHeight, gScreenFill);
-    FillPixels(gGuiCore->Background, gScreenWidth * gScreenHeight, gBackgroundFill);
     Boot->Trace.Lines.clear();
 }
 
-VOID TOOLKIT::End()
+VOID HOSTED::SwitchOff()
 {
-    (void)DestroyGuiCore();
-    gGuiCore = nullptr;
-    ReleasePool(gSavedScreen);
     RunLibraryDestructors(gImageHandle);
     for (const POOL_BLOCK& Block : Boot->Pool.Held(1)) {
         ADD_FAILURE() << "pool still held: " << DescribeBlock(Block);
@@ -46,7 +37,23 @@ VOID TOOLKIT::End()
     Boot.reset();
 }
 
-std::vector<BLT_CALL> TOOLKIT::Blts()
+VOID TOOLKIT::MakeCore()
+{
+    ASSERT_EQ(LocateProtocols(), EFI_SUCCESS);
+    ASSERT_EQ(CreateGuiCore(), EFI_SUCCESS);
+    FillPixels(gGuiCore->Screen, gScreenWidth * gScreenHeight, gScreenFill);
+    FillPixels(gGuiCore->Background, gScreenWidth * gScreenHeight, gBackgroundFill);
+    Boot->Trace.Lines.clear();
+}
+
+VOID TOOLKIT::DestroyCore()
+{
+    (void)DestroyGuiCore();
+    gGuiCore = nullptr;
+    ReleasePool(gSavedScreen);
+}
+
+std::vector<BLT_CALL> HOSTED::Blts()
 {
     std::vector<BLT_CALL> Calls;
     for (const CALL_LINE& Line : CallsNamed(ParseTrace(Boot->Trace.Lines), "Blt")) {
@@ -58,7 +65,7 @@ std::vector<BLT_CALL> TOOLKIT::Blts()
     return Calls;
 }
 
-std::vector<std::string> TOOLKIT::Fields(const std::string& Call, const std::string& Field)
+std::vector<std::string> HOSTED::Fields(const std::string& Call, const std::string& Field)
 {
     std::vector<std::string> Found;
     for (const CALL_LINE& Line : CallsNamed(ParseTrace(Boot->Trace.Lines), Call)) {

@@ -1,9 +1,10 @@
-// A hosted boot on which a console function is called directly: the board's services are there and located, gGuiCore
-// stands, and nothing is drawn yet. Screen and Background are filled with one colour each.
+// A hosted boot on which functions of the console and of the board are called directly.
 //
 //     TEST_F(TOOLKIT, ...) { (void)DrawString(300, 300, u"12", DRAW_STRING_BOX, ...); EXPECT_EQ(Blts().size(), 1u); }
 //
-// When the test ends the core is destroyed; pool that is still held then, and complaints of the firmware, fail it.
+// HOSTED has the board's services installed and the library's tables set, as at the console's entry. With TOOLKIT the
+// services are located too, gGuiCore stands, and nothing is drawn yet: Screen and Background are filled with one colour
+// each. Pool that is still held when the test ends, and complaints of the firmware, fail it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,17 +27,17 @@ std::ostream& operator<<(std::ostream& Out, const BLT_CALL& Call);
 constexpr PIXEL gScreenFill = {0x11, 0x22, 0x33, 0};     // #332211
 constexpr PIXEL gBackgroundFill = {0x44, 0x55, 0x66, 0}; // #665544
 
-struct TOOLKIT : testing::Test {
+struct HOSTED : testing::Test {
     std::unique_ptr<BOOT> Boot;
 
-    TOOLKIT() { Begin(0); }
-    ~TOOLKIT() override { End(); }
+    explicit HOSTED(const BOOT_OPTIONS& Options = {}) { SwitchOn(Options); }
+    ~HOSTED() override { SwitchOff(); }
 
-    // Another boot, of another firmware generation.
-    VOID Again(UINT8 Generation)
+    // Another boot in place of this one.
+    VOID Reboot(const BOOT_OPTIONS& Options)
     {
-        End();
-        Begin(Generation);
+        SwitchOff();
+        SwitchOn(Options);
     }
 
     // Blocks sent to the display since the last call of this, in their order.
@@ -54,8 +55,25 @@ struct TOOLKIT : testing::Test {
     PIXEL* Display() { return Boot->Display.Pixels; }
 
 private:
-    VOID Begin(UINT8 Generation);
-    VOID End();
+    VOID SwitchOn(BOOT_OPTIONS Options);
+    VOID SwitchOff();
+};
+
+struct TOOLKIT : HOSTED {
+    TOOLKIT() { MakeCore(); }
+    ~TOOLKIT() override { DestroyCore(); }
+
+    // Another boot, of another firmware generation.
+    VOID Again(UINT8 Generation)
+    {
+        DestroyCore();
+        Reboot({.Generation = Generation});
+        MakeCore();
+    }
+
+private:
+    VOID MakeCore();
+    VOID DestroyCore();
 };
 
 // A pixel of a 1024-wide surface as 0xRRGGBB.

@@ -1,25 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <openssl/md5.h>
-
 #include <cstdio>
 #include <string>
-#include <vector>
 
 #include "support/Md5.h"
 
 namespace {
-
-std::string Hex(const UINT8* Bytes)
-{
-    std::string Text;
-    for (int Index = 0; Index < 16; ++Index) {
-        char Byte[3];
-        std::snprintf(Byte, sizeof(Byte), "%02x", Bytes[Index]);
-        Text += Byte;
-    }
-    return Text;
-}
 
 std::string DigestOf(const std::string& Message)
 {
@@ -28,7 +14,13 @@ std::string DigestOf(const std::string& Message)
     Md5Start(&Context);
     Md5Update(&Context, Message.data(), Message.size());
     Md5Finish(&Context, Digest);
-    return Hex(Digest);
+    std::string Text;
+    for (const UINT8 Byte : Digest) {
+        char Hex[3];
+        std::snprintf(Hex, sizeof(Hex), "%02x", Byte);
+        Text += Hex;
+    }
+    return Text;
 }
 
 TEST(Md5, TheVectorsOfRfc1321Hold)
@@ -42,37 +34,6 @@ TEST(Md5, TheVectorsOfRfc1321Hold)
               "d174ab98d277d9f5a5611c2c9f419d9f");
     EXPECT_EQ(DigestOf("12345678901234567890123456789012345678901234567890123456789012345678901234567890"),
               "57edf4a22be3c955ac49da2e2107b67a");
-}
-
-TEST(Md5, MessagesOfEveryLengthAgreeWithASecondImplementationHoweverTheyAreCut)
-{
-    std::vector<UINT8> Message(300);
-    for (std::size_t Index = 0; Index < Message.size(); ++Index) {
-        Message[Index] = static_cast<UINT8>(Index * 37 + 11);
-    }
-    for (std::size_t Length = 0; Length <= Message.size(); ++Length) {
-        UINT8 Expected[16];
-        MD5(Message.data(), Length, Expected);
-        MD5_CONTEXT Context;
-        UINT8 Digest[16];
-        Md5Start(&Context);
-        Md5Update(&Context, Message.data(), Length / 3);
-        Md5Update(&Context, Message.data() + Length / 3, Length - Length / 3);
-        Md5Finish(&Context, Digest);
-        ASSERT_EQ(Hex(Digest), Hex(Expected)) << Length;
-    }
-}
-
-TEST(Md5, TheBitCountCarriesIntoItsHighWord)
-{
-    // One block before the end of 512 MiB, which are 2^32 bits.
-    const UINT8 Block[64] = {};
-    MD5_CONTEXT Context;
-    Md5Start(&Context);
-    Context.BitCount[0] = 0xFFFFFE00;
-    Md5Update(&Context, Block, sizeof(Block));
-    EXPECT_EQ(Context.BitCount[0], 0u);
-    EXPECT_EQ(Context.BitCount[1], 1u);
 }
 
 } // namespace

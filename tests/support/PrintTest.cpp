@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
-#include "FakeFirmware.h"
 #include "support/Print.h"
+
+#include "support/Library.h"
+#include "tests/gui/ToolkitBench.h"
 
 namespace {
 
@@ -113,74 +113,31 @@ TEST(Print, AWidthFarBeyondTheBufferFillsIt)
     EXPECT_EQ(std::u16string(Buffer), u"    ");
 }
 
-TEST(Print, EveryStatusHasItsText)
+TEST(Print, AStatusHasItsTextAndAnUnknownOneItsNumber)
 {
-    const struct {
-        EFI_STATUS Status;
-        const CHAR16* Text;
-    } Cases[] = {
-        {0, u"Success"},
-        {1, u"Warning Unknown Glyph"},
-        {2, u"Warning Delete Failure"},
-        {3, u"Warning Write Failure"},
-        {4, u"Warning Buffer Too Small"},
-        {EFI_LOAD_ERROR, u"Load Error"},
-        {EFI_INVALID_PARAMETER, u"Invalid Parameter"},
-        {EFI_UNSUPPORTED, u"Unsupported"},
-        {EFI_BAD_BUFFER_SIZE, u"Bad Buffer Size"},
-        {EFI_BUFFER_TOO_SMALL, u"Buffer Too Small"},
-        {EFI_NOT_READY, u"Not Ready"},
-        {EFI_DEVICE_ERROR, u"Device Error"},
-        {EFI_WRITE_PROTECTED, u"Write Protected"},
-        {EFI_OUT_OF_RESOURCES, u"Out of Resources"},
-        {EFI_VOLUME_CORRUPTED, u"Volume Corrupt"},
-        {EFI_VOLUME_FULL, u"Volume Full"},
-        {EFI_NO_MEDIA, u"No Media"},
-        {EFI_MEDIA_CHANGED, u"Media changed"},
-        {EFI_NOT_FOUND, u"Not Found"},
-        {EFI_ACCESS_DENIED, u"Access Denied"},
-        {EFI_NO_RESPONSE, u"No Response"},
-        {EFI_NO_MAPPING, u"No mapping"},
-        {EFI_TIMEOUT, u"Time out"},
-        {EFI_NOT_STARTED, u"Not started"},
-        {EFI_ALREADY_STARTED, u"Already started"},
-        {EFI_ABORTED, u"Aborted"},
-        {EFI_ICMP_ERROR, u"ICMP Error"},
-        {EFI_TFTP_ERROR, u"TFTP Error"},
-        {EFI_PROTOCOL_ERROR, u"Protocol Error"},
-        {5, u"00000005"},
-        {0x1234ABCD, u"1234ABCD"},
-        {0x8000000000000000, u"00000000"},
-        {0x8000000000000019, u"00000019"},
-    };
-    for (const auto& Case : Cases) {
-        EXPECT_EQ(Format(u"%r", Case.Status), Case.Text);
-    }
+    EXPECT_EQ(Format(u"%r|%r|%r", EFI_SUCCESS, EFI_LOAD_ERROR, EFI_PROTOCOL_ERROR), u"Success|Load Error|Protocol Error");
+    EXPECT_EQ(Format(u"%r|%r|%r|%r", UINT64{4}, UINT64{5}, EFI_STATUS{0x8000000000000000}, EFI_STATUS{0x8000000000000019}),
+              u"Warning Buffer Too Small|00000005|00000000|00000019");
 }
 
-TEST(Print, TheConsoleTakesAtMost320Characters)
+using CONSOLE_PRINT = HOSTED;
+
+TEST_F(CONSOLE_PRINT, TakesAtMost320Characters)
 {
-    FakeFirmware Firmware;
     const std::u16string Long(500, u'w');
     EXPECT_EQ(PrintToConsole(u"%s", Long.c_str()), 320u);
-    EXPECT_EQ(Firmware.Printed, Long.substr(0, 320));
-    EXPECT_EQ(Firmware.AllocatedSizes, std::vector<UINTN>{642});
-    EXPECT_TRUE(Firmware.Blocks.empty());
+    EXPECT_EQ(Boot->Consoles.OutputText, std::string(320, 'w'));
 }
 
-TEST(Print, NothingIsPrintedWithoutMemoryOrTextOrConsole)
+TEST_F(CONSOLE_PRINT, GivesNothingWithoutTextOrMemoryOrConsole)
 {
-    FakeFirmware Firmware;
     EXPECT_EQ(PrintToConsole(u""), 0u);
-    Firmware.PoolIsEmpty = true;
+    Boot->Pool.FailFrom = 1;
     EXPECT_EQ(PrintToConsole(u"text"), 0u);
-    EXPECT_EQ(Firmware.Printed, u"");
-    Firmware.PoolIsEmpty = false;
-    Firmware.ConsoleStatus = EFI_DEVICE_ERROR;
+    Boot->Pool.FailFrom = 0;
+    gST->ConOut = nullptr;
     EXPECT_EQ(PrintToConsole(u"text"), 0u);
-    EXPECT_TRUE(Firmware.Blocks.empty());
-    Firmware.SystemTable.ConOut = nullptr;
-    EXPECT_EQ(PrintToConsole(u"text"), 0u);
+    EXPECT_EQ(Boot->Consoles.OutputText, "");
 }
 
 } // namespace

@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
-#include "FakeFirmware.h"
-#include "shell/CommandLine.h"
 #include "support/Shell.h"
+
+#include "shell/CommandLine.h"
+#include "support/Library.h"
+#include "tests/gui/ToolkitBench.h"
 
 namespace {
 
@@ -12,15 +12,25 @@ constexpr EFI_GUID gOldEnvironment = {0x47C7B221, 0xC42A, 0x11D2, {0x8E, 0x57, 0
 constexpr EFI_GUID gOldInterface = {0x47C7B223, 0xC42A, 0x11D2, {0x8E, 0x57, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
 constexpr EFI_GUID gSignature = {0xD2C18636, 0x40E5, 0x4EB5, {0xA3, 0x1B, 0x36, 0x69, 0x5F, 0xD4, 0x2C, 0x87}};
 
-class Shell : public testing::Test {
-protected:
-    Shell() { gImageHandle = &mImage; }
-    ~Shell() override
+struct SHELL : HOSTED {
+    ~SHELL() override { EXPECT_FALSE(ReleasedArguments()); }
+
+    // Whether the shell's protocols stay open, or its arguments in reach, when they are given back.
+    bool ReleasedArguments()
     {
         ReleaseShellProtocols();
-        EXPECT_EQ(Firmware.OpenCount, 0u);
-        EXPECT_TRUE(Firmware.Blocks.empty());
-        EXPECT_FALSE(ShellArguments(&mArgv, &mArgc));
+        for (const auto& [Handle, Guid] : mInstalled) {
+            const std::vector<PROTOCOL_USE>* Uses = Boot->Handles.Uses(Handle, &Guid);
+            EXPECT_TRUE(Uses == nullptr || Uses->empty());
+        }
+        return ShellArguments(&mArgv, &mArgc);
+    }
+
+    // On the image or, with a null handle, on a new one.
+    VOID Install(EFI_HANDLE Handle, const EFI_GUID& Guid, VOID* Interface)
+    {
+        (void)Boot->Handles.Install(&Handle, &Guid, Interface);
+        mInstalled.push_back({Handle, Guid});
     }
 
     VOID SetArguments(std::vector<std::u16string> Arguments)
@@ -34,15 +44,7 @@ protected:
         mInterface = {nullptr, nullptr, mPointers.data(), mPointers.size()};
     }
 
-    VOID InstallNewShell(EFI_HANDLE ShellHandle)
-    {
-        Firmware.Install(ShellHandle, gNewShell, &mShell);
-        Firmware.Install(gImageHandle, gNewParameters, &mParameters);
-    }
-
-    FakeFirmware Firmware;
-    int mImage = 0;
-    int mOther[2] = {};
+    std::vector<std::pair<EFI_HANDLE, EFI_GUID>> mInstalled;
     int mShell = 0;
     struct {
         CHAR16** Argv;
@@ -64,67 +66,70 @@ protected:
     UINTN mArgc = 0;
 };
 
-TEST_F(Shell, WithoutAShellTheCommandLineIsNotLookedAt)
+TEST_F(SHELL, ThatIsMissingHasNoEffect)
 {
     EXPECT_EQ(BindShellProtocols(), EFI_NOT_FOUND);
     EXPECT_TRUE(ParseCommandLine());
     EXPECT_FALSE(gShellConsole);
-    EXPECT_EQ(Firmware.Printed, u"");
+    EXPECT_EQ(Boot->Consoles.OutputText, "");
 }
 
-TEST_F(Shell, TheNewShellIsFoundOnTheImageOrElsewhere)
+TEST_F(SHELL, OfTheNewKindIsFoundOnTheImageOrElsewhere)
 {
     SetArguments({u"ventara.efi", u"x", u"y"});
-    for (EFI_HANDLE ShellHandle : {static_cast<VOID*>(&mImage), static_cast<VOID*>(&mOther[0])}) {
-        InstallNewShell(ShellHandle);
+    for (const bool OnImage : {false, true}) {
+        Reboot({});
+        mInstalled.clear();
+        Install(OnImage ? gImageHandle : nullptr, gNewShell, &mShell);
+        Install(gImageHandle, gNewParameters, &mParameters);
         EXPECT_EQ(BindShellProtocols(), EFI_SUCCESS);
         EXPECT_TRUE(ShellArguments(&mArgv, &mArgc));
         EXPECT_EQ(mArgv, mPointers.data());
         EXPECT_EQ(mArgc, 3u);
-        ReleaseShellProtocols();
-        EXPECT_EQ(Firmware.OpenCount, 0u);
+        EXPECT_FALSE(ReleasedArguments());
     }
 }
 
-TEST_F(Shell, TheOldShellServesWhenTheNewPairIsIncomplete)
+TEST_F(SHELL, OfTheOldKindServesWhenTheNewPairIsIncomplete)
 {
     SetArguments({u"ventara.efi", u"x"});
-    Firmware.Install(&mOther[0], gNewShell, &mShell);
-    Firmware.Install(&mOther[0], gOldEnvironment, &mForeignEnvironment);
-    Firmware.Install(gImageHandle, gOldInterface, &mInterface);
+    Install(nullptr, gNewShell, &mShell);
+    Install(nullptr, gOldEnvironment, &mForeignEnvironment);
+    Install(gImageHandle, gOldInterface, &mInterface);
     EXPECT_EQ(BindShellProtocols(), EFI_NOT_FOUND);
     EXPECT_FALSE(ShellArguments(&mArgv, &mArgc));
-    ReleaseShellProtocols();
+    EXPECT_FALSE(ReleasedArguments());
 
-    Firmware.Install(&mOther[1], gOldEnvironment, &mEnvironment);
+    Install(nullptr, gOldEnvironment, &mEnvironment);
     EXPECT_EQ(BindShellProtocols(), EFI_SUCCESS);
     EXPECT_TRUE(ShellArguments(&mArgv, &mArgc));
     EXPECT_EQ(mArgv, mPointers.data());
     EXPECT_EQ(mArgc, 2u);
 }
 
-TEST_F(Shell, TheVersionOptionInEitherCaseShowsTheVersionAndStartsNothing)
+TEST_F(SHELL, ThatAsksForTheVersionInEitherCaseGetsItAndStartsNothing)
 {
-    InstallNewShell(gImageHandle);
+    Install(gImageHandle, gNewShell, &mShell);
+    Install(gImageHandle, gNewParameters, &mParameters);
     const struct {
         std::vector<std::u16string> Arguments;
         bool Starts;
-        const CHAR16* Printed;
+        std::string Printed;
     } Cases[] = {
-        {{u"ventara.efi"}, true, u""},
-        {{u"ventara.efi", u"-V"}, false, u"UseShellFun\t\r\nVersion 0.9.0 Kestrin\r\n"},
-        {{u"ventara.efi", u"-v"}, false, u"UseShellFun\t\r\nVersion 0.9.0 Kestrin\r\n"},
-        {{u"ventara.efi", u"-vv"}, true, u"UseShellFun\t\r\n"},
-        {{u"ventara.efi", u"-"}, true, u"UseShellFun\t\r\n"},
-        {{u"ventara.efi", u"-v", u"-v"}, true, u""},
+        {{u"ventara.efi"}, true, ""},
+        {{u"ventara.efi", u"-V"}, false, "UseShellFun\t\nVersion 0.9.0 Kestrin\n"},
+        {{u"ventara.efi", u"-v"}, false, "UseShellFun\t\nVersion 0.9.0 Kestrin\n"},
+        {{u"ventara.efi", u"-vv"}, true, "UseShellFun\t\n"},
+        {{u"ventara.efi", u"-"}, true, "UseShellFun\t\n"},
+        {{u"ventara.efi", u"-v", u"-v"}, true, ""},
     };
     for (const auto& Case : Cases) {
         SetArguments(Case.Arguments);
-        Firmware.Printed.clear();
+        Boot->Consoles.OutputText.clear();
         EXPECT_EQ(BindShellProtocols(), EFI_SUCCESS);
         EXPECT_EQ(ParseCommandLine(), Case.Starts);
         EXPECT_TRUE(gShellConsole);
-        EXPECT_EQ(Firmware.Printed, Case.Printed);
+        EXPECT_EQ(Boot->Consoles.OutputText, Case.Printed);
         ReleaseShellProtocols();
     }
 }
