@@ -46,33 +46,6 @@ TEST(FanStore, TheDefaultsOfEveryBoardAreWithinTheContract)
     }
 }
 
-TEST(FanStore, EveryRecordThatAPageWritesIsTaken)
-{
-    ResetFanStore(FindSimulatedBoard("full"));
-    for (const UINT8 Enabled : {UINT8{0}, UINT8{1}}) {
-        for (const UINT8 Fan : {UINT8{4}, UINT8{5}}) {
-            for (const UINT16 Level : {UINT16{0}, UINT16{1}}) {
-                const FAN_SETTING Setting = Curve(Enabled, Level);
-                EXPECT_EQ(StoreFanSetting(Fan, &Setting), EFI_SUCCESS);
-            }
-        }
-        for (UINT16 Level = 1; Level <= 6; Level++) {
-            for (const UINT8 Fan : {UINT8{6}, UINT8{7}, UINT8{8}}) {
-                const FAN_SETTING Setting = Curve(Enabled, Level);
-                EXPECT_EQ(StoreFanSetting(Fan, &Setting), EFI_SUCCESS);
-                EXPECT_TRUE(Same(*HeldFanSetting(Fan), Setting));
-            }
-        }
-    }
-    for (UINT16 Level = 1; Level <= 6; Level++) {
-        const FAN_SETTING Setting = Fixed(Level);
-        EXPECT_EQ(StoreFanSetting(9, &Setting), EFI_SUCCESS);
-        EXPECT_EQ(StoreFanSetting(10, &Setting), EFI_SUCCESS);
-    }
-    EXPECT_EQ(BoardContractFaults(), 0u);
-    EXPECT_EQ(LastBoardContractFault(), nullptr);
-}
-
 TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted)
 {
     struct CASE {

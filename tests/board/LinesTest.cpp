@@ -41,16 +41,6 @@ TEST(Lines, ReachBothEndsInAnyDirection)
     EXPECT_EQ(Canvas.Draw(2, 1, 2, 1), ".....\n..#..\n.....\n.....\n");
 }
 
-TEST(Lines, TheColorIsAPixelWord)
-{
-    CANVAS Canvas(1, 1);
-    (void)Canvas.Draw(0, 0, 0, 0);
-    EXPECT_EQ(Canvas.Pixels[0].Blue, 0x40);
-    EXPECT_EQ(Canvas.Pixels[0].Green, 0x80);
-    EXPECT_EQ(Canvas.Pixels[0].Red, 0xFF);
-    EXPECT_EQ(Canvas.Pixels[0].Reserved, 0);
-}
-
 TEST(Lines, TheTwoEndsMayBeSwapped)
 {
     CANVAS Canvas(9, 7);

@@ -1,13 +1,12 @@
 #include "platform/board/MessageBox.h"
 
-#include "tests/board/BoardBench.h"
-
-#include <gtest/gtest.h>
+#include "support/Library.h"
+#include "tests/gui/ToolkitBench.h"
 
 namespace {
 
 constexpr UINT32 gLetter = 0xC8C8C8;
-constexpr UINT32 gPanel = 0x242424;
+constexpr UINT32 gBox = 0x242424;
 
 struct RECTANGLE {
     UINTN Left = ~UINTN{0};
@@ -16,17 +15,24 @@ struct RECTANGLE {
     UINTN Bottom = 0;
 };
 
-class MessageBoxes : public testing::Test {
-protected:
-    BOARD_BENCH Bench;
+struct MessageBoxes : HOSTED {
     MESSAGE_BOX Box = {};
     std::vector<std::u16string> Lines;
     std::vector<CHAR16*> LineTable;
     std::u16string Ok = u"OK";
     CHAR16* Buttons[1] = {};
 
-    MessageBoxes() { UseMessageBoxServices(&Bench.BootServices); }
-    ~MessageBoxes() override { UseMessageBoxServices(nullptr); }
+    MessageBoxes() { Renew(0); }
+
+    // Another boot, and a display of one colour.
+    VOID Renew(UINT8 Generation)
+    {
+        Reboot({.Generation = Generation});
+        UseMessageBoxServices(gBS);
+        Wipe();
+    }
+    VOID Wipe() { FillPixels(Display(), gScreenWidth * gScreenHeight, gScreenFill); }
+    UINT32 At(UINTN X, UINTN Y) { return ColorAt(Display(), X, Y); }
 
     EFI_STATUS Create(UINTN X, UINTN Y, UINTN Width, UINTN Height, std::vector<std::u16string> Texts) {
         Lines = std::move(Texts);
@@ -40,19 +46,19 @@ protected:
     }
 
     // What of the display has changed: everything painted is inside.
-    RECTANGLE Painted() const {
-        return Bounds([](UINT32 Color) { return Color != BOARD_BENCH::Untouched; });
+    RECTANGLE Painted() {
+        return Bounds([](UINT32 Color) { return Color != ColorOf(gScreenFill); });
     }
 
-    RECTANGLE Letters() const {
+    RECTANGLE Letters() {
         return Bounds([](UINT32 Color) { return Color == gLetter; });
     }
 
-    template <typename TEST> RECTANGLE Bounds(TEST Test) const {
+    template <typename TEST> RECTANGLE Bounds(TEST Test) {
         RECTANGLE Found;
-        for (UINTN Y = 0; Y < BOARD_BENCH::Height; Y++) {
-            for (UINTN X = 0; X < BOARD_BENCH::Width; X++) {
-                if (Test(Bench.At(X, Y))) {
+        for (UINTN Y = 0; Y < gScreenHeight; Y++) {
+            for (UINTN X = 0; X < gScreenWidth; X++) {
+                if (Test(At(X, Y))) {
                     Found.Left = std::min(Found.Left, X);
                     Found.Top = std::min(Found.Top, Y);
                     Found.Right = std::max(Found.Right, X + 1);
@@ -67,8 +73,8 @@ protected:
     RECTANGLE Button() {
         RECTANGLE Found;
         MESSAGE_BOX Copy = Box;
-        for (UINTN Y = 0; Y < BOARD_BENCH::Height; Y++) {
-            for (UINTN X = 0; X < BOARD_BENCH::Width; X++) {
+        for (UINTN Y = 0; Y < gScreenHeight; Y++) {
+            for (UINTN X = 0; X < gScreenWidth; X++) {
                 (void)UpdateMessageBox(&Copy, X, Y);
                 if (Copy.ButtonFocus == 1) {
                     Found.Left = std::min(Found.Left, X);
@@ -113,8 +119,8 @@ TEST_F(MessageBoxes, ABoxIsAtLeastAsLargeAsAskedAndGrowsWithItsText)
 
 TEST_F(MessageBoxes, TextAndButtonLieInsideTheBoxAndNothingIsPaintedOutside)
 {
-    for (const bool Wide : {true, false}) {
-        Bench.WidePictures = Wide;
+    for (const UINT8 Generation : {0, 4}) { // pictures wider than their text, and tight ones
+        Renew(Generation);
         ASSERT_EQ(Create(300, 159, 295, 137, gHelp), EFI_SUCCESS);
         Draw();
         const RECTANGLE All = Painted();
@@ -132,9 +138,8 @@ TEST_F(MessageBoxes, TextAndButtonLieInsideTheBoxAndNothingIsPaintedOutside)
         EXPECT_LT(Press.Right, All.Right);
         EXPECT_LT(Press.Bottom, All.Bottom);
         EXPECT_EQ(Press.Left - All.Left, All.Right - Press.Right);
-        EXPECT_FALSE(Bench.BltOutside);
+        EXPECT_FALSE(Blts().empty()); // none of them beyond the display
     }
-    EXPECT_EQ(Bench.PoolBlocks, 0);
 }
 
 TEST_F(MessageBoxes, ALineFeedStartsANewRowAndBlankRowsTakeTheirPlace)
@@ -142,7 +147,7 @@ TEST_F(MessageBoxes, ALineFeedStartsANewRowAndBlankRowsTakeTheirPlace)
     ASSERT_EQ(Create(100, 100, 0, 0, {u"ab\ncd", u"   \n  ", u"e"}), EFI_SUCCESS);
     const UINT32 FiveRows = Box.BoxHeight;
     Draw();
-    EXPECT_EQ(Bench.Texts, (std::vector<std::u16string>{u"ab", u"cd", u"e", u"OK"}));
+    EXPECT_EQ(Fields("StringToImage", "text"), (std::vector<std::string>{"ab", "cd", "e", "OK"}));
     ASSERT_EQ(Create(100, 100, 0, 0, {u"ab"}), EFI_SUCCESS);
     EXPECT_EQ(FiveRows - Box.BoxHeight, 4u * 19);
 }
@@ -163,8 +168,8 @@ TEST_F(MessageBoxes, ABoxNeverReachesBeyondTheScreen)
         const RECTANGLE All = Painted();
         EXPECT_EQ(All.Right, Case.X + Box.BoxWidth);
         EXPECT_EQ(All.Bottom, Case.Y + Box.BoxHeight);
-        EXPECT_FALSE(Bench.BltOutside);
-        Bench.Wipe();
+        EXPECT_FALSE(Blts().empty()); // none of them beyond the display
+        Wipe();
     }
     EXPECT_EQ(Create(1024, 0, 10, 10, {}), EFI_INVALID_PARAMETER);
     EXPECT_EQ(Create(0, 768, 10, 10, {}), EFI_INVALID_PARAMETER);
@@ -175,30 +180,30 @@ TEST_F(MessageBoxes, TheButtonShowsThatThePointerIsOnItAndIsRepaintedOnlyThen)
     ASSERT_EQ(Create(300, 240, 295, 137, {u"Text"}), EFI_SUCCESS);
     Draw();
     const RECTANGLE Press = Button();
-    const UINT32 Rest = Bench.At(Press.Left, Press.Top);
+    const UINT32 Rest = At(Press.Left, Press.Top);
     MESSAGE_BOX Copy = Box;
     EXPECT_EQ(Copy.ButtonFocus, 1); // as the application set it
 
-    UINTN Calls = Bench.BltCalls;
+    (void)Blts();
     EXPECT_EQ(UpdateMessageBox(&Copy, Press.Left - 1, Press.Top), EFI_SUCCESS);
     EXPECT_EQ(Copy.ButtonFocus, 0);
     EXPECT_EQ(UpdateMessageBox(&Copy, Press.Left, Press.Bottom), EFI_SUCCESS);
     EXPECT_EQ(Copy.ButtonFocus, 0);
-    EXPECT_EQ(Bench.BltCalls, Calls);
+    EXPECT_TRUE(Blts().empty());
 
     EXPECT_EQ(UpdateMessageBox(&Copy, Press.Left, Press.Top), EFI_SUCCESS);
     EXPECT_EQ(Copy.ButtonFocus, 1);
-    EXPECT_NE(Bench.At(Press.Left, Press.Top), Rest);
-    EXPECT_NE(Bench.At(Press.Right - 1, Press.Bottom - 1), Rest);
+    EXPECT_NE(At(Press.Left, Press.Top), Rest);
+    EXPECT_NE(At(Press.Right - 1, Press.Bottom - 1), Rest);
     // A pointer that stays costs nothing, after the one turn in which its old place is put back.
     (void)UpdateMessageBox(&Copy, Press.Left, Press.Top);
-    Calls = Bench.BltCalls;
+    (void)Blts();
     (void)UpdateMessageBox(&Copy, Press.Left, Press.Top);
-    EXPECT_EQ(Bench.BltCalls, Calls);
+    EXPECT_TRUE(Blts().empty());
 
     EXPECT_EQ(UpdateMessageBox(&Copy, Press.Right, Press.Top), EFI_SUCCESS);
     EXPECT_EQ(Copy.ButtonFocus, 0);
-    EXPECT_EQ(Bench.At(Press.Left, Press.Top), Rest);
+    EXPECT_EQ(At(Press.Left, Press.Top), Rest);
 }
 
 TEST_F(MessageBoxes, AFragmentOfTheRestingButtonIsMendedInTheTurnAfterAMoveOnTheButton)
@@ -207,29 +212,28 @@ TEST_F(MessageBoxes, AFragmentOfTheRestingButtonIsMendedInTheTurnAfterAMoveOnThe
     Draw();
     const RECTANGLE Press = Button();
     (void)UpdateMessageBox(&Box, Press.Left + 5, Press.Top + 5);
-    const UINT32 Hover = Bench.At(Press.Left, Press.Top);
+    const UINT32 Hover = At(Press.Left, Press.Top);
     (void)UpdateMessageBox(&Box, Press.Left + 9, Press.Top + 9);
     // The console puts back what was under the pointer.
-    Bench.Pixels[Press.Top * BOARD_BENCH::Width + Press.Left] = PIXEL{};
+    Display()[Press.Top * gScreenWidth + Press.Left] = PIXEL{};
     (void)UpdateMessageBox(&Box, Press.Left + 9, Press.Top + 9);
-    EXPECT_EQ(Bench.At(Press.Left, Press.Top), Hover);
+    EXPECT_EQ(At(Press.Left, Press.Top), Hover);
     // Drawn once more, the whole box shows its button at rest.
     Draw();
-    EXPECT_NE(Bench.At(Press.Left, Press.Top), Hover);
+    EXPECT_NE(At(Press.Left, Press.Top), Hover);
 }
 
 TEST_F(MessageBoxes, WithoutAFontOrPoolTheBoxComesWithoutText)
 {
     ASSERT_EQ(Create(300, 240, 295, 137, {u"Text"}), EFI_SUCCESS);
-    Bench.HasFont = false;
+    Boot->Pool.FailFrom = 1;
     Draw();
     EXPECT_EQ(Letters().Right, 0u);
-    EXPECT_EQ(Bench.At(310, 250), gPanel);
-    Bench.HasFont = true;
-    Bench.FailPool = true;
+    Boot->Pool.FailFrom = 0;
+    Boot->Handles.Hide(gEfiHiiFontProtocolGuid);
     Draw();
     EXPECT_EQ(Letters().Right, 0u);
-    EXPECT_EQ(Bench.PoolBlocks, 0);
+    EXPECT_EQ(At(310, 250), gBox);
 }
 
 } // namespace
