@@ -3,20 +3,17 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
-targets=(events variables artwork script print)
-declare -A share=([events]=6 [variables]=4 [artwork]=4 [script]=3 [print]=3) # of the time of --in-all
+targets=(events variables)
+declare -A share=([events]=3 [variables]=2) # of the time of --in-all
 
 usage() {
   cat <<'TEXT'
 usage: ./ventara fuzz [TARGET ...] [--seconds N | --minutes N | --in-all N] [--at-once N] [--fast]
 
-Feeds the console and its board with inputs that grow towards code not yet reached; sanitizers are on.
+Feeds the console with inputs that grow towards code not yet reached; sanitizers are on.
 
   events      pointer, buttons, keys, time and readings; what must hold is looked at in each turn
-  script      scripts of any text
-  artwork     packs and pictures of any bytes
   variables   settings and histories of any size and content, found at a start
-  print       formats of any text
 
   --seconds N, --minutes N   time for each target; 15 seconds unless told
   --at-once N                that many targets at a time, and as many compilers; one a processor unless told
