@@ -17,8 +17,8 @@
 #include <map>
 #include <string>
 
+#include "bench/PixelFirmware.h"
 #include "bench/Work.h"
-#include "tests/graphics/PixelFirmware.h"
 
 namespace {
 

@@ -1,64 +1,12 @@
 #include "graphics/Artwork.h"
 
 #include "graphics/BltFont.h"
-#include "platform/board/ArtworkPack.h"
 #include "support/Library.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {
 
 using ARTWORK = TOOLKIT;
-
-PIXEL Tagged(UINTN Value) { return {static_cast<UINT8>(Value), static_cast<UINT8>(Value / 256), 0, 0}; }
-
-TEST_F(ARTWORK, APictureWithPaddedRowsComesOutTight)
-{
-    std::vector<PIXEL> Padded(104 * 3);
-    for (UINTN I = 0; I < Padded.size(); I++) {
-        Padded[I] = Tagged(I);
-    }
-    TEMPORARY<PIXEL> Tight;
-    ASSERT_EQ(CropBlt(&Tight.Data, 100, 3, 104, Padded.data()), EFI_SUCCESS);
-    EXPECT_EQ(ColorOf(Tight.Data[99]), ColorOf(Tagged(99)));
-    EXPECT_EQ(ColorOf(Tight.Data[100]), ColorOf(Tagged(104)));
-    EXPECT_EQ(ColorOf(Tight.Data[299]), ColorOf(Tagged(2 * 104 + 99)));
-
-    // Without pool: a report, and what was there stays.
-    PIXEL Before;
-    PIXEL* Out = &Before;
-    Boot->Pool.FailFrom = 1;
-    EXPECT_EQ(CropBlt(&Out, 100, 3, 104, Padded.data()), EFI_OUT_OF_RESOURCES);
-    Boot->Pool.FailFrom = 0;
-    EXPECT_EQ(Out, &Before);
-    EXPECT_NE(Boot->Consoles.ErrorText.find("LocatePool fail"), std::string::npos);
-}
-
-TEST_F(ARTWORK, AMirrorImageTurnsEachRowRound)
-{
-    const PIXEL Oblong[] = {Tagged(1), Tagged(2), Tagged(3), Tagged(4), Tagged(5), Tagged(6)};
-    TEMPORARY<PIXEL> Mirror;
-    ASSERT_EQ(MirrorBlt(Oblong, &Mirror.Data, 3, 2), EFI_SUCCESS);
-    const UINTN Expected[] = {3, 2, 1, 6, 5, 4};
-    for (UINTN I = 0; I < 6; I++) {
-        EXPECT_EQ(ColorOf(Mirror.Data[I]), ColorOf(Tagged(Expected[I])));
-    }
-}
-
-TEST_F(ARTWORK, IsFoundUnderEitherSectionType)
-{
-    for (const UINT8 Type : {EFI_SECTION_RAW, EFI_SECTION_PE32}) {
-        SetArtworkSectionType(Type);
-        TEMPORARY<PIXEL> Picture;
-        UINT32 Width = 0;
-        UINT32 Height = 0;
-        Boot->Trace.Lines.clear();
-        EXPECT_EQ(LoadJpegBlt(20, &gArtworkFileGuid, &Picture.Data, &Width, &Height), EFI_SUCCESS);
-        EXPECT_TRUE(Picture);
-        EXPECT_EQ(Width, 97u);
-        EXPECT_EQ(Height, 38u);
-        EXPECT_EQ(Fields("GetArtworkSection", "type"), (std::vector<std::string>{std::to_string(Type)}));
-    }
-}
 
 TEST_F(ARTWORK, ThatIsMissingLeavesNothingBehind)
 {
@@ -103,16 +51,6 @@ struct DIGITS : TOOLKIT {
         return true;
     }
 };
-
-TEST_F(DIGITS, AreCreatedOnce)
-{
-    BLT_FONT* First = Font;
-    EXPECT_EQ(CreateBltFont(&Font, 10, &gArtworkFileGuid), EFI_UNSUPPORTED);
-    EXPECT_EQ(Font, First);
-    EXPECT_EQ(Font->GlyphCount, 14u);
-    EXPECT_EQ(Font->GlyphWidth, 6u);
-    EXPECT_EQ(Font->GlyphHeight, 10u);
-}
 
 TEST_F(DIGITS, LeaveThePlaceOfAnUnknownCharacterAlone)
 {

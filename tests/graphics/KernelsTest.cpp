@@ -1,8 +1,6 @@
 // Random cases for everything that is done pixel by pixel: the fast kernels against their plain twins, the block
 // operations against references that are written here, pixel by pixel. Every buffer ends, or begins, at memory that
 // can't be touched, so that a load or store beyond it stops the program.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -13,7 +11,10 @@
 #include "controls/GridImage.h"
 #include "controls/LineChart.h"
 #include "graphics/GraphicProtocol.h"
-#include "tests/graphics/PixelFirmware.h"
+#include "platform/board/FloatMath.h"
+#include "shell/Board.h"
+#include "support/Library.h"
+#include "tests/gui/ToolkitBench.h"
 #include "tests/support/GuardedRoom.h"
 
 namespace {
@@ -37,8 +38,13 @@ private:
 
 constexpr PIXEL gFew[] = {gKeyColor, {0xFF, 0x00, 0xFF, 0x80}, gBlackPixel, gPanelColor, {0x1F, 0x96, 0x04, 7}};
 
-class KernelsTest : public testing::Test {
-protected:
+struct KernelsTest : HOSTED {
+    KernelsTest()
+    {
+        gBS = Boot->FirmwareTable.BootServices; // without the trace
+        gFloatMath = &gBoardFloatMath;
+    }
+
     static constexpr UINTN MostPixels = 64 * 1024;
 
     UINT32 Random(UINT32 Limit) { return static_cast<UINT32>(Generator()) % Limit; }
@@ -128,7 +134,6 @@ protected:
         }
     }
 
-    PIXEL_FIRMWARE Firmware;
     std::mt19937 Generator;
     GUARDED_PIXELS DstRoom{MostPixels};
     GUARDED_PIXELS ExpectedRoom{MostPixels};
@@ -183,38 +188,6 @@ UINT8 GrayOf(PIXEL From, const FLOAT_MATH_PROTOCOL& Math)
     };
     return static_cast<UINT8>(Math.FloatToInt(
         Math.FloatAdd(Math.FloatAdd(Part(From.Red, 299), Part(From.Green, 587)), Part(From.Blue, 114))));
-}
-
-// The layer of a series as its rules read, height by height; Samples moves on as in a plot.
-VOID ReferencePlot(PIXEL* Layer, const PIXEL* Gradient, std::vector<UINT32>& Samples, UINT32 Height, INT32 Maximum,
-                   INT32 Minimum, PIXEL Color)
-{
-    const UINT32 Width = static_cast<UINT32>(Samples.size());
-    INT64 Previous = Height;
-    for (UINT32 C = 0; C < Width; C++) {
-        const float Range = static_cast<float>(std::abs(Maximum - Minimum));
-        const INT64 H = static_cast<INT64>(static_cast<float>(Samples[C]) / Range * static_cast<float>(Height));
-        for (INT64 I = Height; I >= 1; I--) {
-            PIXEL& Pixel = Layer[(Height - static_cast<UINT32>(I)) * Width + C];
-            bool OnLine = I == H;
-            if (I > H) {
-                Pixel = {0, 0, 0, LINE_CHART_ABOVE};
-                OnLine = I < Previous && C != 0;
-            } else if (I < H) {
-                Pixel = Gradient[I];
-                Pixel.Reserved = LINE_CHART_FILL;
-                OnLine = I > Previous && Previous != 0;
-            }
-            if (OnLine) {
-                Pixel = {Color.Blue, Color.Green, Color.Red, LINE_CHART_LINE};
-            }
-        }
-        Samples[C] = static_cast<UINT32>(std::clamp<INT64>(Samples[C], Minimum, Maximum));
-        Previous = H;
-    }
-    for (UINT32 C = 0; C + 1 < Width; C++) {
-        Samples[C] = Samples[C + 1];
-    }
 }
 
 } // namespace
@@ -516,27 +489,5 @@ TEST_F(KernelsTest, MarkingARectangleIsTwoOverlaysOfABlockWithAFrame)
         ReferenceOverlay(Block.data(), Width, Height, Expected, CanvasWidth, CanvasHeight, X, Y, nullptr, &Color, 100);
         EXPECT_TRUE(MarkRectangle(Dst, static_cast<UINT32>(CanvasWidth), static_cast<UINT32>(CanvasHeight), X, Y,
                                   static_cast<UINT32>(Width), static_cast<UINT32>(Height), Color));
-    });
-}
-
-TEST_F(KernelsTest, APlotDecidesEachPixelByItsColumnAndTheOneBefore)
-{
-    ForCases([&] {
-        const UINT32 Width = 1 + Random(Random(16) == 0 ? 300 : 20);
-        const UINT32 Height = 1 + Random(12);
-        const INT32 Maximum = Coin() ? 100 : 7000;
-        const INT32 Minimum = Random(4) == 0 ? 10 : 0;
-        std::vector<UINT32> Samples(Width);
-        for (UINT32& Sample : Samples) {
-            Sample = Random(8) == 0 ? 0 : Random(static_cast<UINT32>(Maximum + Maximum / 8));
-        }
-        std::vector<UINT32> Moved = Samples;
-        MakeSource(Height + 1);
-        const PIXEL Color = RandomColor();
-        MakeDestination(static_cast<UINTN>(Width) * Height);
-        ReferencePlot(Expected, Src, Moved, Height, Maximum, Minimum, Color);
-        PlotLineChartSeries(Dst, Src, Samples.data(), Width, Height, Maximum, Minimum, PixelWord(Color),
-                            {1, static_cast<INT32>(Height)});
-        ASSERT_EQ(Moved, Samples);
     });
 }

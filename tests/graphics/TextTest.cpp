@@ -68,15 +68,6 @@ TEST_F(TEXT, HasALimitByTheFirmwaresGeneration)
     }
 }
 
-TEST_F(TEXT, IsWhiteOnBlackWithoutColours)
-{
-    const PICTURE_OF_TEXT Picture = Render(u"8", nullptr, nullptr);
-    EXPECT_EQ(std::count(Picture.Colors.begin(), Picture.Colors.end(), 0xFFFFFFu) +
-                  std::count(Picture.Colors.begin(), Picture.Colors.end(), 0u),
-              8 * 19);
-    EXPECT_GT(std::count(Picture.Colors.begin(), Picture.Colors.end(), 0xFFFFFFu), 8);
-}
-
 // The colours of a rectangle of a surface.
 std::vector<UINT32> Read(const PIXEL* Surface, UINTN X, UINTN Y, UINTN Width, UINTN Height)
 {
@@ -145,22 +136,6 @@ TEST_F(TEXT, InBoxModeStandsAtTheRightOfACleanBox)
         EXPECT_EQ(Read(gGuiCore->Screen, 300, 200, 40, 19), OnGround(Seen, gBackgroundFill));
         EXPECT_EQ(Read(Display(), 300, 200, 40, 19), OnGround(Seen, gBackgroundFill));
     }
-}
-
-TEST_F(TEXT, DrawsNothingWithoutATextAModeOrAKey)
-{
-    EXPECT_EQ(DrawString(300, 200, nullptr, DRAW_STRING_VIDEO, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
-    for (const UINT8 Mode : {0, 1, 2, 7, 255}) {
-        EXPECT_EQ(DrawString(300, 200, u"x", Mode, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
-    }
-    EXPECT_EQ(DrawString(300, 200, u"x", DRAW_STRING_KEYED, &gInk, nullptr, gGuiCore), EFI_SUCCESS);
-    EXPECT_EQ(DrawString(300, 200, u"x", DRAW_STRING_BOX, &gInk, nullptr, gGuiCore), EFI_SUCCESS);
-    const std::u16string Long(64, u'x');
-    for (const UINT8 Mode : {DRAW_STRING_VIDEO, DRAW_STRING_KEYED, DRAW_STRING_OPAQUE, DRAW_STRING_BOX}) {
-        EXPECT_EQ(DrawString(300, 200, Long.c_str(), Mode, &gInk, &gPaper, gGuiCore), EFI_INVALID_PARAMETER);
-    }
-    EXPECT_TRUE(Blts().empty());
-    EXPECT_EQ(ColorAt(gGuiCore->Screen, 303, 208), ColorOf(gScreenFill));
 }
 
 TEST_F(TEXT, IsReportedWhenTheFirmwareHasNoFonts)

@@ -1,5 +1,5 @@
 // The little firmware that block operations need: pool, copying, filling, the board's floats and a display that takes
-// everything. For tests and benchmarks of what is done pixel by pixel.
+// everything and costs nothing, so that the figures are those of the operations alone.
 #pragma once
 
 #include <cstdlib>
