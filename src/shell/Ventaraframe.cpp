@@ -47,8 +47,8 @@ struct CORNER {
     bool Upper;
 };
 
-// Leaves Picture null when there is none. A picture that doesn't decode is reported here; the status is that of the last
-// look-up or allocation, which the caller reports.
+// Leaves Picture null when there is none. The status is that of the look-up, which the caller reports; a picture that
+// doesn't decode is reported here, and one that there is no pool for by CropBlt.
 EFI_STATUS LoadFramePicture(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, UINT8 SectionType)
 {
     TEMPORARY<VOID> Stored;
@@ -75,13 +75,12 @@ EFI_STATUS LoadFramePicture(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, UINT8
         return EFI_SUCCESS;
     }
     ReleasePool(Stored.Data);
-    Status = CropBlt(&Frame->Picture, Width, Height, PixelsPerRow, Decoded);
-    FreePool(Decoded);
-    if (!EfiError(Status)) {
+    if (!EfiError(CropBlt(&Frame->Picture, Width, Height, PixelsPerRow, Decoded))) {
         Frame->Width = Width;
         Frame->Height = Height;
     }
-    return Status;
+    FreePool(Decoded);
+    return EFI_SUCCESS;
 }
 
 EFI_STATUS CopySavedScreen(SCREEN_FRAME* Frame)
@@ -97,18 +96,16 @@ EFI_STATUS CopySavedScreen(SCREEN_FRAME* Frame)
     return EFI_SUCCESS;
 }
 
-// Without the stored picture a plain panel keeps the console usable; its place and size cover every fixed element.
-EFI_STATUS MakePlainPicture(SCREEN_FRAME* Frame)
+// Without the stored picture a plain panel keeps the console usable; its place and size cover every fixed element. That
+// the stored one is missing has its report line, and there is none more for a panel without pool.
+VOID MakePlainPicture(SCREEN_FRAME* Frame)
 {
     Frame->Picture = AllocateArray<PIXEL>(static_cast<UINTN>(gPlainFrameWidth) * gPlainFrameHeight);
-    if (Frame->Picture == nullptr) {
-        REPORT("LocatePool Fail");
-        return EFI_OUT_OF_RESOURCES;
+    if (Frame->Picture != nullptr) {
+        Frame->Width = gPlainFrameWidth;
+        Frame->Height = gPlainFrameHeight;
+        FillPixels(Frame->Picture, Frame->Width * Frame->Height, gPanelColor);
     }
-    Frame->Width = gPlainFrameWidth;
-    Frame->Height = gPlainFrameHeight;
-    FillPixels(Frame->Picture, Frame->Width * Frame->Height, gPanelColor);
-    return EFI_SUCCESS;
 }
 
 // Where the corner has the key colour, what lies under it on the old screen shows through.
@@ -128,8 +125,9 @@ VOID PutBlock(SCREEN_FRAME* Frame, const PIXEL* Block, UINT32 Width, UINT32 Heig
     }
 }
 
-// One pass for a pair of corners: the stored left one and its mirror image.
-EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const CORNER& Corner)
+// One pass for a pair of corners: the stored left one and its mirror image. Gives the status of its allocations, or, if
+// it comes to none, that of the last one before it.
+EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const CORNER& Corner, EFI_STATUS LastAllocation)
 {
     const UINT8 SectionType = EFI_SECTION_RAW;
     TEMPORARY<VOID> Stored;
@@ -138,7 +136,7 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
         gImageSection->GetArtworkSection(Corner.Instance, &Stored.Data, &StoredSize, FileGuid, &SectionType);
     if (EfiError(Status) || !Stored) {
         Stored.Data = nullptr; // whatever the service left there
-        return EFI_SUCCESS; // the corners stay as the frame's picture has them
+        return LastAllocation; // the corners stay as the frame's picture has them
     }
     TEMPORARY<PIXEL> Left;
     UINTN LeftSize = 0;
@@ -151,11 +149,11 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
         if (Corner.Upper) {
             REPORT("ConvertBmpToGopBltA Fail");
         }
-        return EFI_SUCCESS;
+        return LastAllocation;
     }
     ReleasePool(Stored.Data);
     if (!PlausibleSize(Width, Height) || Width > Frame->Width || Height > Frame->Height) {
-        return EFI_SUCCESS; // no such corner fits this frame
+        return LastAllocation; // no such corner fits this frame
     }
 
     const UINTN Count = static_cast<UINTN>(Width) * Height;
@@ -226,26 +224,20 @@ VOID CreateScreenFrame(const EFI_GUID* FileGuid)
     }
 
     gScreenFrame = Frame;
-    EFI_STATUS LastStatus =
+    const EFI_STATUS LookUp =
         LoadFramePicture(Frame, FileGuid, EfiError(ProbeStatus) ? EFI_SECTION_PE32 : EFI_SECTION_RAW);
-    const bool Stored = Frame->Picture != nullptr;
-    if (!Stored) {
-        (void)MakePlainPicture(Frame);
-    }
     if (Frame->Picture == nullptr) {
-        return;
+        MakePlainPicture(Frame);
     }
-    const EFI_STATUS CopyStatus = CopySavedScreen(Frame);
-    if (Stored || EfiError(CopyStatus)) {
-        LastStatus = CopyStatus;
-    }
-    if (EfiError(LastStatus)) {
+    EFI_STATUS LastAllocation = CopySavedScreen(Frame);
+    if (EfiError(LookUp) || EfiError(LastAllocation)) {
         REPORT("LocatePool Fail");
     }
-    if (EfiError(MergeCorners(Frame, FileGuid, {gUpperCornerInstance, true}))) {
+    LastAllocation = MergeCorners(Frame, FileGuid, {gUpperCornerInstance, true}, LastAllocation);
+    if (EfiError(LastAllocation)) {
         REPORT("ConvertBmpToGopBltA Fail");
     }
-    (void)MergeCorners(Frame, FileGuid, {gLowerCornerInstance, false});
+    (void)MergeCorners(Frame, FileGuid, {gLowerCornerInstance, false}, LastAllocation);
 }
 
 VOID PasteScreenFrame()
