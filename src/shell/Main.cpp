@@ -268,6 +268,7 @@ VOID StopConsole()
     if (gShellConsole && gST->ConOut != nullptr) {
         (void)gST->ConOut->ClearScreen(gST->ConOut);
     }
+    CloseShellInterface();
     StoreSettings();
     (void)DestroyGuiCore();
     ReleasePool(gSavedScreen);

@@ -125,6 +125,12 @@ EFI_STATUS BindShellProtocols()
     return OldShellIsComplete() ? EFI_SUCCESS : EFI_NOT_FOUND;
 }
 
+VOID CloseShellInterface()
+{
+    (void)gBS->CloseProtocol(gImageHandle, &gShellInterfaceGuid, gImageHandle, nullptr);
+    gInterface = {&gShellInterfaceGuid, nullptr, nullptr};
+}
+
 VOID ReleaseShellProtocols()
 {
     Close(gShell);
