@@ -50,11 +50,13 @@ EFI_STATUS SaveScreen()
         return Status;
     }
     SetMem(Block, gScreenBytes, 0);
-    // A display without a linear frame buffer, or with a smaller one, leaves the rest black.
+    // A display without a linear frame buffer, or with a smaller one, leaves the rest black. A size of 0 doesn't mean an
+    // empty buffer: the firmware hasn't told its size.
     const EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* Mode = gGraphicsOutput->Mode;
     if (Mode != nullptr && Mode->FrameBufferBase != 0) {
+        const UINTN Size = Mode->FrameBufferSize;
         CopyMem(Block, reinterpret_cast<const VOID*>(Mode->FrameBufferBase),
-                Mode->FrameBufferSize < gScreenBytes ? Mode->FrameBufferSize : gScreenBytes);
+                Size == 0 || Size > gScreenBytes ? gScreenBytes : Size);
     }
     gSavedScreen = static_cast<EFI_GRAPHICS_OUTPUT_BLT_PIXEL*>(Block);
     return EFI_SUCCESS;
