@@ -18,13 +18,10 @@ constexpr UINT32 gPlainGap = 5;
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\CheckBox.cpp";
 
-// The pages' links have 22 events together.
-constexpr UINTN gLeftEventLimit = 32;
-
 UINT32 gCheckBoxCount = 0;
 
-static EFI_EVENT gLeftEvents[gLeftEventLimit] = {}; // of the links of destroyed boxes
-static UINTN gLeftEventCount = 0;
+// Links of destroyed boxes whose events are still open.
+static LIST_ENTRY gLeftLinks = {&gLeftLinks, &gLeftLinks};
 
 static VOID FillSquare(PIXEL* Picture, UINT32 Width, UINT32 Inset, PIXEL Color)
 {
@@ -173,10 +170,11 @@ EFI_STATUS DestroyCheckBox(CHECK_BOX_COMPONENT* Box)
     while (!ListIsEmpty(&Box->Links)) {
         CHECK_BOX_LINK* Link = LinkOf(Box->Links.ForwardLink);
         RemoveEntry(&Link->Link);
-        if (Link->Event != nullptr && gLeftEventCount < gLeftEventLimit) {
-            gLeftEvents[gLeftEventCount++] = Link->Event;
+        if (Link->Event != nullptr) {
+            InsertTail(&gLeftLinks, &Link->Link);
+        } else {
+            FreePool(Link);
         }
-        FreePool(Link);
         Box->LinkCount--;
     }
     FreePool(Box->Name);
@@ -186,8 +184,11 @@ EFI_STATUS DestroyCheckBox(CHECK_BOX_COMPONENT* Box)
 
 VOID CloseLeftLinkEvents()
 {
-    while (gLeftEventCount > 0) {
-        (void)gBS->CloseEvent(gLeftEvents[--gLeftEventCount]);
+    while (!ListIsEmpty(&gLeftLinks)) {
+        CHECK_BOX_LINK* Link = LinkOf(gLeftLinks.ForwardLink);
+        RemoveEntry(&Link->Link);
+        (void)gBS->CloseEvent(Link->Event);
+        FreePool(Link);
     }
 }
 

@@ -71,12 +71,12 @@ extern UINT32 gCheckBoxCount;
 EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT32 X, UINT32 Y, UINT32 Instance,
                           const EFI_GUID* FileGuid, UINT8 Format, UINT16 CaptionX, UINT16 CaptionY);
 
-// Frees everything, the record included. EFI_NOT_FOUND for a null box. The events of the links stay open until
-// CloseLeftLinkEvents.
+// Frees everything, the record included. EFI_NOT_FOUND for a null box. The events of the links stay open, and each with
+// its link in pool, until CloseLeftLinkEvents.
 EFI_STATUS DestroyCheckBox(CHECK_BOX_COMPONENT* Box);
 
-// Closes the link events of all boxes destroyed since it ran last, 32 at most. For the application's end, when nothing can
-// signal them any more.
+// Closes the link events of all boxes destroyed since it ran last. For the application's end, when nothing can signal
+// them any more.
 VOID CloseLeftLinkEvents();
 
 // Adds a link. Notify and Target may be null, ComponentId 0. One signal runs the functions of all links of a kind; a
