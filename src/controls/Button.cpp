@@ -23,19 +23,22 @@ static_assert(sizeof(BTN_COMPONENT::ListenerGroups) == gListenerTypeCount * size
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\Button.cpp";
 
-// Loads the strip and sets the rectangle. False without a picture, or for one that isn't wholly on the screen there.
+// Loads the strip and sets the rectangle, to the visible part of a picture that hangs over the screen's edge. False
+// without a picture of which anything shows there.
 static bool LoadButtonStrip(BTN_COMPONENT* Button, UINT32 ImageId, const EFI_GUID* FileGuid, UINT32 X, UINT32 Y)
 {
     UINT32 Width = 0;
     UINT32 Height = 0;
     (void)LoadJpegBlt(ImageId, FileGuid, &Button->Strip, &Width, &Height);
-    const UINT32 FrameHeight = Height / gButtonFrameCount;
-    if (Button->Strip == nullptr || Width == 0 || FrameHeight == 0 || Width > gScreenWidth ||
-        FrameHeight > gScreenHeight || X > gScreenWidth - Width || Y > gScreenHeight - FrameHeight) {
+    if (Button->Strip == nullptr) {
         return false;
     }
     Button->StripWidth = static_cast<INT32>(Width);
     Button->StripHeight = static_cast<INT32>(Height);
+    UINT32 FrameHeight = Height / gButtonFrameCount;
+    if (!CutStripToScreen(Button->Strip, gButtonFrameCount, X, Y, &Width, &FrameHeight)) {
+        return false;
+    }
     Button->Rect = {X, Y, Width, FrameHeight, static_cast<UINT64>(Width) * FrameHeight * sizeof(PIXEL)};
     return true;
 }

@@ -40,8 +40,8 @@ struct BUTTON_LISTENER {
 
 struct _BTN_COMPONENT {
     GUI_RECT Rect;
-    PIXEL* Strip; // the picture as loaded: four frames, stacked from the top. Owned
-    INT32 StripWidth;
+    PIXEL* Strip; // the picture: four frames, stacked from the top, cut at the screen's edge. Owned
+    INT32 StripWidth; // as loaded
     INT32 StripHeight;
     PIXEL* CaptionStrip; // copy of Strip with the caption drawn into each frame; null if there was no pool. Owned
     PIXEL* Frames[gButtonFrameCount];
@@ -62,8 +62,9 @@ using BTN_COMPONENT = struct _BTN_COMPONENT;
 
 // Makes a button from the JPEG section ImageId of the file and registers its component. Title may be null and is
 // copied. (X, Y) is its place on the screen, (TextX, TextY) the caption's offset inside a frame. The status is that of
-// creating the second event. Without pool for the record, or without a picture that fits the screen at that place,
-// ButtonOut becomes null and the status is an error; without pool for the captions the button shows the bare picture.
+// creating the second event. Of a picture that hangs over the screen's edge the visible part is the button. Without pool
+// for the record, or without a picture of which anything shows at that place, ButtonOut becomes null and the status is an
+// error; without pool for the captions the button shows the bare picture.
 EFI_STATUS CreateButton(BTN_COMPONENT** ButtonOut, const EFI_GUID* FileGuid, UINT32 ImageId, const CHAR16* Title,
                         UINT32 X, UINT32 Y, UINT16 TextX, UINT16 TextY);
 

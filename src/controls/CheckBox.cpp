@@ -52,19 +52,13 @@ static PIXEL* DrawPlainStrip(UINT32 Width, UINT32 Height)
     return Strip;
 }
 
-static bool PictureFits(const CHECK_BOX_COMPONENT* Box, UINT32 Width, UINT32 Height)
-{
-    return Width > 0 && Height > 0 && Width <= gScreenWidth && Height <= gScreenHeight &&
-           Box->Rect.X <= gScreenWidth - Width && Box->Rect.Y <= gScreenHeight - Height;
-}
-
 static UINT32 Larger(UINT32 A, UINT32 B)
 {
     return A > B ? A : B;
 }
 
-// Loads the strip, or draws a plain one where the file has none that fits the screen at the box's place. If nothing
-// fits, or without pool, the box stays without a picture and without a size: it is then neither drawn nor hit.
+// Loads the strip, or draws a plain one where the file has none, and cuts it at the screen's edge. Without pool the box
+// stays without a picture and without a size: it is then neither drawn nor hit.
 static VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32 Instance, const EFI_GUID* FileGuid,
                          UINT8 Format, UINT16 CaptionX, UINT16 CaptionY)
 {
@@ -76,7 +70,8 @@ static VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32
         (void)LoadBmpBlt(Instance, FileGuid, &Box->Images, &Width, &Height);
     }
     Height /= gFrameCount;
-    if (Box->Images == nullptr || !PictureFits(Box, Width, Height)) {
+    if (Box->Images == nullptr ||
+        !CutStripToScreen(Box->Images, gFrameCount, Box->Rect.X, Box->Rect.Y, &Width, &Height)) {
         REPORT("No usable picture (CreateCheckBox)");
         ReleasePool(Box->Images);
         Width = gPlainSize;
@@ -85,12 +80,13 @@ static VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32
             Width = Larger(Width, CaptionX + static_cast<UINT32>(StringLength(Caption)) * gCharacterWidth);
             Height = Larger(Height, CaptionY + gCharacterHeight);
         }
-        if (PictureFits(Box, Width, Height)) {
-            Box->Images = DrawPlainStrip(Width, Height);
+        Width = Width < gScreenWidth ? Width : gScreenWidth; // however long the caption
+        Box->Images = DrawPlainStrip(Width, Height);
+        if (Box->Images == nullptr ||
+            !CutStripToScreen(Box->Images, gFrameCount, Box->Rect.X, Box->Rect.Y, &Width, &Height)) {
+            ReleasePool(Box->Images);
+            return;
         }
-    }
-    if (Box->Images == nullptr) {
-        return;
     }
     Box->Rect.Width = Width;
     Box->Rect.Height = Height;

@@ -67,7 +67,8 @@ extern UINT32 gCheckBoxCount;
 
 // Makes a box at (X, Y) from a section of the file, JPEG or BMP by Format, and registers its component. Caption may be
 // null and is copied; (CaptionX, CaptionY) is its offset inside the picture. EFI_OUT_OF_RESOURCES for another Format
-// or without pool for the record: Box is unchanged then. Without a usable picture the box is a plain one.
+// or without pool for the record: Box is unchanged then. Without a usable picture the box is a plain one. A picture
+// that hangs over the screen's edge is cut there.
 EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT32 X, UINT32 Y, UINT32 Instance,
                           const EFI_GUID* FileGuid, UINT8 Format, UINT16 CaptionX, UINT16 CaptionY);
 

@@ -1,5 +1,6 @@
 #include "graphics/Artwork.h"
 
+#include "gui/GUICore.h"
 #include "shell/Board.h"
 #include "support/Library.h"
 
@@ -131,6 +132,29 @@ EFI_STATUS CropBlt(PIXEL** Out, UINTN Width, UINTN Height, UINTN SrcStride, cons
     }
     *Out = Tight;
     return EFI_SUCCESS;
+}
+
+bool CutStripToScreen(PIXEL* Strip, UINT32 Count, UINT32 X, UINT32 Y, UINT32* Width, UINT32* Height)
+{
+    if (*Width == 0 || *Height == 0 || X >= gScreenWidth || Y >= gScreenHeight) {
+        return false;
+    }
+    const UINT32 Columns = *Width < gScreenWidth - X ? *Width : gScreenWidth - X;
+    const UINT32 Rows = *Height < gScreenHeight - Y ? *Height : gScreenHeight - Y;
+    if (Columns == *Width && Rows == *Height) {
+        return true;
+    }
+    // Rows only move towards the beginning, over rows that have been moved already.
+    PIXEL* To = Strip;
+    for (UINT32 I = 0; I < Count; I++) {
+        const PIXEL* From = Strip + static_cast<UINTN>(I) * *Width * *Height;
+        for (UINT32 Row = 0; Row < Rows; Row++, To += Columns, From += *Width) {
+            CopyMem(To, From, Columns * sizeof(PIXEL));
+        }
+    }
+    *Width = Columns;
+    *Height = Rows;
+    return true;
 }
 
 EFI_STATUS MirrorBlt(const PIXEL* Src, PIXEL** Out, INT32 Width, INT32 Height)

@@ -27,6 +27,10 @@ bool PlausibleSize(UINT32 Width, UINT32 Height);
 // Without pool: a report line, the allocation's status, Out unchanged.
 EFI_STATUS CropBlt(PIXEL** Out, UINTN Width, UINTN Height, UINTN SrcStride, const PIXEL* Src);
 
+// Cuts a strip of Count pictures, Width x Height pixels each, to the part of a picture that shows when it stands at (X, Y)
+// of the screen, in place. Width and Height become those of that part. False, with nothing changed, when nothing shows.
+bool CutStripToScreen(PIXEL* Strip, UINT32 Count, UINT32 X, UINT32 Y, UINT32* Width, UINT32* Height);
+
 // A new buffer with the left-right mirror image of Src. Without pool Out is unchanged.
 EFI_STATUS MirrorBlt(const PIXEL* Src, PIXEL** Out, INT32 Width, INT32 Height);
 
