@@ -4,13 +4,10 @@
 #include "platform/board/ArtworkServices.h"
 #include "platform/board/CursorService.h"
 #include "platform/board/Decoder.h"
-#include "platform/board/FanStore.h"
 #include "platform/board/FloatMath.h"
 #include "platform/board/HardwareService.h"
 #include "platform/board/Lines.h"
 #include "platform/board/MessageBox.h"
-#include "platform/board/SimulatedBoard.h"
-#include "platform/board/Thermal.h"
 
 namespace {
 
@@ -32,17 +29,12 @@ UINT64 gBoardRequiredService;
 
 EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIONS* Options, EFI_HANDLE* Handle)
 {
-    if (SystemTable == nullptr || Options == nullptr || Handle == nullptr || Options->Microseconds == nullptr) {
-        return EFI_INVALID_PARAMETER;
-    }
-    const SIMULATED_BOARD* Board = FindSimulatedBoard(Options->Name);
-    if (Board == nullptr || !CheckArtworkPack(Options->ArtworkPack, Options->ArtworkPackSize)) {
+    if (SystemTable == nullptr || Options == nullptr || Handle == nullptr || Options->Board == nullptr ||
+        Options->Microseconds == nullptr || !CheckArtworkPack(Options->ArtworkPack, Options->ArtworkPackSize)) {
         return EFI_INVALID_PARAMETER;
     }
     gServices = SystemTable->BootServices;
-    ResetFanStore(Board, Options->Refused);
-    ResetThermal(Board, Options->Seed, Options->Microseconds());
-    UseHardware(Board, Options->Microseconds, gServices);
+    UseHardware(Options->Board, Options->Microseconds, Options->Refused, gServices);
     UsePointerSource(Options->Pointer);
     UseMessageBoxServices(gServices);
     UseArtworkPool(gServices);

@@ -5,7 +5,7 @@
 // sources; whatever differs between the two worlds comes in through BOARD_OPTIONS.
 #pragma once
 
-#include "shell/Services.h"
+#include "platform/board/BoardSource.h"
 #include "uefi/SystemTable.h"
 
 // Where the pointer comes from. Read gives the position and the buttons as they are now; the cursor service clamps the
@@ -17,10 +17,9 @@ struct POINTER_SOURCE {
 };
 
 struct BOARD_OPTIONS {
-    const CHAR8* Name;                // "full", "kind0", "kind2", "small", "second-source", "bare"; null: "full"
-    UINT64 Seed;                      // of the simulation
+    BOARD_SOURCE* Board;              // owned by the caller, outlives the services
     UINT8 Generation;                 // what GetFirmwareGeneration answers
-    UINT64 (*Microseconds)();         // the clock that moves the simulation, from any start, never backwards
+    UINT64 (*Microseconds)();         // the clock that is passed to the board, from any start, never backwards
     POINTER_SOURCE* Pointer;          // owned by the caller, outlives the services
     const UINT8* ArtworkPack;         // the pack made by the build, see ArtworkPack.h; outlives the services
     UINTN ArtworkPackSize;
@@ -28,23 +27,10 @@ struct BOARD_OPTIONS {
     VOID (*Refused)(UINT8 FanItem, const CHAR8* Fault);
 };
 
-// Number of boards and their names, for a command line's help and its check.
-extern const CHAR8* const gBoardNames[];
-extern const UINTN gBoardNameCount;
-
-// Installs every board service on a new handle. EFI_INVALID_PARAMETER for an unknown board name or a damaged pack.
+// Installs every board service on a new handle. EFI_INVALID_PARAMETER without a board or for a damaged pack.
 EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIONS* Options, EFI_HANDLE* Handle);
 // Takes every interface away and gives all memory back; refused with the firmware's status while one is in use.
 EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle);
-
-// For scripts; FanItem is 4 to 10, and any record is taken as it is.
-// The record that the board holds for a fan. RestoreFanSettings goes back to what the board held at the last
-// Initialize, but this counts as no change of the console's, so it brings back this record.
-EFI_STATUS PutBoardSetting(UINT8 FanItem, const FAN_SETTING* Setting);
-// The record that LoadDefaultFanSettings brings back.
-EFI_STATUS PutBoardDefault(UINT8 FanItem, const FAN_SETTING* Setting);
-// The record that the board holds now.
-EFI_STATUS ReadBoardSetting(UINT8 FanItem, FAN_SETTING* Setting);
 
 // Null for a record that the contract lets the console send to that fan of the installed board, else in words the first
 // rule that it breaks.

@@ -1,6 +1,7 @@
 #include "platform/board/SimulatedBoard.h"
 
-#include "platform/board/BoardServices.h"
+#include "platform/board/FanStore.h"
+#include "platform/board/Thermal.h"
 
 const CHAR8* const gBoardNames[] = {"full", "kind0", "kind2", "small", "second-source", "bare"};
 const UINTN gBoardNameCount = sizeof(gBoardNames) / sizeof(gBoardNames[0]);
@@ -27,7 +28,10 @@ constexpr UINT32 gEverything = BitsOf(gFirstTemperatureItem, gTemperatureItemCou
                                BitsOf(gFirstVoltageItem, gVoltageItemCount);
 
 // In the order of gBoardNames.
-constexpr SIMULATED_BOARD gBoards[] = {
+constexpr struct {
+    UINT32 Present;
+    UINT8 FanKind;
+} gBoards[] = {
     {.Present = gEverything, .FanKind = 1},
     {.Present = gEverything, .FanKind = 0},
     {.Present = gEverything, .FanKind = 2},
@@ -37,48 +41,12 @@ constexpr SIMULATED_BOARD gBoards[] = {
 };
 static_assert(sizeof(gBoards) / sizeof(gBoards[0]) == sizeof(gBoardNames) / sizeof(gBoardNames[0]));
 
-struct ITEM_TEXT {
-    UINT8 Item;
-    const CHAR16* Text;
-};
-
 // The console gives each name a fixed place, in cells of 8 pixels: 6 for a source, 8 for a fan, 15 for a voltage. A
-// fan's name of 4 to 6 cells stands in the middle of its tab. The blanks in front centre a title in its button.
-constexpr ITEM_TEXT gItemTexts[] = {
-    {0, u"CPU"},
-    {1, u"System"},
-    {2, u"PCH"},
-    {4, u"CPU 1"},
-    {5, u"CPU 2"},
-    {6, u"Case 1"},
-    {7, u"Case 2"},
-    {8, u"Case 3"},
-    {9, u"Case 4"},
-    {10, u" Pump"},
-    {11, u"CPU Core"},
-    {12, u"CPU I/O"},
-    {13, u"System/3.3V"},
-    {14, u"System/5V"},
-    {15, u"System/12V"},
-    {16, u"GPU"},
-    {17, u"DRAM"},
-    {STRING_GAUGE_CAPTION, u"Voltages"},
-    {STRING_FULL_SPEED, u"   Full Speed"},
-    {STRING_DEFAULT, u"     Default"},
-    {STRING_CANCEL, u"     Cancel"},
-    {STRING_ABOUT, u"About"},
-    {STRING_HELP, u"Help"},
-    {STRING_EXIT, u"Exit"},
-    {STRING_PANEL_TITLE, u"Fan Control"},
-    {STRING_HELP_TEXT, u"You can set CPU or System target temperature \nand set Fan duty cycle."},
-    {STRING_HELP_ESCAPE, u"ESC    : Exit"},
-    {STRING_HELP_FULL_SPEED, u"(F)key : All full speed."},
-    {STRING_HELP_DEFAULT, u"(D)key : All set default."},
-    {STRING_HELP_CANCEL, u"(C)key : All set cancel."},
-    {STRING_OK, u"OK"},
-    {STRING_ABOUT_MAKER, u"Ventara Fan Console by Kestrin"},
-    {STRING_ABOUT_RIGHTS, u"            All rights reserved"},
-    {STRING_ABOUT_ADDRESS, u"            www.kestrin.example"},
+// fan's name of 4 to 6 cells stands in the middle of its tab.
+constexpr const CHAR16* gNames[gItemCount] = {
+    u"CPU", u"System", u"PCH", nullptr,
+    u"CPU 1", u"CPU 2", u"Case 1", u"Case 2", u"Case 3", u"Case 4", u" Pump",
+    u"CPU Core", u"CPU I/O", u"System/3.3V", u"System/5V", u"System/12V", u"GPU", u"DRAM",
 };
 
 bool SameText(const CHAR8* A, const CHAR8* B)
@@ -90,45 +58,66 @@ bool SameText(const CHAR8* A, const CHAR8* B)
     return *A == *B;
 }
 
+const CHAR16* NameOf(BOARD_SOURCE*, UINT8 Item) { return Item < gItemCount ? gNames[Item] : nullptr; }
+
+EFI_STATUS Read(BOARD_SOURCE*, UINT8 Item, UINT64* Value)
+{
+    *Value = ReadModel(Item);
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS GetFan(BOARD_SOURCE*, UINT8 FanItem, FAN_SETTING* Setting)
+{
+    *Setting = gFanStore.Held[FanItem - gFirstFanItem];
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS SetFan(BOARD_SOURCE*, UINT8 FanItem, const FAN_SETTING* Setting)
+{
+    StoreFanSetting(FanItem, Setting);
+    return EFI_SUCCESS;
+}
+
+template <VOID (*Command)()> EFI_STATUS Do(BOARD_SOURCE*)
+{
+    Command();
+    return EFI_SUCCESS;
+}
+
+BOARD_SOURCE gSimulation = {
+    .Present = 0,
+    .FanKind = 0,
+    .NameOf = NameOf,
+    .Read = Read,
+    .GetFan = GetFan,
+    .SetFan = SetFan,
+    .LoadDefaults = Do<LoadFanDefaults>,
+    .SetFullSpeed = Do<HoldFullSpeed>,
+    .Restore = Do<RestoreFanStore>,
+    .Begin = [](BOARD_SOURCE*) { MarkFanStore(); },
+    // Before a setting changes, the model catches up under the old one: time that has passed keeps its setting.
+    .Advance = [](BOARD_SOURCE*, UINT64 Microseconds) { AdvanceThermal(Microseconds); },
+};
+
 } // namespace
 
-const SIMULATED_BOARD* FindSimulatedBoard(const CHAR8* Name)
+BOARD_SOURCE* OpenSimulatedBoard(const CHAR8* Name, UINT64 Seed, UINT64 Now)
 {
-    if (Name == nullptr) {
-        return &gBoards[0];
+    UINTN Which = 0;
+    while (Name != nullptr && Which < gBoardNameCount && !SameText(Name, gBoardNames[Which])) {
+        Which++;
     }
-    for (UINTN Index = 0; Index < gBoardNameCount; Index++) {
-        if (SameText(Name, gBoardNames[Index])) {
-            return &gBoards[Index];
-        }
+    if (Which == gBoardNameCount) {
+        return nullptr;
     }
-    return nullptr;
+    gSimulation.Present = gBoards[Which].Present;
+    gSimulation.FanKind = gBoards[Which].FanKind;
+    ResetFanStore(gSimulation);
+    ResetThermal(&gSimulation, Seed, Now);
+    return &gSimulation;
 }
 
-bool HasItem(const SIMULATED_BOARD* Board, UINT8 Item)
-{
-    return Item < gItemCount && (Board->Present & Bit(Item)) != 0;
-}
-
-bool IsFanItem(UINT8 Item) { return Item >= gFirstFanItem && Item < gFirstFanItem + gFanItemCount; }
-
-FAN_CONTROL ControlOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem)
-{
-    switch (FanItem) {
-    case 4:
-        return CONTROL_CURVE8;
-    case 5:
-        return Board->FanKind == 1 ? CONTROL_CURVE8 : Board->FanKind == 0 ? CONTROL_CURVE6 : CONTROL_NONE;
-    case 6:
-    case 7:
-    case 8:
-        return CONTROL_CURVE6;
-    default:
-        return CONTROL_FIXED_LEVEL;
-    }
-}
-
-UINT8 SourceOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem)
+UINT8 SourceOfFan(const BOARD_SOURCE& Board, UINT8 FanItem)
 {
     const UINT8 Own = gSimulatedFans[FanItem - gFirstFanItem].Source;
     if (HasItem(Board, Own)) {
@@ -140,17 +129,4 @@ UINT8 SourceOfFan(const SIMULATED_BOARD* Board, UINT8 FanItem)
         }
     }
     return gNoSource;
-}
-
-const CHAR16* TextOfItem(const SIMULATED_BOARD* Board, UINT8 Item)
-{
-    if (Item < gItemCount && !HasItem(Board, Item)) {
-        return nullptr;
-    }
-    for (const ITEM_TEXT& Entry : gItemTexts) {
-        if (Entry.Item == Item) {
-            return Entry.Text;
-        }
-    }
-    return nullptr;
 }

@@ -51,7 +51,7 @@ constexpr INT32 gLoadSettlingSteps = 16;
 constexpr INT32 gFine = 1024;
 
 struct THERMAL_MODEL {
-    const SIMULATED_BOARD* Board;
+    const BOARD_SOURCE* Board;
     UINT64 Random;
     UINT64 Time; // of the last step, on the board's clock
     INT32 Load[gTemperatureItemCount];
@@ -108,7 +108,7 @@ INT32 AirflowOver(UINT8 Source)
     INT64 Count = 0;
     for (UINT8 Index = 0; Index < gFanItemCount; Index++) {
         const UINT8 Item = static_cast<UINT8>(gFirstFanItem + Index);
-        if (HasItem(gModel.Board, Item) && SourceOfFan(gModel.Board, Item) == Source) {
+        if (HasItem(*gModel.Board, Item) && SourceOfFan(*gModel.Board, Item) == Source) {
             Sum += gModel.Speed[Index] * gFullDuty / gFine / gSimulatedFans[Index].TopSpeed;
             Count++;
         }
@@ -163,14 +163,9 @@ UINT64 ReadRail(UINT8 Index)
     return static_cast<UINT64>(Value / Rail.ConverterStep * Rail.ConverterStep);
 }
 
-INT32 DutyOfLevel(INT32 Level, FAN_CONTROL Control)
-{
-    return Control == CONTROL_CURVE8 ? Clamp(Level, 1, 8) * 125 : 400 + Clamp(Level, 1, 6) * 100;
-}
-
 } // namespace
 
-VOID ResetThermal(const SIMULATED_BOARD* Board, UINT64 Seed, UINT64 Now)
+VOID ResetThermal(const BOARD_SOURCE* Board, UINT64 Seed, UINT64 Now)
 {
     gModel = THERMAL_MODEL{};
     gModel.Board = Board;
@@ -223,15 +218,14 @@ UINT64 ReadModel(UINT8 Item)
 
 INT32 DutyOfCurve(const FAN_SETTING* Setting, FAN_CONTROL Control, INT32 MilliDegrees)
 {
-    const INT32 Columns[4] = {Setting->Column0, Setting->Column1, Setting->Column2, Setting->Column3};
-    const INT32 Levels[4] = {Setting->Level0, Setting->Level1, Setting->Level2, Setting->Level3};
+    const CURVE Curve = CurveOf(*Setting);
     INT32 LastDegrees = 0;
     INT32 LastDuty = 0;
-    for (UINTN Node = 0; Node < 4; Node++) {
-        const INT32 Degrees = 40000 + 5000 * (Clamp(Columns[Node], 1, 13) - 1);
-        const INT32 Duty = DutyOfLevel(Levels[Node], Control);
+    for (const CURVE_NODE& Node : Curve.Nodes) {
+        const INT32 Degrees = DegreesOfColumn(Node.Column) * 1000;
+        const INT32 Duty = DutyOfLevel(Node.Level, Control);
         if (MilliDegrees <= Degrees) {
-            const bool Between = Node > 0 && Degrees > LastDegrees;
+            const bool Between = LastDegrees > 0 && Degrees > LastDegrees;
             return Between ? LastDuty + (Duty - LastDuty) * (MilliDegrees - LastDegrees) / (Degrees - LastDegrees)
                            : Duty;
         }
@@ -243,16 +237,16 @@ INT32 DutyOfCurve(const FAN_SETTING* Setting, FAN_CONTROL Control, INT32 MilliDe
 
 INT32 DutyOfFan(UINT8 FanItem)
 {
-    if (RunsFullSpeed(FanItem)) {
+    if (gFanStore.FullSpeed[FanItem - gFirstFanItem]) {
         return gFullDuty;
     }
-    const FAN_SETTING* Setting = HeldFanSetting(FanItem);
-    const FAN_CONTROL Control = ControlOfFan(gModel.Board, FanItem);
+    const FAN_SETTING* Setting = &gFanStore.Held[FanItem - gFirstFanItem];
+    const FAN_CONTROL Control = ControlOfFan(gModel.Board->FanKind, FanItem);
     if (Control == CONTROL_FIXED_LEVEL || (Setting->CurveEnabled == 0 && Control != CONTROL_CURVE8)) {
         return DutyOfLevel(Setting->FixedLevel, CONTROL_FIXED_LEVEL);
     }
     // A fan without a sensor to follow is safe at full speed only.
-    const UINT8 Source = SourceOfFan(gModel.Board, FanItem);
+    const UINT8 Source = SourceOfFan(*gModel.Board, FanItem);
     if (Source == gNoSource) {
         return gFullDuty;
     }

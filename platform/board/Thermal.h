@@ -6,11 +6,12 @@
 // the last ten seconds only, so that no query takes long.
 #pragma once
 
+#include "platform/board/FanContract.h"
 #include "platform/board/SimulatedBoard.h"
 
 // Starts the model at that time of the clock (microseconds), as a board that has been on for a while. FanStore has to
 // be ready: the fans begin where their records hold them.
-VOID ResetThermal(const SIMULATED_BOARD* Board, UINT64 Seed, UINT64 Now);
+VOID ResetThermal(const BOARD_SOURCE* Board, UINT64 Seed, UINT64 Now);
 
 // Brings the model up to that time. A clock that has gone back changes nothing.
 VOID AdvanceThermal(UINT64 Now);

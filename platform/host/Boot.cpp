@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "platform/board/ArtworkPack.h"
+#include "platform/board/SimulatedBoard.h"
 #include "platform/host/ConsoleTables.h"
 #include "platform/host/FirmwareTables.h"
 
@@ -86,8 +87,9 @@ BOOT::~BOOT()
 EFI_STATUS BOOT::InstallBoard()
 {
     BOARD_OPTIONS Wanted = {};
-    Wanted.Name = mOptions.Board.c_str();
-    Wanted.Seed = mOptions.Seed;
+    Wanted.Board = mOptions.Source != nullptr
+                       ? mOptions.Source
+                       : OpenSimulatedBoard(mOptions.Board.c_str(), mOptions.Seed, ReadMicroseconds());
     Wanted.Generation = mOptions.Generation;
     Wanted.Microseconds = ReadMicroseconds;
     Wanted.Pointer = &Pointer.Source;

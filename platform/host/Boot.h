@@ -30,8 +30,9 @@
 #include "platform/host/Variables.h"
 
 struct BOOT_OPTIONS {
-    std::string Board = "full";
+    std::string Board = "full"; // of the simulation
     UINT64 Seed = 1;
+    BOARD_SOURCE* Source = nullptr; // a board in the simulation's place; outlives the boot
     UINT8 Generation = 0;
     bool VirtualClock = true;
     bool WithNetwork = false;  // a network card among the device paths

@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "platform/board/SimulatedBoard.h"
+
 namespace {
 
 bool ParseNumber(const std::string& Word, UINT64 Lowest, UINT64 Highest, UINT64* Value)

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/board/ArtworkPack.h"
+#include "platform/board/hooks/FanHooks.h"
 #include "platform/host/Png.h"
 
 namespace {

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/board/ArtworkPack.h"
+#include "platform/board/hooks/FanHooks.h"
 #include "platform/host/HostText.h"
 #include "platform/host/WindowDriver.h"
 
@@ -125,6 +126,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     BOOT_OPTIONS Machine;
     Machine.Board = Options.Board;
     Machine.Seed = Options.Seed;
+    Machine.Source = Options.Source;
     Machine.Generation = Options.Generation;
     Machine.VirtualClock = Options.Script.has_value();
     Machine.WithNetwork = Options.WithNetwork;

@@ -20,6 +20,7 @@
 struct SESSION_OPTIONS {
     std::string Board = "full"; // see gBoardNames
     UINT64 Seed = 1;
+    BOARD_SOURCE* Source = nullptr; // a board in the simulation's place
     UINT8 Generation = 0;
     bool WithNetwork = false;
 

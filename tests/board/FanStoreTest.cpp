@@ -1,6 +1,10 @@
-#include "platform/board/FanStore.h"
-
+// The records of fans as the service takes, refuses and gives them back, over the simulated board.
 #include "platform/board/BoardServices.h"
+#include "platform/board/FanContract.h"
+#include "platform/board/HardwareService.h"
+#include "platform/board/SimulatedBoard.h"
+#include "platform/board/Thermal.h"
+#include "platform/board/hooks/FanHooks.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -30,17 +34,38 @@ FAN_SETTING Fixed(UINT16 Level)
     return Setting;
 }
 
+UINT8 gTold; // the fan of the last record refused
+
+const BOARD_SOURCE& Open(const CHAR8* Name)
+{
+    BOARD_SOURCE* Board = OpenSimulatedBoard(Name, 1, 0);
+    UseHardware(Board, [] { return UINT64{0}; }, [](UINT8 Fan, const CHAR8*) { gTold = Fan; }, nullptr);
+    return *Board;
+}
+
+EFI_STATUS Store(UINT8 Fan, const FAN_SETTING& Setting)
+{
+    return gBoardHardware.Fan[Fan - gFirstFanItem].Set(&gBoardHardware, &Setting);
+}
+
+FAN_SETTING Held(UINT8 Fan)
+{
+    FAN_SETTING Setting = {};
+    EXPECT_EQ(gBoardHardware.Fan[Fan - gFirstFanItem].Get(&gBoardHardware, &Setting), EFI_SUCCESS);
+    return Setting;
+}
+
 bool Same(const FAN_SETTING& A, const FAN_SETTING& B) { return std::memcmp(&A, &B, sizeof(A)) == 0; }
 
 TEST(FanStore, TheDefaultsOfEveryBoardAreWithinTheContract)
 {
     for (UINTN Index = 0; Index < gBoardNameCount; Index++) {
-        const SIMULATED_BOARD* Board = FindSimulatedBoard(gBoardNames[Index]);
-        ResetFanStore(Board);
+        const BOARD_SOURCE& Board = Open(gBoardNames[Index]);
         for (UINT8 Fan = 4; Fan <= 10; Fan++) {
-            if (ControlOfFan(Board, Fan) != CONTROL_NONE) {
-                EXPECT_EQ(CheckFanSetting(ControlOfFan(Board, Fan), HeldFanSetting(Fan)), nullptr)
-                    << gBoardNames[Index] << " fan " << int{Fan};
+            const FAN_CONTROL Control = ControlOfFan(Board.FanKind, Fan);
+            if (Control != CONTROL_NONE) {
+                const FAN_SETTING Setting = Held(Fan);
+                EXPECT_EQ(CheckFanSetting(Control, &Setting), nullptr) << gBoardNames[Index] << " fan " << int{Fan};
             }
         }
     }
@@ -72,18 +97,17 @@ TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted)
         {"last byte", 10, [] { FAN_SETTING S = Fixed(1); S.Reserved12[51] = 1; return S; }},
         {"nothing set", 4, [] { return FAN_SETTING{}; }},
     };
-    static UINT8 Told;
-    ResetFanStore(FindSimulatedBoard("full"), [](UINT8 Fan, const CHAR8*) { Told = Fan; });
+    Open("full");
     UINT64 Faults = 0;
     for (const CASE& Case : Cases) {
-        Told = 0;
-        const FAN_SETTING Before = *HeldFanSetting(Case.Fan);
+        gTold = 0;
+        const FAN_SETTING Before = Held(Case.Fan);
         const FAN_SETTING Setting = Case.Make();
-        EXPECT_EQ(StoreFanSetting(Case.Fan, &Setting), EFI_INVALID_PARAMETER) << Case.What;
-        EXPECT_TRUE(Same(*HeldFanSetting(Case.Fan), Before)) << Case.What;
+        EXPECT_EQ(Store(Case.Fan, Setting), EFI_INVALID_PARAMETER) << Case.What;
+        EXPECT_TRUE(Same(Held(Case.Fan), Before)) << Case.What;
         EXPECT_EQ(BoardContractFaults(), ++Faults) << Case.What;
         EXPECT_NE(LastBoardContractFault(), nullptr);
-        EXPECT_EQ(Told, Case.Fan) << Case.What;
+        EXPECT_EQ(gTold, Case.Fan) << Case.What;
         EXPECT_EQ(FaultOfFanSetting(Case.Fan, &Setting), LastBoardContractFault()) << Case.What;
     }
 }
@@ -92,46 +116,46 @@ TEST(FanStore, ASecondFanIsCheckedByItsKindAndAnAbsentFanTakesNothing)
 {
     const FAN_SETTING Eight = Curve(1, 0);
     const FAN_SETTING Six = Curve(1, 1);
-    ResetFanStore(FindSimulatedBoard("kind0"));
-    EXPECT_EQ(StoreFanSetting(5, &Eight), EFI_INVALID_PARAMETER);
-    EXPECT_EQ(StoreFanSetting(5, &Six), EFI_SUCCESS);
-    ResetFanStore(FindSimulatedBoard("kind2"));
-    EXPECT_EQ(StoreFanSetting(5, &Six), EFI_INVALID_PARAMETER);
-    ResetFanStore(FindSimulatedBoard("small"));
-    EXPECT_EQ(StoreFanSetting(7, &Six), EFI_INVALID_PARAMETER);
-    EXPECT_EQ(StoreFanSetting(6, &Six), EFI_SUCCESS);
+    Open("kind0");
+    EXPECT_EQ(Store(5, Eight), EFI_INVALID_PARAMETER);
+    EXPECT_EQ(Store(5, Six), EFI_SUCCESS);
+    Open("kind2");
+    EXPECT_EQ(Store(5, Six), EFI_INVALID_PARAMETER);
+    Open("small");
+    EXPECT_EQ(Store(7, Six), EFI_INVALID_PARAMETER);
+    EXPECT_EQ(Store(6, Six), EFI_SUCCESS);
 }
 
 TEST(FanStore, CancelGoesBackToTheMarkAndDefaultToTheDefaults)
 {
-    ResetFanStore(FindSimulatedBoard("full"));
-    const FAN_SETTING Default = *HeldFanSetting(9);
+    Open("full");
+    const FAN_SETTING Default = Held(9);
     const FAN_SETTING First = Fixed(1);
     const FAN_SETTING Second = Fixed(6);
-    ASSERT_EQ(StoreFanSetting(9, &First), EFI_SUCCESS);
-    MarkFanStore();
-    ASSERT_EQ(StoreFanSetting(9, &Second), EFI_SUCCESS);
-    RestoreFanStore();
-    EXPECT_TRUE(Same(*HeldFanSetting(9), First));
-    LoadFanDefaults();
-    EXPECT_TRUE(Same(*HeldFanSetting(9), Default));
-    RestoreFanStore();
-    EXPECT_TRUE(Same(*HeldFanSetting(9), First));
+    ASSERT_EQ(Store(9, First), EFI_SUCCESS);
+    (void)gBoardHardware.Initialize(&gBoardHardware);
+    ASSERT_EQ(Store(9, Second), EFI_SUCCESS);
+    (void)gBoardHardware.RestoreFanSettings(&gBoardHardware);
+    EXPECT_TRUE(Same(Held(9), First));
+    (void)gBoardHardware.LoadDefaultFanSettings(&gBoardHardware);
+    EXPECT_TRUE(Same(Held(9), Default));
+    (void)gBoardHardware.RestoreFanSettings(&gBoardHardware);
+    EXPECT_TRUE(Same(Held(9), First));
 }
 
 TEST(FanStore, ARecordOfAScriptIsTakenAsItIsAndNoCancelTakesItBack)
 {
-    ResetFanStore(FindSimulatedBoard("full"));
+    Open("full");
     const FAN_SETTING Odd = Fixed(9);
     EXPECT_EQ(PutBoardSetting(9, &Odd), EFI_SUCCESS);
     EXPECT_EQ(PutBoardDefault(10, &Odd), EFI_SUCCESS);
-    FAN_SETTING Held = {};
-    RestoreFanStore();
-    EXPECT_EQ(ReadBoardSetting(9, &Held), EFI_SUCCESS);
-    EXPECT_TRUE(Same(Held, Odd));
-    LoadFanDefaults();
-    EXPECT_EQ(ReadBoardSetting(10, &Held), EFI_SUCCESS);
-    EXPECT_TRUE(Same(Held, Odd));
+    FAN_SETTING Now = {};
+    (void)gBoardHardware.RestoreFanSettings(&gBoardHardware);
+    EXPECT_EQ(ReadBoardSetting(9, &Now), EFI_SUCCESS);
+    EXPECT_TRUE(Same(Now, Odd));
+    (void)gBoardHardware.LoadDefaultFanSettings(&gBoardHardware);
+    EXPECT_EQ(ReadBoardSetting(10, &Now), EFI_SUCCESS);
+    EXPECT_TRUE(Same(Now, Odd));
     EXPECT_EQ(PutBoardSetting(11, &Odd), EFI_INVALID_PARAMETER);
     EXPECT_EQ(PutBoardDefault(3, &Odd), EFI_INVALID_PARAMETER);
     EXPECT_EQ(BoardContractFaults(), 0u);
@@ -139,17 +163,17 @@ TEST(FanStore, ARecordOfAScriptIsTakenAsItIsAndNoCancelTakesItBack)
 
 TEST(FanStore, FullSpeedOfAFanEndsWithItsNextRecordAndOfAllWithDefaultOrCancel)
 {
-    ResetFanStore(FindSimulatedBoard("full"));
-    const FAN_SETTING Setting = Fixed(1);
-    HoldFullSpeed();
-    ASSERT_EQ(StoreFanSetting(9, &Setting), EFI_SUCCESS);
-    EXPECT_FALSE(RunsFullSpeed(9));
-    EXPECT_TRUE(RunsFullSpeed(10));
-    LoadFanDefaults();
-    EXPECT_FALSE(RunsFullSpeed(10));
-    HoldFullSpeed();
-    RestoreFanStore();
-    EXPECT_FALSE(RunsFullSpeed(4));
+    constexpr INT32 FullDuty = 1000;
+    Open("full");
+    (void)gBoardHardware.SetAllFansFullSpeed(&gBoardHardware);
+    ASSERT_EQ(Store(9, Fixed(1)), EFI_SUCCESS);
+    EXPECT_EQ(DutyOfFan(9), 500);
+    EXPECT_EQ(DutyOfFan(10), FullDuty);
+    (void)gBoardHardware.LoadDefaultFanSettings(&gBoardHardware);
+    EXPECT_EQ(DutyOfFan(10), 900);
+    (void)gBoardHardware.SetAllFansFullSpeed(&gBoardHardware);
+    (void)gBoardHardware.RestoreFanSettings(&gBoardHardware);
+    EXPECT_EQ(DutyOfFan(10), 900);
 }
 
 } // namespace

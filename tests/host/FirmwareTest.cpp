@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/board/ArtworkPack.h"
+#include "platform/board/SimulatedBoard.h"
 #include "platform/host/Boot.h"
 #include "platform/host/SystemFont.h"
 #include "platform/host/TextImage.h"

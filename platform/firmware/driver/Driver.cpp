@@ -2,6 +2,7 @@
 // artwork that it carries and the machine's own pointing devices. Unloading it takes everything away again.
 #include "platform/board/ArtworkPack.h"
 #include "platform/board/BoardServices.h"
+#include "platform/board/SimulatedBoard.h"
 #include "platform/firmware/Clock.h"
 #include "platform/firmware/Report.h"
 #include "platform/firmware/pointer/MachinePointer.h"
@@ -53,8 +54,7 @@ extern "C" EFI_STATUS DriverEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* Syst
         return Status;
     }
     const BOARD_OPTIONS Options = {
-        .Name = nullptr,
-        .Seed = 1,
+        .Board = OpenSimulatedBoard(nullptr, 1, ReadMicroseconds()),
         .Generation = 0,
         .Microseconds = ReadMicroseconds,
         .Pointer = Pointer,
