@@ -1,22 +1,23 @@
-// Lines of a trace as a test asks them.
+// Lines of a trace as a test asks them. A start alone writes thousands, so a line is read no further than is asked for.
 #pragma once
 
-#include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "uefi/Base.h"
 
-// One line of the trace. Numbers are kept as text too, so that a field can be compared without knowing its kind.
+// One line of the trace.
 struct CALL_LINE {
     std::string Call;
     UINT64 Microseconds = 0;
     UINT64 Start = 0;
     UINT64 Turn = 0;
-    std::map<std::string, std::string> Fields; // strings without quotes, numbers in decimal, null as "null"
+    std::string Fields; // the other fields, as the trace has them
 
-    std::string Text(const std::string& Field) const;
-    UINT64 Number(const std::string& Field) const;
+    // A field's value: strings without quotes, numbers in decimal, lists as the trace has them, null as "null".
+    std::string Text(std::string_view Field) const;
+    UINT64 Number(std::string_view Field) const;
     bool operator==(const CALL_LINE&) const = default;
 };
 
