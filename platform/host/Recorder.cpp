@@ -102,14 +102,6 @@ VOID RecordStall(RECORDER* Recorder, UINT64 Microseconds)
     }
 }
 
-VOID RecordCommand(RECORDER* Recorder, const char* Line)
-{
-    std::fprintf(Recorder->File, "%s\n", Line);
-    if (std::fflush(Recorder->File) != 0) {
-        Recorder->Failed = true;
-    }
-}
-
 bool CloseRecorder(RECORDER* Recorder)
 {
     const bool Written = !Recorder->Failed && std::ferror(Recorder->File) == 0;

@@ -19,8 +19,5 @@ VOID RecordTurn(RECORDER* Recorder, UINT64 Now, const WINDOW_INPUT& Input);
 // `advance` is shorter by it.
 VOID RecordStall(RECORDER* Recorder, UINT64 Microseconds);
 
-// Records a line of the caller's own, such as `start`, without its line end.
-VOID RecordCommand(RECORDER* Recorder, const char* Line);
-
 // False when a line couldn't be written, now or before.
 bool CloseRecorder(RECORDER* Recorder);

@@ -73,10 +73,9 @@ TEST_F(Recorder, LeavesOutTheTimeThatAStallMovesByItself)
 TEST_F(Recorder, IsOnDiskAfterEachTurn)
 {
     RecordTurn(Open, 0, Input);
-    RecordCommand(Open, "start");
     std::ifstream File(Path);
     const std::string Text{std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
-    EXPECT_EQ(Text, "pointer 10 20\nturn\nstart\n");
+    EXPECT_EQ(Text, "pointer 10 20\nturn\n");
     EXPECT_TRUE(CloseRecorder(Open));
 }
 
