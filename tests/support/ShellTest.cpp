@@ -11,6 +11,8 @@ constexpr EFI_GUID gNewParameters = {0x752F3136, 0x4E16, 0x4FDC, {0xA2, 0x2A, 0x
 constexpr EFI_GUID gOldEnvironment = {0x47C7B221, 0xC42A, 0x11D2, {0x8E, 0x57, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
 constexpr EFI_GUID gOldInterface = {0x47C7B223, 0xC42A, 0x11D2, {0x8E, 0x57, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
 constexpr EFI_GUID gSignature = {0xD2C18636, 0x40E5, 0x4EB5, {0xA3, 0x1B, 0x36, 0x69, 0x5F, 0xD4, 0x2C, 0x87}};
+constexpr EFI_GUID gForeignSignature = {
+    0xD2C18636, 0x40E5, 0x4EB5, {0xA3, 0x1B, 0x36, 0x69, 0x5F, 0xD4, 0x2C, 0x88}}; // another layout's
 
 struct SHELL : HOSTED {
     ~SHELL() override { EXPECT_FALSE(ReleasedArguments()); }
@@ -59,7 +61,7 @@ struct SHELL : HOSTED {
     struct {
         VOID* Functions[12];
         EFI_GUID Signature;
-    } mForeignEnvironment = {}, mEnvironment = {{}, gSignature};
+    } mForeignEnvironment = {{}, gForeignSignature}, mEnvironment = {{}, gSignature};
     std::vector<std::u16string> mTexts;
     std::vector<CHAR16*> mPointers;
     CHAR16** mArgv = nullptr;
