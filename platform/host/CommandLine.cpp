@@ -1,6 +1,7 @@
 #include "platform/host/CommandLine.h"
 
 #include <charconv>
+#include <string_view>
 
 #include "platform/board/SimulatedBoard.h"
 
@@ -17,10 +18,12 @@ std::string ListBoards()
 {
     std::string List;
     for (UINTN At = 0; At < gBoardNameCount; At++) {
-        List += (At == 0 ? "" : ", ") + std::string(gBoardNames[At]);
+        List += gBoardNames[At] + std::string(", ");
     }
-    return List;
+    return List + gLinuxBoardName;
 }
+
+constexpr std::string_view gLinuxHelp = "board linux:"; // in front of what an option for that board alone does
 
 // Each option takes its value, or an empty one where it has none, and gives what it expected, or an empty text.
 using OPTION_PARSER = std::string (*)(const std::string& Value, COMMAND& Command);
@@ -38,9 +41,12 @@ std::string ParseCount(const std::string& Value, UINT64* Count)
 }
 
 const OPTION_FACTS gOptions[] = {
-    {"--board", "NAME", "the simulated board",
+    {"--board", "NAME", "the board: a simulated one, or linux for this machine's own sensors",
      [](const std::string& Value, COMMAND& Command) -> std::string {
          Command.Session.Board = Value;
+         if (Value == gLinuxBoardName) {
+             return "";
+         }
          for (UINTN At = 0; At < gBoardNameCount; At++) {
              if (Value == gBoardNames[At]) {
                  return "";
@@ -93,6 +99,33 @@ const OPTION_FACTS gOptions[] = {
          Command.Session.RecordPath = Value;
          return Value.empty() ? "a file" : "";
      }},
+    {"--hwmon", "DIR", "board linux: where the chips' files are (/sys/class/hwmon)",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         Command.Linux.Root = Value;
+         return Value.empty() ? "a folder" : "";
+     }},
+    {"--temperature", "LABEL", "board linux: show this temperature; up to three times",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         Command.Linux.Temperatures.push_back(Value);
+         return Value.empty()                                                  ? "a label of --list-sensors"
+                : Command.Linux.Temperatures.size() > gTemperatureItemCount ? "three temperatures at most"
+                                                                               : "";
+     }},
+    {"--set-fans", nullptr, "board linux: let the console set this machine's fans",
+     [](const std::string&, COMMAND& Command) -> std::string {
+         Command.Linux.SetFans = true;
+         return "";
+     }},
+    {"--keep", nullptr, "board linux: what was set stays, however the program ends",
+     [](const std::string&, COMMAND& Command) -> std::string {
+         Command.Linux.Keep = true;
+         return "";
+     }},
+    {"--list-sensors", nullptr, "list this machine's sensors and what would become of them; no window",
+     [](const std::string&, COMMAND& Command) -> std::string {
+         Command.Kind = COMMAND_LIST_SENSORS;
+         return "";
+     }},
     {"--help", nullptr, "this text",
      [](const std::string&, COMMAND& Command) -> std::string {
          Command.Kind = COMMAND_HELP;
@@ -123,6 +156,7 @@ bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Comman
     Command->Session.Window = true;
     Command->Session.KeepPictures = false;
     Command->Session.EchoConsoles = true;
+    std::string LinuxOption; // one that means nothing elsewhere
     for (size_t At = 0; At < Arguments.size(); At++) {
         if (Arguments[At] == "--") {
             Command->Session.ShellArguments.emplace(Arguments.begin() + static_cast<std::ptrdiff_t>(At) + 1,
@@ -153,13 +187,24 @@ bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Comman
             }
         }
         const std::string Expected = Option->Parse(Value, *Command);
+        if (std::string_view(Option->Help).starts_with(gLinuxHelp)) {
+            LinuxOption = Name;
+        }
         if (!Expected.empty()) {
             *Error = Name + " " + Value + ": expected " + Expected;
             return false;
         }
-        if (Command->Kind != COMMAND_RUN) {
+        if (Command->Kind == COMMAND_HELP || Command->Kind == COMMAND_VERSION) {
             return true; // nothing else is done, so nothing else matters
         }
+    }
+    if (!LinuxOption.empty() && Command->Kind == COMMAND_RUN && Command->Session.Board != gLinuxBoardName) {
+        *Error = LinuxOption + ": expected --board " + gLinuxBoardName + " with it";
+        return false;
+    }
+    if (Command->Linux.Keep && !Command->Linux.SetFans) {
+        *Error = "--keep: expected --set-fans with it";
+        return false;
     }
     if (!Command->ScriptPath.empty()) {
         Command->Session.Window = false;
@@ -174,8 +219,8 @@ bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Comman
 std::string DescribeOptions()
 {
     std::string Text = "Usage: ventara [OPTION]... [-- ARGUMENT...]\n"
-                       "Runs the sensor and fan console on a simulated board. What stands behind -- is passed to the\n"
-                       "console as a UEFI shell would pass it.\n\n";
+                       "Runs the sensor and fan console on a simulated board, or on this machine's own sensors. What stands\n"
+                       "behind -- is passed to the console as a UEFI shell would pass it.\n\n";
     for (const OPTION_FACTS& Facts : gOptions) {
         std::string Line = std::string("  ") + Facts.Name + (Facts.ValueName == nullptr ? "" : " ") +
                            (Facts.ValueName == nullptr ? "" : Facts.ValueName);

@@ -5,12 +5,14 @@
 #include <vector>
 
 #include "platform/host/Session.h"
+#include "platform/host/linux/LinuxBoard.h"
 
-enum COMMAND_KIND : UINT8 { COMMAND_RUN, COMMAND_HELP, COMMAND_VERSION };
+enum COMMAND_KIND : UINT8 { COMMAND_RUN, COMMAND_HELP, COMMAND_VERSION, COMMAND_LIST_SENSORS };
 
 struct COMMAND {
     COMMAND_KIND Kind = COMMAND_RUN;
     SESSION_OPTIONS Session;
+    LINUX_BOARD_OPTIONS Linux; // of the board "linux", and of --list-sensors
     std::string ScriptPath; // empty: no script
     std::string TracePath;
     std::string ScreenshotPath;

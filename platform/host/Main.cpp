@@ -1,4 +1,4 @@
-// The command `ventara`: the console on a simulated board, in a window or under a script.
+// The command `ventara`: the console on a simulated board or on the machine's own, in a window or under a script.
 #include <csignal>
 #include <cstdio>
 
@@ -10,7 +10,13 @@ namespace {
 
 enum EXIT_STATUS : int { EXIT_GOOD = 0, EXIT_CONSOLE_FAILED = 1, EXIT_BAD_USE = 2 };
 
-VOID OnStopSignal(int) { RequestStop(); }
+volatile sig_atomic_t gSignalled = 0;
+
+VOID OnStopSignal(int)
+{
+    gSignalled = 1;
+    RequestStop();
+}
 
 VOID Say(const std::string& Line) { std::fprintf(stderr, "%s\n", Line.c_str()); }
 
@@ -57,10 +63,23 @@ int RunCommand(COMMAND& Command)
             return EXIT_BAD_USE;
         }
     }
+    LINUX_BOARD Linux;
+    if (Options.Board == gLinuxBoardName) {
+        std::string Error;
+        if (!Linux.Find(Command.Linux, &Error)) {
+            Say("ventara: " + Error);
+            return EXIT_BAD_USE;
+        }
+        Linux.Open();
+        Options.Source = &Linux;
+    }
     std::signal(SIGINT, OnStopSignal);
     std::signal(SIGTERM, OnStopSignal);
     const SESSION_RESULT Result = RunSession(Options);
     int Exit = EXIT_GOOD;
+    if (Options.Source != nullptr) {
+        Linux.Leave(gSignalled != 0);
+    }
 
     if (Options.TraceFile != nullptr) {
         const bool Written = std::ferror(Options.TraceFile) == 0;
@@ -93,6 +112,18 @@ int RunCommand(COMMAND& Command)
     return Exit;
 }
 
+int PrintSensors(const LINUX_BOARD_OPTIONS& Options)
+{
+    LINUX_BOARD Linux;
+    std::string Error;
+    if (!Linux.Find(Options, &Error)) {
+        Say("ventara: " + Error);
+        return EXIT_BAD_USE;
+    }
+    std::fputs(Linux.List().c_str(), stdout);
+    return EXIT_GOOD;
+}
+
 } // namespace
 
 int main(int Count, char** Words)
@@ -110,6 +141,8 @@ int main(int Count, char** Words)
     case COMMAND_VERSION:
         std::fputs(DescribeVersion().c_str(), stdout);
         return EXIT_GOOD;
+    case COMMAND_LIST_SENSORS:
+        return PrintSensors(Command.Linux);
     case COMMAND_RUN:
         break;
     }

@@ -114,6 +114,12 @@ bool SESSION::Prepare()
         Result.ScriptError = true;
         return false;
     }
+    for (const SCRIPT_COMMAND& Command : Script.Commands) {
+        if (Options.Source != nullptr && (Command.Verb == SCRIPT_SETTING || Command.Verb == SCRIPT_DEFAULT)) {
+            Result.ScriptError = true;
+            return Fail(DescribeScriptError(Script, Command.Line, "a simulated board"));
+        }
+    }
     if (Options.Window && !Window.Open(Options.RecordPath, &Result.Error)) {
         return false;
     }

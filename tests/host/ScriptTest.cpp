@@ -94,6 +94,10 @@ TEST(CommandLineTest, OptionsReachTheSession)
     ASSERT_TRUE(Parse({}, &Command));
     EXPECT_TRUE(Command.Session.Window);
     EXPECT_FALSE(Command.Session.ShellArguments.has_value());
+    ASSERT_TRUE(Parse({"--set-fans", "--temperature", "a", "--board", "linux", "--temperature=b"}, &Command));
+    EXPECT_TRUE(Command.Linux.SetFans);
+    EXPECT_EQ(Command.Linux.Temperatures, (std::vector<std::string>{"a", "b"}));
+    ASSERT_TRUE(Parse({"--list-sensors", "--hwmon", "d"}, &Command)) << "it asks for no board";
     ASSERT_TRUE(Parse({"--"}, &Command));
     EXPECT_TRUE(Command.Session.ShellArguments.has_value()) << "a shell without arguments is a shell";
 }
@@ -103,7 +107,9 @@ TEST(CommandLineTest, ABadOptionIsRefused)
     for (const std::vector<std::string>& Words : std::vector<std::vector<std::string>>{
              {"--bored"}, {"small"}, {"--board"}, {"--board", "large"}, {"--seed", "x"}, {"--seed", "-1"},
              {"--generation", "256"}, {"--pool-limit", "0"}, {"--pool-fail", ""}, {"--headless=yes"}, {"--trace", ""},
-             {"--headless", "--record", "r"}, {"--record", "r", "--script", "s"}}) {
+             {"--headless", "--record", "r"}, {"--record", "r", "--script", "s"}, {"--set-fans"},
+             {"--board", "full", "--hwmon", "d"}, {"--board", "linux", "--keep"}, {"--board", "linux", "--temperature", ""},
+             {"--list-sensors", "--temperature=a", "--temperature=b", "--temperature=c", "--temperature=d"}}) {
         COMMAND Command;
         std::string Error;
         EXPECT_FALSE(ParseCommandLine(Words, &Command, &Error)) << Words[0];
