@@ -99,11 +99,17 @@ EFI_STATUS EVENTS::Signal(EFI_EVENT Event)
     if (!Record->HasGroup) {
         QueueSignalled(reinterpret_cast<KEY>(Event), *Record);
     } else if (!Record->Signalled) {
-        const EFI_GUID Group = Record->Group;
-        for (auto Member = mEvents.rbegin(); Member != mEvents.rend(); ++Member) {
-            if (Member->second.HasGroup && SameGuids(Member->second.Group, Group)) {
-                QueueSignalled(Member->first, Member->second);
+        std::vector<KEY> Members;
+        for (const auto& [Key, Member] : mEvents) {
+            if (Member.HasGroup && SameGuids(Member.Group, Record->Group)) {
+                Members.push_back(Key);
             }
+        }
+        if (!OldestFirst) {
+            std::reverse(Members.begin(), Members.end());
+        }
+        for (const KEY Key : Members) {
+            QueueSignalled(Key, mEvents.at(Key));
         }
     }
     RunQueued();

@@ -2,7 +2,8 @@
 //
 // A notify function whose priority lies above the current one runs inside the signal; at or below it, it is queued and
 // runs when the priority falls. Queued functions run highest priority first, and in the order of their signals within one.
-// Signalling a member of a group signals every member, the newest first, as the firmwares in the field do.
+// Signalling a member of a group signals every member, the newest first, as the firmwares in the field do, or the other
+// way round: the order is a firmware's own, so nobody may count on one.
 //
 // Timers are looked at whenever the clock can have moved: Poll is called by every wait and check and after each move.
 #pragma once
@@ -37,6 +38,8 @@ struct EVENTS {
     EVENTS(CLOCK* TheClock, COMPLAINTS* Where) : mClock(TheClock), mComplaints(Where) {}
     EVENTS(const EVENTS&) = delete;
     EVENTS& operator=(const EVENTS&) = delete;
+
+    bool OldestFirst = false; // in which order the members of a group are signalled
 
     EFI_TPL RaiseTpl(EFI_TPL NewTpl);
     // Lowers the priority and runs what was queued above it.

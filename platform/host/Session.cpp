@@ -144,6 +144,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Machine.ArtworkPackSize = Options.ArtworkPack != nullptr ? Options.ArtworkPackSize : gArtworkPackSize;
     Boot = std::make_unique<BOOT>(Machine);
     Boot->Complaints.Quiet = !Options.EchoConsoles;
+    Boot->Events.OldestFirst = Options.GroupsOldestFirst;
     if (Before != nullptr) {
         Boot->Clock = Before->Clock;
         Boot->Trace = Before->Trace;

@@ -41,6 +41,8 @@ struct SESSION_OPTIONS {
     UINT64 TimerAtStart = 0;
     UINT64 CountAtStart = 0;
 
+    bool GroupsOldestFirst = false; // see EVENTS
+
     UINT64 PoolLimit = 0; // the allocation of a start from which on all fail; 0: none
     UINT64 PoolFail = 0;  // the one that fails alone; 0: none
 

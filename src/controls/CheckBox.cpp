@@ -269,6 +269,15 @@ static VOID TargetBox(CHECK_BOX_COMPONENT* Box, UINT8 Reset)
     gGuiCore->TargetReset = Reset;
 }
 
+VOID ShowCheckBoxState(CHECK_BOX_COMPONENT* Box)
+{
+    for (LIST_ENTRY* Entry = Box->Links.ForwardLink; Entry != &Box->Links; Entry = Entry->ForwardLink) {
+        MirrorState(Box, LinkOf(Entry));
+        SwitchComponent(Box, LinkOf(Entry));
+    }
+    DrawCheckBox(Box->State != 0 ? CHECK_BOX_CHECKED : CHECK_BOX_UNCHECKED, Box);
+}
+
 EFI_STATUS SetCheckBoxState(EFI_EVENT, VOID* Context)
 {
     CHECK_BOX_COMPONENT* Box = static_cast<CHECK_BOX_COMPONENT*>(Context);
@@ -276,11 +285,7 @@ EFI_STATUS SetCheckBoxState(EFI_EVENT, VOID* Context)
         return EFI_NOT_FOUND;
     }
     TargetBox(Box, 1);
-    for (LIST_ENTRY* Entry = Box->Links.ForwardLink; Entry != &Box->Links; Entry = Entry->ForwardLink) {
-        MirrorState(Box, LinkOf(Entry));
-        SwitchComponent(Box, LinkOf(Entry));
-    }
-    DrawCheckBox(Box->State != 0 ? CHECK_BOX_CHECKED : CHECK_BOX_UNCHECKED, Box);
+    ShowCheckBoxState(Box);
     if (gGuiCore->MouseState != L_CLICK) {
         return EFI_SUCCESS;
     }

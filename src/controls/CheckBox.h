@@ -4,7 +4,7 @@
 // runs when a click changes the box. A fan page swaps its frame for its slider and writes its setting through links.
 // A radio button is the same record joined to the temperature page bar, which then owns state and painting.
 //
-// A new box is checked. To set it from outside write State, then call SetCheckBoxState with a null event.
+// A new box is checked. To set it from outside write State, then call ShowCheckBoxState.
 #pragma once
 
 #include "graphics/Palette.h"
@@ -85,8 +85,12 @@ VOID CloseLeftLinkEvents();
 EFI_STATUS AddCheckBoxLink(CHECK_BOX_COMPONENT* Box, VOID* Context, EFI_EVENT_NOTIFY Notify, UINT8 Kind, UINT8* Target,
                            UINT16 ComponentId);
 
-// Applies the present State to links and screen. Runs link functions only while MouseState is L_CLICK, so that a box
-// that is set by program changes silently. Notify function of SecondaryEvent; Context is the box.
+// Carries the present State to the bytes and components of the links and to the screen. No link's function runs, and the
+// pending target stays: a box may be set while something else is in hand.
+VOID ShowCheckBoxState(CHECK_BOX_COMPONENT* Box);
+
+// The same as a reaction of the box, which becomes the target; while MouseState is L_CLICK the functions of its links
+// run. Notify function of SecondaryEvent and of a page's target; Context is the box.
 EFI_STATUS SetCheckBoxState(EFI_EVENT Event, VOID* Context);
 
 // Notify function of PrimaryEvent and hover handler; Context is the box. EFI_NOT_FOUND, with nothing changed, for a box

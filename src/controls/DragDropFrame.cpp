@@ -270,21 +270,30 @@ VOID ShowWorkImage(DRAGDROP_COMPONENT* Frame)
     (void)ComposeScreen(gGuiCore, Frame->WorkImage, Rect.X, Rect.Y, Rect.Width, Rect.Height);
 }
 
-VOID RepaintDragDropFrame(DRAGDROP_COMPONENT* Frame)
+VOID ShowDragDropFrame(DRAGDROP_COMPONENT* Frame)
 {
     if (!FrameIsWhole(Frame)) {
         return;
     }
     CopyMem(Frame->WorkImage, Frame->CleanImage, Frame->Rect.BufferSize);
-    if (!FrameIsLive(Frame)) {
-        return;
-    }
-    for (const DD_FRAME_NODE& Node : Frame->Nodes) {
-        OverlayNode(Frame, Node, RestingPlace(Frame, Node));
+    for (UINT32 I = 0; FrameIsLive(Frame) && I < gNodeCount; I++) {
+        OverlayNode(Frame, Frame->Nodes[I], RestingPlace(Frame, Frame->Nodes[I]));
     }
     // The chart takes this picture for its ground later, so the pointer of a held button must not get into it.
     const GUI_RECT& Rect = Frame->Rect;
     ShowPicture(Frame->WorkImage, Rect.Width, Rect.Height, Rect.X, Rect.Y);
+}
+
+VOID RepaintDragDropFrame(DRAGDROP_COMPONENT* Frame)
+{
+    if (!FrameIsWhole(Frame)) {
+        return;
+    }
+    if (FrameIsLive(Frame)) {
+        ShowDragDropFrame(Frame);
+    } else {
+        CopyMem(Frame->WorkImage, Frame->CleanImage, Frame->Rect.BufferSize);
+    }
 }
 
 EFI_STATUS OnDragDropRefresh(EFI_EVENT, VOID* Context)

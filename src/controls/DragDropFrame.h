@@ -89,11 +89,15 @@ EFI_STATUS SetDragDropNodes(DRAGDROP_COMPONENT* Frame, const UINT8* Places);
 // Builds the picture at rest and shows it if the frame is live. If it isn't, WorkImage is empty and the screen stays.
 VOID RepaintDragDropFrame(DRAGDROP_COMPONENT* Frame);
 
+// The same, and shows the empty picture too: for a frame whose place still shows somebody else's nodes, or its own that
+// are no longer live.
+VOID ShowDragDropFrame(DRAGDROP_COMPONENT* Frame);
+
 // RepaintDragDropFrame as a notify function: of SecondaryEvent, and of a page's target. Always EFI_NOT_FOUND.
 EFI_STATUS OnDragDropRefresh(EFI_EVENT Event, VOID* Context);
 
-// Notify function of PrimaryEvent: takes the node under the pointer in hand when it was pressed and the frame is live.
-// EFI_NOT_FOUND, with nothing changed, in any other case.
+// Notify function of PrimaryEvent: takes the node under the pointer in hand when it was pressed, the frame is live, and
+// neither a node nor a thumb is being dragged. EFI_NOT_FOUND, with nothing changed, in any other case.
 EFI_STATUS OnDragDropEvent(EFI_EVENT Event, VOID* Context);
 
 // One step of the drag under way, if there is one. Its status carries no information.

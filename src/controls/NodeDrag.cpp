@@ -2,6 +2,7 @@
 
 #include "controls/FrameParts.h"
 #include "controls/GridImage.h"
+#include "controls/Slider.h"
 #include "graphics/GraphicProtocol.h"
 #include "gui/PointerEngine.h"
 #include "shell/Board.h"
@@ -12,6 +13,8 @@ DRAG_REPORT gFrameDragReport = {};
 
 static INT64 gDragStartX = 0;
 static INT64 gDragStartY = 0;
+// Where the node in hand stood when its drag began. A command may move it meanwhile; the pointer keeps its grip.
+static POINT gDragBase = {};
 // Top left corner of the dragged picture at its last drawing, relative to the frame. They keep their values between
 // drags, of whatever frame.
 static INT64 gDragFrameX = 0;
@@ -127,7 +130,8 @@ static VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
 EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
 {
     DRAGDROP_COMPONENT* Frame = static_cast<DRAGDROP_COMPONENT*>(Context);
-    if (gDragging == 1 || gGuiCore->MouseState != L_HOLD || !FrameIsLive(Frame)) {
+    // The held button may pass over another node, and a command may bring one in where a thumb is being dragged.
+    if (gDragging == 1 || gSliderDragging == 1 || gGuiCore->MouseState != L_HOLD || !FrameIsLive(Frame)) {
         return EFI_NOT_FOUND;
     }
     for (UINT8 I = 0; I < gNodeCount; I++) {
@@ -147,6 +151,32 @@ static INT64 Limit(INT64 Value, INT64 Least, INT64 Most)
     return Value < Least ? Least : Value > Most ? Most : Value;
 }
 
+// The limits of the node in hand for the top left corner of its picture, in frame coordinates.
+struct PLACE_LIMITS {
+    INT64 MinX;
+    INT64 MaxX;
+    INT64 MinY;
+    INT64 MaxY;
+
+    bool operator==(const PLACE_LIMITS&) const = default;
+};
+
+static PLACE_LIMITS PlaceLimits(const DRAGDROP_COMPONENT* Frame)
+{
+    const DD_FRAME_NODE& Node = Frame->Nodes[Frame->ActiveNode];
+    return {
+        .MinX = static_cast<INT64>(Node.Left) - Frame->Rect.X,
+        .MaxX = static_cast<INT64>(Node.Right) - Frame->Rect.X - Frame->CellWidth,
+        .MinY = static_cast<INT64>(Node.Top) - Frame->Rect.Y,
+        .MaxY = static_cast<INT64>(Node.Bottom) - Frame->Rect.Y - Frame->CellHeight,
+    };
+}
+
+static POINT Hold(POINT Place, const PLACE_LIMITS& Limits)
+{
+    return {Limit(Place.X, Limits.MinX, Limits.MaxX), Limit(Place.Y, Limits.MinY, Limits.MaxY)};
+}
+
 // Where to draw the node in hand for the pointer's present place, in frame coordinates: the wanted place while the
 // whole picture is inside the limits; along one of their sides while the pointer is beyond that side alone; else where
 // it was.
@@ -155,27 +185,23 @@ static POINT DragPlace(const DRAGDROP_COMPONENT* Frame)
     const DD_FRAME_NODE& Node = Frame->Nodes[Frame->ActiveNode];
     const INT64 PointerX = gGuiCore->PointerX;
     const INT64 PointerY = gGuiCore->PointerY;
-    const POINT Base = RestingPlace(Frame, Node);
-    const INT64 WantX = Base.X + PointerX - gDragStartX;
-    const INT64 WantY = Base.Y + PointerY - gDragStartY;
-    const INT64 MinX = static_cast<INT64>(Node.Left) - Frame->Rect.X;
-    const INT64 MaxX = static_cast<INT64>(Node.Right) - Frame->Rect.X - Frame->CellWidth;
-    const INT64 MinY = static_cast<INT64>(Node.Top) - Frame->Rect.Y;
-    const INT64 MaxY = static_cast<INT64>(Node.Bottom) - Frame->Rect.Y - Frame->CellHeight;
+    const POINT Want = {gDragBase.X + PointerX - gDragStartX, gDragBase.Y + PointerY - gDragStartY};
+    const PLACE_LIMITS Limits = PlaceLimits(Frame);
+    const POINT Held = Hold(Want, Limits);
 
-    if (WantX > MinX && WantX < MaxX && WantY > MinY && WantY < MaxY) {
-        return {WantX, WantY};
+    if (Want.X > Limits.MinX && Want.X < Limits.MaxX && Want.Y > Limits.MinY && Want.Y < Limits.MaxY) {
+        return Want;
     }
     const bool InsideX = PointerX > Node.Left && PointerX < Node.Right;
     const bool InsideY = PointerY > Node.Top && PointerY < Node.Bottom;
     if (InsideX && InsideY) {
-        return {Limit(WantX, MinX, MaxX), Limit(WantY, MinY, MaxY)};
+        return Held;
     }
     if (InsideY && (PointerX < Node.Left || PointerX > Node.Right)) {
-        return {PointerX < Node.Left ? MinX : MaxX, Limit(WantY, MinY, MaxY)};
+        return {PointerX < Node.Left ? Limits.MinX : Limits.MaxX, Held.Y};
     }
     if (InsideX && (PointerY < Node.Top || PointerY > Node.Bottom)) {
-        return {Limit(WantX, MinX, MaxX), PointerY < Node.Top ? MinY : MaxY};
+        return {Held.X, PointerY < Node.Top ? Limits.MinY : Limits.MaxY};
     }
     return {gDragFrameX, gDragFrameY};
 }
@@ -186,6 +212,7 @@ static VOID BeginNodeDrag(DRAGDROP_COMPONENT* Frame)
     gDragging = 1;
     gDragStartX = gGuiCore->PointerX;
     gDragStartY = gGuiCore->PointerY;
+    gDragBase = RestingPlace(Frame, Frame->Nodes[Frame->ActiveNode]);
     (void)FireDragDropListeners(L_HOLD);
 }
 
@@ -203,7 +230,13 @@ static VOID EndNodeDrag(DRAGDROP_COMPONENT* Frame)
     gDragLock = 0;
     // A press too short for a drag leaves the node where it was.
     if (gGuiCore->MouseState != L_CLICK) {
-        (void)SnapDragDropNode(Frame, gDragFrameX + Frame->CellWidth / 2, gDragFrameY + Frame->CellHeight / 2);
+        POINT Place = {gDragFrameX, gDragFrameY};
+        const PLACE_LIMITS Drawn = PlaceLimits(Frame);
+        SetDragDropNodeLimits(Frame);
+        if (PlaceLimits(Frame) != Drawn) { // a command has moved the neighbours since the last picture
+            Place = Hold(Place, PlaceLimits(Frame));
+        }
+        (void)SnapDragDropNode(Frame, Place.X + Frame->CellWidth / 2, Place.Y + Frame->CellHeight / 2);
     }
     RepaintDragDropFrame(Frame);
     Frame->ActiveNode = gNoActiveNode;

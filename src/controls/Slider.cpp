@@ -1,5 +1,6 @@
 #include "controls/Slider.h"
 
+#include "controls/DragDropFrame.h"
 #include "controls/GridImage.h"
 #include "controls/Labels.h"
 #include "controls/SharedPicture.h"
@@ -24,6 +25,9 @@ DRAG_REPORT gSliderDragReport = {};
 
 static INT64 gSliderDragStartX = 0;
 static INT64 gSliderDragStartY = 0;
+// The thumb's distance from the control's top when its drag began. A command may change the level meanwhile; the pointer
+// keeps its grip.
+static INT64 gSliderDragStart = 0;
 // The thumb's distance from the control's top as last worked out. It survives from drag to drag, of whatever slider.
 static INT64 gSliderOffset = 0;
 
@@ -227,7 +231,8 @@ EFI_STATUS OnSliderEvent(EFI_EVENT, VOID* Context)
 {
     SLIDER_COMPONENT* Slider = static_cast<SLIDER_COMPONENT*>(Context);
     const bool Live = (Slider->Inverted != 0) != (Slider->Linked != 0);
-    if (gSliderDragging != 0 || gGuiCore->MouseState != L_HOLD || !Live || gGuiCore->HitId != Slider->ThumbId) {
+    // A command may bring a thumb in where a node is being dragged.
+    if (gSliderDragging != 0 || gDragging != 0 || gGuiCore->MouseState != L_HOLD || !Live || gGuiCore->HitId != Slider->ThumbId) {
         return EFI_NOT_FOUND;
     }
     gGuiCore->TargetId = static_cast<UINT16>(Slider->ThumbId);
@@ -288,13 +293,11 @@ static VOID FollowPointer(const SLIDER_COMPONENT* Slider, INT64 DeltaY)
     const INT64 Top = Slider->Rect.Y;
     const INT64 Band = static_cast<INT64>(Slider->Rows) * gThumbPitch;
     const INT64 Most = Band - gThumbPitch;
-    // Level stays during the drag, so this is where the thumb stood when it began.
-    const INT64 Start = Most - static_cast<INT64>(Slider->Level) * gThumbPitch;
     const INT64 X = gGuiCore->PointerX;
     const INT64 Y = gGuiCore->PointerY;
 
     if (X != Left && X != Right && Y > Top && Y < Top + Band) {
-        gSliderOffset = Limit(Start + DeltaY, 0, Most);
+        gSliderOffset = Limit(gSliderDragStart + DeltaY, 0, Most);
     } else if (X > Left && X < Right && Y > Top + Band) {
         gSliderOffset = Most;
     } else if (X > Left && X < Right && Y < Top) {
@@ -308,6 +311,7 @@ static VOID BeginSliderDrag(SLIDER_COMPONENT* Slider)
     gSliderDragging = 1;
     gSliderDragStartX = gGuiCore->PointerX;
     gSliderDragStartY = gGuiCore->PointerY;
+    gSliderDragStart = static_cast<INT64>(Slider->ThumbRect.Y) - Slider->Rect.Y;
     (void)FireSliderListeners(L_HOLD);
 }
 
@@ -319,7 +323,7 @@ static VOID MoveSliderDrag(SLIDER_COMPONENT* Slider)
     const INT64 DeltaX = gGuiCore->PointerX - gSliderDragStartX;
     const INT64 DeltaY = gGuiCore->PointerY - gSliderDragStartY;
     const INT64 Left = Thumb.X + DeltaX;
-    const INT64 Top = Thumb.Y + DeltaY;
+    const INT64 Top = Rect.Y + gSliderDragStart + DeltaY;
     // A thumb narrower than its column isn't followed while all of it is inside the column.
     if (Left > Rect.X && Top > Rect.Y && Left + Thumb.Width < static_cast<INT64>(Rect.X) + Slider->CellWidth &&
         Top + Thumb.Height < static_cast<INT64>(Rect.Y) + Slider->CellHeight * Slider->Rows) {

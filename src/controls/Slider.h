@@ -65,8 +65,8 @@ EFI_STATUS RefreshSlider(SLIDER_COMPONENT* Slider);
 // RefreshSlider as a notify function: of SecondaryEvent, and of a page's target. Always EFI_NOT_FOUND.
 EFI_STATUS OnSliderRefresh(EFI_EVENT Event, VOID* Context);
 
-// Notify function of PrimaryEvent and hover handler: takes the thumb in hand when it was pressed and the slider is
-// live. EFI_NOT_FOUND, with nothing changed, in any other case.
+// Notify function of PrimaryEvent and hover handler: takes the thumb in hand when it was pressed, the slider is live, and
+// neither a thumb nor a node is being dragged. EFI_NOT_FOUND, with nothing changed, in any other case.
 EFI_STATUS OnSliderEvent(EFI_EVENT Event, VOID* Context);
 
 // One step of the drag under way, if there is one. Always EFI_NOT_FOUND.

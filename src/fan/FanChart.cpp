@@ -13,8 +13,8 @@ namespace {
 enum CHART_GROUND : UINT8 {
     GROUND_NONE,
     GROUND_FRAME_PASTED, // the frame; Screen gets the picture even during a drag
-    GROUND_FRAME,        // the frame, unless a node is in hand
-    GROUND_SLIDER,       // the slider, unless its thumb is in hand
+    GROUND_FRAME,        // the frame, unless a node or the thumb is in hand
+    GROUND_SLIDER,       // the slider, unless one of them is
     GROUND_SLIDER_ALONE, // the slider, while the mouse is at rest
 };
 
@@ -58,20 +58,20 @@ bool LayGround(const FAN_PAGE* Page, CHART_GROUND Ground)
 VOID ShowChart(const FAN_PAGE* Page, CHART_GROUND Ground)
 {
     LINE_CHART* Chart = Page->Chart;
+    // Either may be in hand: a command can change the ground during a drag.
+    const bool NothingInHand = Page->Frame.ActiveNode == gNoActiveNode && Page->Slider.Dragging != 1;
     bool Visible = false;
     switch (Ground) {
     case GROUND_FRAME_PASTED:
-        Visible = Page->Frame.ActiveNode == gNoActiveNode;
+        Visible = NothingInHand;
         if (!Visible) { // else showing it pastes it
             (void)PasteBlt(Chart->Pixels, Chart->Rect.Width, Chart->Rect.Height, Chart->Rect.X, Chart->Rect.Y,
                            gGuiCore->Screen);
         }
         break;
     case GROUND_FRAME:
-        Visible = Page->Frame.ActiveNode == gNoActiveNode;
-        break;
     case GROUND_SLIDER:
-        Visible = Page->Slider.Dragging != 1;
+        Visible = NothingInHand;
         break;
     case GROUND_SLIDER_ALONE:
         Visible = gGuiCore->MouseState == NOEVENT;

@@ -252,10 +252,23 @@ VOID ReadSettingIntoBox(FAN_PAGE* Page)
     (void)ReadFanSetting(Page, &Page->Setting);
     if (Page->CheckBox != nullptr) {
         Page->CheckBox->State = Page->Setting.CurveEnabled != 0 ? 1 : 0;
-        // The box's links bring the state here too, but when the page first comes up the firmware may run the frame's
-        // repaint before the box; the frame would then stay without its nodes.
+    }
+}
+
+// Shows the frame as the page's box stands, its nodes or none. The box's links bring the state to the frame too, but the
+// firmware chooses whether it runs them before this.
+VOID ShowFanFrame(FAN_PAGE* Page)
+{
+    if (Page->CheckBox != nullptr) {
         Page->Frame.Linked = Page->CheckBox->State;
     }
+    ShowDragDropFrame(&Page->Frame);
+}
+
+EFI_STATUS OnFanFrameShown(EFI_EVENT, VOID* Context)
+{
+    ShowFanFrame(static_cast<FAN_PAGE*>(Context));
+    return EFI_SUCCESS;
 }
 
 VOID AddLink(FAN_PAGE* Page, VOID* Context, EFI_EVENT_NOTIFY Notify, CHECK_BOX_LINK_KIND Kind, UINT8* Target,
@@ -322,7 +335,7 @@ VOID RunPageStep(FAN_PAGE* Page, PAGE_STEP Step)
         break;
     case TARGET_FRAME:
         if (HasFrame) {
-            AddTarget(Page, Frame, OnDragDropRefresh, Frame->Id, nullptr, 0);
+            AddTarget(Page, Page, OnFanFrameShown, Frame->Id, nullptr, 0);
         }
         break;
     case TARGET_SLIDER:
@@ -355,20 +368,23 @@ VOID RunPageStep(FAN_PAGE* Page, PAGE_STEP Step)
     }
 }
 
-// What the event group of a page's links of one kind would run, in the order of the links.
-VOID RunBoxLinks(FAN_PAGE* Page)
+// What the links of a page's box run, in their order; without a click those alone that paint the frame.
+VOID RunBoxLinks(FAN_PAGE* Page, bool Clicked)
 {
     const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
     const FAN_PAGE_WRITERS& Writers = gFanPageWriters[IndexOfFanPage(Page)];
     const bool Checked = PageBoxIsChecked(Page);
     for (UINTN Step = 0; Step < Layout.StepCount; Step++) {
-        if (Layout.Steps[Step] == LINK_WRITE_CHECKED && Checked) {
+        const PAGE_STEP Link = Layout.Steps[Step];
+        if (Link == LINK_WRITE_CHECKED && Clicked && Checked) {
             (void)Writers.OnCurveChecked(nullptr, nullptr);
-        } else if (Layout.Steps[Step] == LINK_WRITE_UNCHECKED && !Checked) {
+        } else if (Link == LINK_WRITE_UNCHECKED && Clicked && !Checked) {
             (void)Writers.OnCurveUnchecked(nullptr, nullptr);
-        } else if (Layout.Steps[Step] == LINK_SHOW_FRAME && Checked && PageHasFrame(Page)) {
+        } else if (Link == LINK_REFRESH_FRAME && PageHasFrame(Page)) {
+            ShowFanFrame(Page);
+        } else if (Link == LINK_SHOW_FRAME && Checked && PageHasFrame(Page)) {
             (void)OnDragDropRefresh(nullptr, &Page->Frame);
-        } else if (Layout.Steps[Step] == LINK_SHOW_SLIDER && !Checked && PageHasSlider(Page)) {
+        } else if (Link == LINK_SHOW_SLIDER && Clicked && !Checked && PageHasSlider(Page)) {
             (void)OnSliderRefresh(nullptr, &Page->Slider);
         }
     }
@@ -463,20 +479,12 @@ FAN_PAGE* FanPageOnTop()
     return nullptr;
 }
 
-VOID ApplyFanBox(FAN_PAGE* Page)
+VOID ApplyFanBox(FAN_PAGE* Page, bool Clicked)
 {
-    if (Page->CheckBox == nullptr) {
-        return;
+    if (Page->CheckBox != nullptr) {
+        ShowCheckBoxState(Page->CheckBox);
+        RunBoxLinks(Page, Clicked);
     }
-    if (gGuiCore->MouseState != L_CLICK) {
-        (void)SetCheckBoxState(nullptr, Page->CheckBox);
-        return;
-    }
-    // Outside a click the box keeps its links' events quiet.
-    gGuiCore->MouseState = NOEVENT;
-    (void)SetCheckBoxState(nullptr, Page->CheckBox);
-    gGuiCore->MouseState = L_CLICK;
-    RunBoxLinks(Page);
 }
 
 UINT8 AskFanKind() { return gHwService->GetFanKind(gHwService, gFanKindItem); }

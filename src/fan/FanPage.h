@@ -82,11 +82,12 @@ FAN_PAGE* FindFanPage(UINT8 ItemId);
 // The page whose tab is the selected one; null when no page's is.
 FAN_PAGE* FanPageOnTop();
 
-// Carries the State of the page's box, which somebody has written, to its links, its components and its picture. While
-// MouseState is L_CLICK the functions of its links run too, as after a click on the box, and they have run when this
-// returns: it is called inside a button's action, at a task priority at which the firmware would hold their events back
-// until the action has ended. A missing box does nothing.
-VOID ApplyFanBox(FAN_PAGE* Page);
+// Carries the State of the page's box, which somebody has written, to its links, its components, its picture and that of
+// a frame that is now live. A drag under way goes on. Clicked runs the functions of the box's links too, as after a click
+// on it, and so writes the page's setting; they have run when this returns: it is called inside a button's action, at a
+// task priority at which the firmware would hold their events back until the action has ended. A missing box does
+// nothing.
+VOID ApplyFanBox(FAN_PAGE* Page, bool Clicked);
 
 // The service's answer about fan 5: 1 for a page like fan 4's, 0 for one like fan 6's, any other for none.
 UINT8 AskFanKind();

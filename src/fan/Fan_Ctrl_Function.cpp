@@ -63,7 +63,17 @@ EFI_STATUS WriteFromBox(const FAN_PAGE* Page, UINT8 CurveOn)
     return Status;
 }
 
-VOID WriteFromFrameDrop(const FAN_PAGE* Page)
+// What was dropped decides whether the curve is on. A command may have written the box while the node or the thumb was in
+// hand; it then follows what is written here.
+VOID LetBoxFollow(FAN_PAGE* Page, UINT8 CurveOn)
+{
+    if (Page->CheckBox != nullptr && Page->CheckBox->State != CurveOn) {
+        Page->CheckBox->State = CurveOn;
+        ApplyFanBox(Page, false);
+    }
+}
+
+VOID WriteFromFrameDrop(FAN_PAGE* Page)
 {
     FAN_SETTING Record;
     if (gGlobalVariable.SelectedFanItem != Page->ItemId || EfiError(BuildFanSetting(Page, 1, &Record))) {
@@ -73,15 +83,17 @@ VOID WriteFromFrameDrop(const FAN_PAGE* Page)
         Record.FixedLevel = gDropFixedLevel;
     }
     (void)WriteFanSetting(Page, &Record);
+    LetBoxFollow(Page, 1);
 }
 
-VOID WriteFromSliderDrop(const FAN_PAGE* Page)
+VOID WriteFromSliderDrop(FAN_PAGE* Page)
 {
     FAN_SETTING Record;
     if (gGlobalVariable.SelectedFanItem != Page->ItemId || EfiError(BuildFanSetting(Page, 0, &Record))) {
         return;
     }
     (void)WriteFanSetting(Page, &Record);
+    LetBoxFollow(Page, 0);
 }
 
 // Notify functions and listeners bring no page with them, so each page has its own.

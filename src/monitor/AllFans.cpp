@@ -74,7 +74,7 @@ VOID RepaintSlider(FAN_PAGE* Page)
     }
 }
 
-VOID RepaintPageOnTop(UINT8 Kind, bool IsCancel)
+VOID RepaintPageOnTop(UINT8 Kind, bool IsCancel, bool ByButton)
 {
     FAN_PAGE* Page = FanPageOnTop();
     if (Page == nullptr) {
@@ -83,17 +83,17 @@ VOID RepaintPageOnTop(UINT8 Kind, bool IsCancel)
     switch (ShareOf(Page, Kind)) {
     case SHARE_CURVE:
         if (PageHasFrame(Page)) {
-            RepaintDragDropFrame(&Page->Frame);
+            ShowDragDropFrame(&Page->Frame);
         }
         DrawBox(Page);
         break;
     case SHARE_HELD_SLIDER:
         DrawBox(Page);
-        ApplyFanBox(Page);
+        ApplyFanBox(Page, ByButton);
         break;
     case SHARE_BOX_SLIDER:
         DrawBox(Page);
-        ApplyFanBox(Page);
+        ApplyFanBox(Page, ByButton);
         // After Full speed and Default the slider is repainted even over a frame that has come to the front; the next
         // tick of the chart brings the right control back. That is meant.
         if (Page->Layout == FAN_LAYOUT_CURVE6_SLIDER && !(IsCancel && PageBoxIsChecked(Page))) {
@@ -139,20 +139,20 @@ VOID FollowSetting(FAN_PAGE* Page, COMMAND_SHARE Share)
     }
 }
 
-EFI_STATUS RunReadBackCommand(EFI_STATUS (*Command)(HW_SERVICE_PROTOCOL*), bool IsCancel)
+EFI_STATUS RunReadBackCommand(EFI_STATUS (*Command)(HW_SERVICE_PROTOCOL*), bool IsCancel, bool ByButton)
 {
     const UINT8 Kind = AskFanKind();
     const EFI_STATUS Status = Command(gHwService);
     for (FAN_PAGE& Page : gFanPage) {
         FollowSetting(&Page, ShareOf(&Page, Kind));
     }
-    RepaintPageOnTop(Kind, IsCancel);
+    RepaintPageOnTop(Kind, IsCancel, ByButton);
     return Status;
 }
 
 } // namespace
 
-EFI_STATUS AllFansFullSpeed(EFI_EVENT, VOID*)
+EFI_STATUS AllFansFullSpeed(EFI_EVENT Event, VOID*)
 {
     const UINT8 Kind = AskFanKind();
     for (FAN_PAGE& Page : gFanPage) {
@@ -167,10 +167,16 @@ EFI_STATUS AllFansFullSpeed(EFI_EVENT, VOID*)
             RaiseSlider(&Page);
         }
     }
-    RepaintPageOnTop(Kind, false);
+    RepaintPageOnTop(Kind, false, Event != nullptr);
     return gHwService->SetAllFansFullSpeed(gHwService);
 }
 
-EFI_STATUS AllFansDefault(EFI_EVENT, VOID*) { return RunReadBackCommand(gHwService->LoadDefaultFanSettings, false); }
+EFI_STATUS AllFansDefault(EFI_EVENT Event, VOID*)
+{
+    return RunReadBackCommand(gHwService->LoadDefaultFanSettings, false, Event != nullptr);
+}
 
-EFI_STATUS AllFansCancel(EFI_EVENT, VOID*) { return RunReadBackCommand(gHwService->RestoreFanSettings, true); }
+EFI_STATUS AllFansCancel(EFI_EVENT Event, VOID*)
+{
+    return RunReadBackCommand(gHwService->RestoreFanSettings, true, Event != nullptr);
+}

@@ -7,7 +7,9 @@
 
 #include "uefi/SystemTable.h"
 
-// Neither argument is read. Give the status of the service's command.
+// Event is that of the button whose action this is, and null for a key: a button writes the setting of a page on top that
+// has a box and a slider once more, a key writes no setting, whatever the pointer is doing. Context isn't read. Give the
+// status of the service's command.
 EFI_STATUS AllFansFullSpeed(EFI_EVENT Event, VOID* Context);
 EFI_STATUS AllFansDefault(EFI_EVENT Event, VOID* Context);
 EFI_STATUS AllFansCancel(EFI_EVENT Event, VOID* Context);
