@@ -2,8 +2,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
-#include "uefi/Base.h"
+#include "graphics/Palette.h"
+#include "shell/Services.h"
 
 struct TURN_WATCH {
     UINTN PoolBlocks = 0; // in use at the first turn looked at
@@ -12,3 +14,9 @@ struct TURN_WATCH {
 
 // Looks at the console that is linked into this program. Empty when all is well, else what isn't.
 std::string CheckTurn(TURN_WATCH* Watch);
+
+// What holds at the beginning of a turn in which nobody holds anything and a tick has gone by since anything was done:
+// nothing is in hand, no face of the editor is left, and board, box, frame, slider, legend and chart of the page on top
+// tell the same story. Set says of each fan whether its record came from the console since the last command on all fans.
+// RestFace is empty, or what an earlier call left there.
+std::string CheckRest(const bool (&Set)[gFanItemCount], std::vector<PIXEL>* RestFace);
