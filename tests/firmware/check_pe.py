@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Holds firmware images against what a board's firmware, a shell and a signing tool ask of them.
 
-    check_pe.py ventara.efi --kind application --sbat sbat.csv --limit 409600
+    check_pe.py ventara.efi --sbat sbat/ventara.csv --component ventara --version 0.9.0 --limit 409600
 """
 import argparse
 import struct
@@ -63,7 +63,7 @@ class Image:
         return count
 
 
-def find_problems(image, kind, sbat=None, limit=None):
+def find_problems(image, kind, sbat=None, component=None, version=None, limit=None):
     problems = []
 
     def expect(holds, problem):
@@ -100,6 +100,9 @@ def find_problems(image, kind, sbat=None, limit=None):
             lines = sbat.decode("ascii").splitlines()
             expect(lines[0].startswith("sbat,1,") and all(len(line.split(",")) == 6 for line in lines),
                    ".sbat's text isn't a table of six columns headed by sbat's own row")
+            own = [line.split(",") for line in lines[1:]]
+            expect([(row[0], row[4]) for row in own] == [(component, version)],
+                   f".sbat's text is of {own}, not of {component} in version {version}")
     if limit is not None:
         expect(len(image.data) < limit, f"{len(image.data)} bytes, {limit} are allowed")
     return problems
@@ -110,6 +113,8 @@ def main():
     parser.add_argument("image")
     parser.add_argument("--kind", choices=sorted(KINDS), default="application")
     parser.add_argument("--sbat", metavar="FILE", help="the text that the .sbat section must be")
+    parser.add_argument("--component", help="whose generation that text tells")
+    parser.add_argument("--version", help="and in which version")
     parser.add_argument("--limit", type=int, metavar="BYTES", help="the image must be smaller")
     options = parser.parse_args()
     sbat = None
@@ -118,7 +123,7 @@ def main():
             sbat = file.read()
     with open(options.image, "rb") as file:
         image = Image(file.read())
-    problems = find_problems(image, options.kind, sbat, options.limit)
+    problems = find_problems(image, options.kind, sbat, options.component, options.version, options.limit)
     for problem in problems:
         print(f"{options.image}: {problem}")
     sys.exit(1 if problems else 0)
