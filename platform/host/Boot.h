@@ -2,8 +2,9 @@
 // of it.
 //
 // There are two tables over the same firmware. FirmwareTable is for those who belong to it, such as the board's services.
-// ConsoleTable is for the console: each call through it is counted and traced, and can be made to fail, and the protocols
-// found through it stand in front of the true ones.
+// ConsoleTable is for the console: the operations of platform/host/Calls.h can be made to fail there, and those that don't
+// come in hundreds are traced (docs/trace.md says which); CopyMem, SetMem and what the console never calls go straight
+// through. The protocols of the board that are found through it stand in front of the true ones.
 //
 //     BOOT Boot({.Board = "small"});
 //     if (!EfiError(Boot.InstallBoard())) { Status = Main(Boot.BeginStart(), &Boot.ConsoleTable); }

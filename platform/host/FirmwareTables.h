@@ -1,5 +1,6 @@
 // The functions behind the firmware's own tables: each takes the current boot and does what its name in the UEFI
-// specification says. What no program of this house calls answers EFI_UNSUPPORTED.
+// specification says. Boot services that nothing calls in this world answer EFI_UNSUPPORTED, such runtime services are
+// null, and what a text console has nothing to do for gives EFI_SUCCESS.
 #pragma once
 
 #include "uefi/SystemTable.h"

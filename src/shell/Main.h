@@ -1,5 +1,6 @@
-// The application: entry point, start-up, the loop that runs until the user leaves, and the teardown. It draws nothing and
-// knows nothing of fans: it calls the other units in a fixed order, and that order is its contract.
+// The application: entry point, start-up, the loop that runs until the user leaves, and the teardown. But for
+// the empty panel and the sending of the first picture, what is drawn and what a fan gets is the other units' business: this
+// one calls them in a fixed order, and that order is its contract.
 #pragma once
 
 #include "uefi/SystemTable.h"

@@ -1,5 +1,5 @@
 // The system table and what hangs on it: boot services, runtime services, and the consoles.
-// Entries that nothing here calls keep their place as untyped pointers.
+// Runtime services that nothing here calls keep their place as untyped pointers; all other entries have their types.
 #pragma once
 
 #include "uefi/Base.h"
