@@ -1,5 +1,6 @@
 #include "platform/board/MessageBox.h"
 
+#include "platform/board/ConsoleDisplay.h"
 #include "uefi/Hii.h"
 
 namespace {
@@ -71,6 +72,14 @@ template <typename T> T* LocateService(const EFI_GUID& Guid)
         return nullptr;
     }
     return static_cast<T*>(Interface);
+}
+
+// Where the console draws.
+EFI_GRAPHICS_OUTPUT_PROTOCOL* LocateDisplay()
+{
+    const auto* Layer = LocateService<CONSOLE_DISPLAY>(gConsoleDisplayGuid);
+    return Layer != nullptr ? Layer->Graphics
+                            : LocateService<EFI_GRAPHICS_OUTPUT_PROTOCOL>(gEfiGraphicsOutputProtocolGuid);
 }
 
 UINTN Larger(UINTN A, UINTN B) { return A > B ? A : B; }
@@ -304,7 +313,7 @@ EFI_STATUS DrawMessageBox(MESSAGE_BOX* Box)
     if (Box == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    auto* Display = LocateService<EFI_GRAPHICS_OUTPUT_PROTOCOL>(gEfiGraphicsOutputProtocolGuid);
+    auto* Display = LocateDisplay();
     if (Display == nullptr) {
         return EFI_NOT_FOUND;
     }
@@ -342,7 +351,7 @@ EFI_STATUS UpdateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y)
     if (!Repaint) {
         return EFI_SUCCESS;
     }
-    auto* Display = LocateService<EFI_GRAPHICS_OUTPUT_PROTOCOL>(gEfiGraphicsOutputProtocolGuid);
+    auto* Display = LocateDisplay();
     if (Display == nullptr) {
         return EFI_NOT_FOUND;
     }

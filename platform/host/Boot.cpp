@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "platform/board/ArtworkPack.h"
+#include "platform/board/BootScreen.h"
 #include "platform/board/SimulatedBoard.h"
 #include "platform/host/ConsoleTables.h"
 #include "platform/host/FirmwareTables.h"
@@ -29,7 +30,8 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
 } // namespace
 
 BOOT::BOOT(const BOOT_OPTIONS& Options)
-    : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), MonotonicCount(Options.CountAtStart),
+    : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), Display(Options.Panel),
+      MonotonicCount(Options.CountAtStart),
       mOptions(Options)
 {
     if (gBoot != nullptr) {
@@ -74,13 +76,41 @@ BOOT::BOOT(const BOOT_OPTIONS& Options)
     ConsoleTable.RuntimeServices = &mConsoleRuntimeServices;
     ConsoleTable.BootServices = &mConsoleBootServices;
 
-    Protocols.Install(Handles, &Display.Mode);
+    Protocols.Fill(&Display.Mode);
+    if (NeedsDisplayLayer(&Display.Mode)) {
+        OpenLayer();
+    }
+    Protocols.Install(Handles);
     Machine.InstallDevices(Handles, Options.WithNetwork);
+}
+
+// The layer stands in the display's place on its handle, with the boot screen on it, as the starter leaves it on a
+// machine.
+VOID BOOT::OpenLayer()
+{
+    if (EfiError(OpenDisplayLayer(FirmwareTable.BootServices, &Protocols.GraphicsOutput, &mLayer))) {
+        Complaints.Add("the display of %u by %u can't show the console", Display.Width(), Display.Height());
+        return;
+    }
+    std::vector<EFI_GRAPHICS_OUTPUT_BLT_PIXEL> Screen(UINTN{BOOT_SCREEN_WIDTH} * BOOT_SCREEN_HEIGHT);
+    PaintBootScreen(Screen.data());
+    (void)mLayer->Graphics.Blt(&mLayer->Graphics, Screen.data(), EfiBltBufferToVideo, 0, 0, 0, 0, BOOT_SCREEN_WIDTH,
+                               BOOT_SCREEN_HEIGHT, 0);
+    Protocols.Shown = &mLayer->Graphics;
+    mLayerBlocks = Pool.Held(0).size();
+}
+
+VOID BOOT::SettleDisplay()
+{
+    if (mLayer != nullptr) {
+        FlushDisplayLayer(mLayer);
+    }
 }
 
 BOOT::~BOOT()
 {
     RemoveBoard();
+    CloseDisplayLayer(mLayer);
     gBoot = nullptr;
 }
 
@@ -109,7 +139,9 @@ VOID BOOT::RemoveBoard()
     if (EfiError(Status)) {
         Complaints.Add("the board's services couldn't be taken away: %llx", Status);
     }
-    for (const POOL_BLOCK& Block : Pool.Held(0)) {
+    const std::vector<POOL_BLOCK> Held = Pool.Held(0);
+    for (UINTN At = mLayerBlocks; At < Held.size(); At++) {
+        const POOL_BLOCK& Block = Held[At];
         Complaints.Add("the board's services left %s", DescribeBlock(Block).c_str());
     }
 }

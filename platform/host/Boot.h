@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/board/BoardServices.h"
+#include "platform/display/DisplayLayer.h"
 #include "platform/host/BoardProxy.h"
 #include "platform/host/Clock.h"
 #include "platform/host/Complaints.h"
@@ -44,6 +45,7 @@ struct BOOT_OPTIONS {
     UINT64 TimerAtStart = 0; // what the CPU's timer shows when the machine is switched on
     UINT64 CountAtStart = 0; // and the monotonic count
     bool LowTextPictures = false; // see TextImage.h
+    PANEL Panel = {};             // the display; the console sees 1024 by 768 whatever it is
 };
 
 struct POINTER_STATE {
@@ -90,12 +92,19 @@ struct BOOT {
     // A handle for a console that is about to start, and the count of its start: pool, turns and events count anew.
     EFI_HANDLE BeginStart();
 
+    // Sends what a display layer still holds back, so that the display shows what the console has drawn.
+    VOID SettleDisplay();
+
     UINT64 MonotonicCount;
     const BOOT_OPTIONS& Options() const { return mOptions; }
 
 private:
     BOOT_OPTIONS mOptions;
+    VOID OpenLayer();
+
     EFI_HANDLE mBoardHandle = nullptr;
+    DISPLAY_LAYER* mLayer = nullptr; // null: the console works on the display itself
+    UINTN mLayerBlocks = 0; // the first of the pool, which the layer holds
     EFI_BOOT_SERVICES mFirmwareBootServices = {};
     EFI_BOOT_SERVICES mConsoleBootServices = {};
     EFI_RUNTIME_SERVICES mFirmwareRuntimeServices = {};

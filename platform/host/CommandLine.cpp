@@ -1,6 +1,8 @@
 #include "platform/host/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <string_view>
 
 #include "platform/board/SimulatedBoard.h"
@@ -12,6 +14,25 @@ bool ParseNumber(const std::string& Word, UINT64 Lowest, UINT64 Highest, UINT64*
     const char* Last = Word.data() + Word.size();
     const auto [End, Error] = std::from_chars(Word.data(), Last, *Value);
     return Error == std::errc() && End == Last && *Value >= Lowest && *Value <= Highest;
+}
+
+bool ParsePanel(const std::string& Word, PANEL* Panel)
+{
+    static constexpr const char* Formats[] = {"", "rgb", "bytes3", "blt"}; // in the order of PANEL_FORMAT
+    const size_t Colon = Word.find(':');
+    const std::string Size = Word.substr(0, Colon);
+    const std::string Format = Colon == std::string::npos ? "" : Word.substr(Colon + 1);
+    const auto Found = std::find(std::begin(Formats) + (Colon == std::string::npos ? 0 : 1), std::end(Formats), Format);
+    const size_t Cross = Size.find('x');
+    UINT64 Width = 0;
+    UINT64 Height = 0;
+    if (Cross == std::string::npos || Found == std::end(Formats) || !ParseNumber(Size.substr(0, Cross), 640, 8192, &Width) ||
+        !ParseNumber(Size.substr(Cross + 1), 480, 8192, &Height)) {
+        return false;
+    }
+    *Panel = {static_cast<UINT32>(Width), static_cast<UINT32>(Height),
+              static_cast<PANEL_FORMAT>(Found - std::begin(Formats))};
+    return true;
 }
 
 std::string ListBoards()
@@ -84,6 +105,12 @@ const OPTION_FACTS gOptions[] = {
          const bool Good = ParseNumber(Value, 0, 255, &Number);
          Command.Session.Generation = static_cast<UINT8>(Number);
          return Good ? "" : "a number from 0 to 255";
+     }},
+    {"--panel", "WxH[:FORMAT]", "the display, where it isn't 1024x768; FORMAT is rgb, bytes3 or blt",
+     [](const std::string& Value, COMMAND& Command) -> std::string {
+         return ParsePanel(Value, &Command.Session.Panel) ? ""
+                                                          : "a size from 640x480 to 8192x8192 and perhaps :rgb (red "
+                                                            "first), :bytes3 (three bytes a pixel) or :blt (Blt alone)";
      }},
     {"--pool-limit", "N", "the Nth pool allocation of a start and every later one fails",
      [](const std::string& Value, COMMAND& Command) { return ParseCount(Value, &Command.Session.PoolLimit); }},

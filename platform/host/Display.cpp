@@ -9,10 +9,14 @@ namespace {
 
 using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 
-bool IsOnDisplay(UINTN X, UINTN Y, UINTN Width, UINTN Height)
+constexpr UINTN gRowPadding = 32; // pixels behind a row, on a panel that has any
+
+bool IsOrdinary(const PANEL& Panel)
 {
-    return X <= gDisplayWidth && Width <= gDisplayWidth - X && Y <= gDisplayHeight && Height <= gDisplayHeight - Y;
+    return Panel.Width == gDisplayWidth && Panel.Height == gDisplayHeight && Panel.Format == PANEL_BLUE_FIRST;
 }
+
+UINTN BytesPerPixel(PANEL_FORMAT Format) { return Format == PANEL_THREE_BYTES ? 3 : 4; }
 
 // Painted once for all machines of a process: it takes longer than a console's start does with a fuzzer's counters.
 const PICTURE& BootScreen()
@@ -29,21 +33,54 @@ const PICTURE& BootScreen()
 
 static_assert(BOOT_SCREEN_WIDTH == gDisplayWidth && BOOT_SCREEN_HEIGHT == gDisplayHeight);
 
-DISPLAY::DISPLAY() : mWords(BootScreen())
+DISPLAY::DISPLAY(const PANEL& Panel)
+    : mPanel(Panel), mWords(IsOrdinary(Panel) ? BootScreen() : PICTURE(UINTN{Panel.Width} * Panel.Height))
 {
     Pixels = reinterpret_cast<PIXEL*>(mWords.data());
     Information = {.Version = 0,
-                   .HorizontalResolution = gDisplayWidth,
-                   .VerticalResolution = gDisplayHeight,
+                   .HorizontalResolution = Panel.Width,
+                   .VerticalResolution = Panel.Height,
                    .PixelFormat = PixelBlueGreenRedReserved8BitPerColor,
                    .PixelInformation = {},
-                   .PixelsPerScanLine = gDisplayWidth};
+                   .PixelsPerScanLine = Panel.Width};
     Mode = {.MaxMode = 1,
             .Mode = 0,
             .Info = &Information,
             .SizeOfInfo = sizeof(Information),
             .FrameBufferBase = reinterpret_cast<UINT64>(Pixels),
-            .FrameBufferSize = gDisplayBytes};
+            .FrameBufferSize = mWords.size() * sizeof(PIXEL)};
+    if (Panel.Format == PANEL_BLT_ONLY) {
+        Information.PixelFormat = PixelBltOnly;
+        Mode.FrameBufferBase = 0;
+        Mode.FrameBufferSize = 0;
+    } else if (Panel.Format != PANEL_BLUE_FIRST) {
+        Information.PixelFormat =
+            Panel.Format == PANEL_RED_FIRST ? PixelRedGreenBlueReserved8BitPerColor : PixelBitMask;
+        if (Panel.Format == PANEL_THREE_BYTES) {
+            Information.PixelInformation = {.RedMask = 0xFF0000, .GreenMask = 0xFF00, .BlueMask = 0xFF, .ReservedMask = 0};
+        }
+        Information.PixelsPerScanLine = static_cast<UINT32>(Panel.Width + gRowPadding);
+        mFrameBuffer.resize(UINTN{Information.PixelsPerScanLine} * Panel.Height * BytesPerPixel(Panel.Format));
+        Mode.FrameBufferBase = reinterpret_cast<UINT64>(mFrameBuffer.data());
+        Mode.FrameBufferSize = mFrameBuffer.size();
+    }
+}
+
+bool DISPLAY::Covers(UINTN X, UINTN Y, UINTN Width, UINTN Height) const
+{
+    return X <= mPanel.Width && Width <= mPanel.Width - X && Y <= mPanel.Height && Height <= mPanel.Height - Y;
+}
+
+VOID DISPLAY::WriteFrameBuffer(UINTN X, UINTN Y, UINTN Width)
+{
+    const UINTN Bytes = BytesPerPixel(mPanel.Format);
+    UINT8* To = mFrameBuffer.data() + (Y * Information.PixelsPerScanLine + X) * Bytes;
+    for (const PIXEL* From = Pixels + Y * mPanel.Width + X; Width > 0; Width--, From++, To += Bytes) {
+        const bool RedFirst = mPanel.Format == PANEL_RED_FIRST;
+        To[0] = RedFirst ? From->Red : From->Blue;
+        To[1] = From->Green;
+        To[2] = RedFirst ? From->Blue : From->Red;
+    }
 }
 
 EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY,
@@ -55,15 +92,15 @@ EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operati
     }
     const bool ReadsDisplay = Operation == EfiBltVideoToBltBuffer || Operation == EfiBltVideoToVideo;
     const bool WritesDisplay = Operation != EfiBltVideoToBltBuffer;
-    if ((ReadsDisplay && !IsOnDisplay(SourceX, SourceY, Width, Height)) ||
-        (WritesDisplay && !IsOnDisplay(DestinationX, DestinationY, Width, Height))) {
+    if ((ReadsDisplay && !Covers(SourceX, SourceY, Width, Height)) ||
+        (WritesDisplay && !Covers(DestinationX, DestinationY, Width, Height))) {
         return EFI_INVALID_PARAMETER;
     }
     const UINTN Pitch = Delta == 0 ? Width * sizeof(PIXEL) : Delta;
     const auto BufferRow = [&](UINTN X, UINTN Y) {
         return reinterpret_cast<PIXEL*>(reinterpret_cast<UINT8*>(Buffer) + Y * Pitch) + X;
     };
-    const auto DisplayRow = [&](UINTN X, UINTN Y) { return Pixels + Y * gDisplayWidth + X; };
+    const auto DisplayRow = [&](UINTN X, UINTN Y) { return Pixels + Y * mPanel.Width + X; };
 
     for (UINTN At = 0; At < Height; At++) {
         switch (Operation) {
@@ -87,6 +124,11 @@ EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operati
         }
         case EfiGraphicsOutputBltOperationMax:
             break;
+        }
+    }
+    if (WritesDisplay && !mFrameBuffer.empty()) {
+        for (UINTN At = 0; At < Height; At++) {
+            WriteFrameBuffer(DestinationX, DestinationY + At, Width);
         }
     }
     return EFI_SUCCESS;

@@ -33,7 +33,8 @@ EFI_STATUS SetMode(EFI_GRAPHICS_OUTPUT_PROTOCOL*, UINT32 Mode)
         return EFI_UNSUPPORTED;
     }
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL Black = {};
-    return gBoot->Display.Blt(&Black, EfiBltVideoFill, 0, 0, 0, 0, gDisplayWidth, gDisplayHeight, 0);
+    const DISPLAY& Display = gBoot->Display;
+    return gBoot->Display.Blt(&Black, EfiBltVideoFill, 0, 0, 0, 0, Display.Width(), Display.Height(), 0);
 }
 
 EFI_STATUS Blt(EFI_GRAPHICS_OUTPUT_PROTOCOL*, EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer,
@@ -64,12 +65,13 @@ EFI_STATUS StringToImage(const EFI_HII_FONT_PROTOCOL*, EFI_HII_OUT_FLAGS Flags, 
 
 // --- As the console gets them ---
 
-EFI_STATUS ConsoleBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer,
+EFI_STATUS ConsoleBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL*, EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer,
                       EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY, UINTN DestinationX,
                       UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta)
 {
     const EFI_STATUS Status = Cross(CALL_BLT, [&] {
-        return Blt(This, Buffer, Operation, SourceX, SourceY, DestinationX, DestinationY, Width, Height, Delta);
+        EFI_GRAPHICS_OUTPUT_PROTOCOL* Shown = gBoot->Protocols.Shown;
+        return Shown->Blt(Shown, Buffer, Operation, SourceX, SourceY, DestinationX, DestinationY, Width, Height, Delta);
     });
     static constexpr const char* Names[] = {"fill", "to-buffer", "from-buffer", "video", "unknown"};
     const bool Reads = Operation == EfiBltVideoToBltBuffer;
@@ -110,11 +112,10 @@ constexpr const EFI_GUID* gPresentOnly[] = {
 
 } // namespace
 
-VOID FIRMWARE_PROTOCOLS::Install(HANDLES& Handles, EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* DisplayMode)
+VOID FIRMWARE_PROTOCOLS::Fill(EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* DisplayMode)
 {
     GraphicsOutput = {.QueryMode = QueryMode, .SetMode = SetMode, .Blt = Blt, .Mode = DisplayMode};
-    ConsoleGraphicsOutput = GraphicsOutput;
-    ConsoleGraphicsOutput.Blt = ConsoleBlt;
+    Shown = &GraphicsOutput;
     Processor.GetTimerValue = GetTimerValue;
     Processor.NumberOfTimers = 1;
     Processor.DmaBufferAlignment = 4;
@@ -123,11 +124,16 @@ VOID FIRMWARE_PROTOCOLS::Install(HANDLES& Handles, EFI_GRAPHICS_OUTPUT_PROTOCOL_
     Font.StringToImage = StringToImage;
     ConsoleFont = Font;
     ConsoleFont.StringToImage = ConsoleStringToImage;
+}
 
+VOID FIRMWARE_PROTOCOLS::Install(HANDLES& Handles)
+{
+    ConsoleGraphicsOutput = *Shown;
+    ConsoleGraphicsOutput.Blt = ConsoleBlt;
     EFI_HANDLE Display = nullptr;
     EFI_HANDLE Chip = nullptr;
     EFI_HANDLE Hii = nullptr;
-    (void)Handles.Install(&Display, &gEfiGraphicsOutputProtocolGuid, &GraphicsOutput);
+    (void)Handles.Install(&Display, &gEfiGraphicsOutputProtocolGuid, Shown);
     (void)Handles.Install(&Chip, &gEfiCpuArchProtocolGuid, &Processor);
     (void)Handles.Install(&Hii, &gEfiHiiFontProtocolGuid, &Font);
     for (const EFI_GUID* Guid : gPresentOnly) {
@@ -137,7 +143,7 @@ VOID FIRMWARE_PROTOCOLS::Install(HANDLES& Handles, EFI_GRAPHICS_OUTPUT_PROTOCOL_
 
 VOID* FIRMWARE_PROTOCOLS::Cover(VOID* Interface)
 {
-    if (Interface == &GraphicsOutput) {
+    if (Interface == Shown) {
         return &ConsoleGraphicsOutput;
     }
     if (Interface == &Processor) {

@@ -15,8 +15,12 @@ struct FIRMWARE_PROTOCOLS {
     EFI_HII_FONT_PROTOCOL Font = {};
     EFI_HII_FONT_PROTOCOL ConsoleFont = {};
 
+    EFI_GRAPHICS_OUTPUT_PROTOCOL* Shown = nullptr; // what everybody finds: GraphicsOutput, or a layer over it
+
+    // Fills them in; nobody finds them yet.
+    VOID Fill(EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* DisplayMode);
     // Installs all of them, and those of the HII family that a program only looks for.
-    VOID Install(HANDLES& Handles, EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* DisplayMode);
+    VOID Install(HANDLES& Handles);
     // What the console gets for an interface; the interface itself for one that isn't covered.
     VOID* Cover(VOID* Interface);
 };

@@ -92,7 +92,7 @@ int RunCommand(COMMAND& Command)
         Say("ventara: start " + std::to_string(Leak.Start) + " left " + Leak.Description);
     }
     if (Result.Ran && !Command.ScreenshotPath.empty() &&
-        !WritePng(Command.ScreenshotPath.c_str(), Result.Display.data(), gDisplayWidth, gDisplayHeight)) {
+        !WritePng(Command.ScreenshotPath.c_str(), Result.Display.data(), Options.Panel.Width, Options.Panel.Height)) {
         Say("ventara: " + Command.ScreenshotPath + " couldn't be written");
         Exit = EXIT_CONSOLE_FAILED;
     }

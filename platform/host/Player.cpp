@@ -172,9 +172,10 @@ VOID PLAYER::FeedEscape(BOOT& Boot)
 
 VOID PLAYER::TakeScreenshot(BOOT& Boot, const SCRIPT_COMMAND& Command)
 {
+    Boot.SettleDisplay();
+    const DISPLAY& Display = Boot.Display;
     if (KeepPictures) {
-        const UINT32* Words = Boot.Display.Words();
-        Pictures[Command.Path] = PICTURE(Words, Words + gDisplayWidth * gDisplayHeight);
+        Pictures[Command.Path] = PICTURE(Display.Words(), Display.Words() + UINTN{Display.Width()} * Display.Height());
     } else if (!SaveDisplay(Boot, Command.Path) && Error.empty()) {
         Error = DescribeScriptError(*mScript, Command.Line, "a file that can be written");
     }
@@ -182,5 +183,5 @@ VOID PLAYER::TakeScreenshot(BOOT& Boot, const SCRIPT_COMMAND& Command)
 
 bool SaveDisplay(const BOOT& Boot, const std::string& Path)
 {
-    return WritePng(Path.c_str(), Boot.Display.Words(), gDisplayWidth, gDisplayHeight);
+    return WritePng(Path.c_str(), Boot.Display.Words(), Boot.Display.Width(), Boot.Display.Height());
 }

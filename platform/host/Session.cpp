@@ -134,6 +134,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Machine.Seed = Options.Seed;
     Machine.Source = Options.Source;
     Machine.Generation = Options.Generation;
+    Machine.Panel = Options.Panel;
     Machine.VirtualClock = Options.Script.has_value();
     Machine.WithNetwork = Options.WithNetwork;
     Machine.EchoConsoles = Options.EchoConsoles;
@@ -261,6 +262,7 @@ VOID SESSION::CollectFromBoot()
     Result.OutputText += Boot->Consoles.OutputText;
     Result.ErrorText += Boot->Consoles.ErrorText;
     if (Options.KeepDisplay) {
+        Boot->SettleDisplay();
         Result.Display = Boot->Display.TakeWords();
     }
     // The board's services go first: they may be complained of.

@@ -22,6 +22,7 @@ struct SESSION_OPTIONS {
     UINT64 Seed = 1;
     BOARD_SOURCE* Source = nullptr; // a board in the simulation's place
     UINT8 Generation = 0;
+    PANEL Panel = {}; // the display, where it isn't the ordinary one; pictures are of its size then
     bool WithNetwork = false;
 
     std::optional<std::string> Script; // the text; a script makes the clock virtual

@@ -1,5 +1,6 @@
 #include "platform/firmware/pointer/MachinePointer.h"
 
+#include "platform/board/ConsoleDisplay.h"
 #include "platform/firmware/Clock.h"
 #include "platform/firmware/Ports.h"
 #include "platform/firmware/Report.h"
@@ -42,6 +43,7 @@ struct MACHINE_POINTER {
 
 EFI_BOOT_SERVICES* gBoot;
 MACHINE_POINTER gPointer;
+const CONSOLE_DISPLAY* gLayer; // null: the display shows the console's picture and nothing else
 
 INT64 Clamp(INT64 Value, INT64 Limit) { return Value < 0 ? 0 : Value >= Limit ? Limit - 1 : Value; }
 
@@ -54,12 +56,24 @@ VOID ReportPlace(const MACHINE_POINTER* Pointer)
     Report("\n");
 }
 
+// What of the console's picture is under a place on the panel, for one axis. Frame pixels of the panel's, from Begin on,
+// show the Extent pixels of the picture.
+INT64 PlaceUnder(INT64 Share, INT64 Panel, INT64 Begin, INT64 Frame, INT64 Extent)
+{
+    const INT64 OnPanel = (Share * (Panel - 1) + gFullScale / 2) / gFullScale;
+    return OnPanel <= Begin ? 0 : (OnPanel - Begin) * Extent / Frame;
+}
+
 // Moves the pointer and keeps the buttons; true when the kind's buttons changed.
 bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Change)
 {
     if (Change->Absolute) {
-        Pointer->X = (Change->X * (Pointer->Width - 1) + gFullScale / 2) / gFullScale;
-        Pointer->Y = (Change->Y * (Pointer->Height - 1) + gFullScale / 2) / gFullScale;
+        const UINT32 Width = static_cast<UINT32>(Pointer->Width);
+        const UINT32 Height = static_cast<UINT32>(Pointer->Height);
+        const CONSOLE_DISPLAY Plain = {nullptr, Width, Height, 0, 0, Width, Height};
+        const CONSOLE_DISPLAY& Panel = gLayer != nullptr ? *gLayer : Plain;
+        Pointer->X = PlaceUnder(Change->X, Panel.PanelWidth, Panel.X, Panel.Width, Pointer->Width);
+        Pointer->Y = PlaceUnder(Change->Y, Panel.PanelHeight, Panel.Y, Panel.Height, Pointer->Height);
     } else {
         Pointer->X += Change->X;
         Pointer->Y += Change->Y;
@@ -102,6 +116,9 @@ bool PollKind(MACHINE_POINTER* Pointer, KIND Kind, UINT64 Now, POINTER_CHANGE* C
 VOID BeginUse(MACHINE_POINTER* Pointer, UINT64 Now)
 {
     Pointer->InUse = true;
+    VOID* Interface = nullptr;
+    const bool Layered = !EfiError(gBoot->LocateProtocol(&gConsoleDisplayGuid, nullptr, &Interface));
+    gLayer = Layered ? static_cast<const CONSOLE_DISPLAY*>(Interface) : nullptr;
     // Looks for the firmware's own devices first, which may be the mouse at the keyboard controller.
     POINTER_CHANGE Change = {};
     (void)PollProtocolPointers(Now, &Change);
@@ -213,6 +230,7 @@ VOID EndPointer(POINTER_SOURCE* This)
     }
     SilencePs2Mouse(Pointer);
     ResetPointer(Pointer);
+    gLayer = nullptr; // it may be gone by the next start
     Report("ventara: pointer closed\n");
 }
 

@@ -1,7 +1,11 @@
 #include "platform/firmware/starter/Display.h"
 
 #include "platform/board/BootScreen.h"
+#include "platform/board/ConsoleDisplay.h"
+#include "platform/display/DisplayLayer.h"
 #include "platform/firmware/Report.h"
+#include "platform/firmware/starter/Lookups.h"
+#include "platform/firmware/starter/Modes.h"
 #include "uefi/GraphicsOutput.h"
 #include "uefi/Hii.h"
 
@@ -22,78 +26,175 @@ constexpr PIXEL gPanelPixel = {.Blue = 36, .Green = 26, .Red = 20, .Reserved = 0
 constexpr PIXEL gTextPixel = {.Blue = 236, .Green = 232, .Red = 228, .Reserved = 0};
 
 EFI_SYSTEM_TABLE* gTable;
-EFI_GRAPHICS_OUTPUT_PROTOCOL* gGraphics;
+EFI_GRAPHICS_OUTPUT_PROTOCOL* gGraphics; // the firmware's
+DISPLAY_LAYER* gLayer;                   // null: the console works on the firmware's display itself
+EFI_EVENT gLayerTimer;
 PIXEL* gPicture; // null until there is memory for it
 bool gReady;     // the display is in the console's mode
+
+// What the display offers, and which of it was chosen.
+constexpr UINTN gMostOffers = 64;
+MODE_OFFER gOffers[gMostOffers];
+UINTN gOfferCount;
+UINTN gOffer;
+bool gPicked; // by a person: holds until the starter ends
+CHAR16 gModeText[32];
+
+// How long single pixels may be held back, in units of 100 ns.
+constexpr UINT64 gLayerPeriod = 100000;
+
+// The data by which a display identifies itself, as the firmware uses them.
+constexpr EFI_GUID gEdidActiveGuid = {
+    0xBD8C1056, 0x9F36, 0x44EC, {0x92, 0xA8, 0xA6, 0x33, 0x7F, 0x81, 0x79, 0x86}};
+struct EFI_EDID_ACTIVE_PROTOCOL {
+    UINT32 SizeOfEdid;
+    UINT8* Edid;
+};
 
 // The display as it was found: whoever started the starter, a shell for one, writes on it again afterwards, in the places
 // that its own mode has.
 EFI_GRAPHICS_OUTPUT_PROTOCOL* gFoundGraphics; // null: none yet
 UINT32 gFoundMode;
+PANEL_SIZE gFoundSize;
 BOOLEAN gFoundCursor;
 
-// Whether the picture lies in memory with four bytes a pixel. By masks a pixel has as many bytes as the highest bit of
-// any of them asks for.
-bool HasWidePixels(const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode)
-{
-    const EFI_PIXEL_BITMASK& Masks = Mode->PixelInformation;
-    switch (Mode->PixelFormat) {
-    case PixelRedGreenBlueReserved8BitPerColor:
-    case PixelBlueGreenRedReserved8BitPerColor:
-        return true;
-    case PixelBitMask:
-        return ((Masks.RedMask | Masks.GreenMask | Masks.BlueMask | Masks.ReservedMask) & 0xff000000) != 0;
-    case PixelBltOnly:
-        break;
-    }
-    return false;
-}
+// What the board's driver finds, to draw where the console draws.
+CONSOLE_DISPLAY gConsoleDisplay;
+EFI_HANDLE gConsoleDisplayHandle; // null: not installed
 
-// How well a mode serves, 0 for not at all. The console copies the frame buffer as it lies in memory, so the pixels
-// should lie there as it reads them: four bytes each, rows back to back, blue first.
-UINTN RateMode(const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode)
+VOID ListModes()
 {
-    if (Mode->HorizontalResolution != BOOT_SCREEN_WIDTH || Mode->VerticalResolution != BOOT_SCREEN_HEIGHT) {
-        return 0;
-    }
-    UINTN Rating = 1;
-    if (Mode->PixelFormat == PixelBlueGreenRedReserved8BitPerColor) {
-        Rating += 2;
-    } else if (Mode->PixelFormat == PixelRedGreenBlueReserved8BitPerColor) {
-        Rating += 1;
-    }
-    if (Mode->PixelsPerScanLine == BOOT_SCREEN_WIDTH) {
-        Rating += 4;
-    }
-    if (HasWidePixels(Mode)) {
-        Rating += 8;
-    }
-    return Rating;
-}
-
-bool ChooseMode()
-{
-    UINTN BestRating = 0;
-    UINT32 BestMode = 0;
-    for (UINT32 Number = 0; Number < gGraphics->Mode->MaxMode; Number++) {
+    gOfferCount = 0;
+    for (UINT32 Number = 0; Number < gGraphics->Mode->MaxMode && gOfferCount < gMostOffers; Number++) {
         UINTN Size = 0;
         EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode = nullptr;
         if (EfiError(gGraphics->QueryMode(gGraphics, Number, &Size, &Mode)) || Mode == nullptr) {
             continue;
         }
-        UINTN Rating = RateMode(Mode);
+        gOfferCount += OfferMode(Number, Mode, &gOffers[gOfferCount]) ? 1 : 0;
         (void)gTable->BootServices->FreePool(Mode);
-        if (Rating > BestRating) {
-            BestRating = Rating;
-            BestMode = Number;
+    }
+}
+
+// The panel's own size: as it says itself, or else the mode that the firmware found good.
+PANEL_SIZE NativeSize()
+{
+    VOID* Interface = nullptr;
+    if (!EfiError(gTable->BootServices->LocateProtocol(&gEdidActiveGuid, nullptr, &Interface))) {
+        const auto* Active = static_cast<const EFI_EDID_ACTIVE_PROTOCOL*>(Interface);
+        const PANEL_SIZE Size = ReadNativeSize(Active->Edid, Active->SizeOfEdid);
+        if (Size.Width != 0) {
+            return Size;
         }
     }
-    return BestRating != 0 && !EfiError(gGraphics->SetMode(gGraphics, BestMode));
+    return gFoundSize;
+}
+
+VOID AppendNumber(CHAR16** At, UINT32 Number)
+{
+    CHAR16 Digits[10];
+    UINTN Count = 0;
+    do {
+        Digits[Count++] = static_cast<CHAR16>(u'0' + Number % 10);
+        Number /= 10;
+    } while (Number != 0);
+    while (Count > 0) {
+        *(*At)++ = Digits[--Count];
+    }
+}
+
+VOID DescribeOffer(const MODE_OFFER& Offer)
+{
+    CHAR16* At = gModeText;
+    AppendNumber(&At, Offer.Width);
+    for (const CHAR16* Text = u" by "; *Text != 0; Text++) {
+        *At++ = *Text;
+    }
+    AppendNumber(&At, Offer.Height);
+    *At = 0;
+}
+
+EFI_STATUS OnLayerTimer(EFI_EVENT, VOID*)
+{
+    FlushDisplayLayer(gLayer);
+    return EFI_SUCCESS;
+}
+
+VOID CloseLayer()
+{
+    EFI_BOOT_SERVICES* Boot = gTable->BootServices;
+    ReplaceLookup(&gEfiGraphicsOutputProtocolGuid, nullptr);
+    if (gLayerTimer != nullptr) {
+        (void)Boot->CloseEvent(gLayerTimer);
+        gLayerTimer = nullptr;
+    }
+    if (gConsoleDisplayHandle != nullptr) {
+        (void)Boot->UninstallProtocolInterface(gConsoleDisplayHandle, &gConsoleDisplayGuid, &gConsoleDisplay);
+        gConsoleDisplayHandle = nullptr;
+    }
+    CloseDisplayLayer(gLayer);
+    gLayer = nullptr;
+}
+
+// Puts the layer between where the mode needs it.
+DISPLAY_RESULT OpenLayer()
+{
+    if (!NeedsDisplayLayer(gGraphics->Mode)) {
+        return DISPLAY_READY;
+    }
+    EFI_BOOT_SERVICES* Boot = gTable->BootServices;
+    if (EfiError(OpenDisplayLayer(Boot, gGraphics, &gLayer))) {
+        return DISPLAY_NO_MEMORY;
+    }
+    gConsoleDisplay = {.Graphics = &gLayer->Graphics, .PanelWidth = gLayer->Place.PanelWidth,
+                       .PanelHeight = gLayer->Place.PanelHeight, .X = gLayer->Place.X, .Y = gLayer->Place.Y,
+                       .Width = gLayer->Place.Width, .Height = gLayer->Place.Height};
+    // Without a timer, or without the board's own look-up, a pixel comes late or a message box isn't scaled.
+    (void)Boot->InstallProtocolInterface(&gConsoleDisplayHandle, &gConsoleDisplayGuid, EFI_NATIVE_INTERFACE,
+                                         &gConsoleDisplay);
+    if (!EfiError(Boot->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnLayerTimer, nullptr, &gLayerTimer))) {
+        (void)Boot->SetTimer(gLayerTimer, TimerPeriodic, gLayerPeriod);
+    } else {
+        gLayerTimer = nullptr;
+    }
+    ReplaceLookup(&gEfiGraphicsOutputProtocolGuid, &gLayer->Graphics);
+    return DISPLAY_READY;
+}
+
+// Sets the chosen mode and shows the boot screen in it.
+DISPLAY_RESULT EnterMode()
+{
+    CloseLayer();
+    gReady = false;
+    if (gOffer >= gOfferCount || EfiError(gGraphics->SetMode(gGraphics, gOffers[gOffer].Number))) {
+        return DISPLAY_NO_MODE;
+    }
+    DescribeOffer(gOffers[gOffer]);
+    const DISPLAY_RESULT Result = OpenLayer();
+    if (Result != DISPLAY_READY) {
+        return Result;
+    }
+    if (gPicture == nullptr) {
+        VOID* Block = nullptr;
+        if (EfiError(gTable->BootServices->AllocatePool(EfiBootServicesData, gPicturePixels * sizeof(PIXEL), &Block))) {
+            return DISPLAY_NO_MEMORY;
+        }
+        gPicture = static_cast<PIXEL*>(Block);
+    }
+    gReady = true;
+    Report("ventara: display ");
+    ReportDecimal(gOffers[gOffer].Width);
+    Report("x");
+    ReportDecimal(gOffers[gOffer].Height);
+    Report(gLayer != nullptr ? ", by a layer\n" : "\n");
+    ShowBootScreen();
+    return DISPLAY_READY;
 }
 
 VOID SendPicture()
 {
-    (void)gGraphics->Blt(gGraphics, gPicture, EfiBltBufferToVideo, 0, 0, 0, 0, BOOT_SCREEN_WIDTH, BOOT_SCREEN_HEIGHT, 0);
+    EFI_GRAPHICS_OUTPUT_PROTOCOL* Shown = gLayer != nullptr ? &gLayer->Graphics : gGraphics;
+    (void)Shown->Blt(Shown, gPicture, EfiBltBufferToVideo, 0, 0, 0, 0, BOOT_SCREEN_WIDTH, BOOT_SCREEN_HEIGHT, 0);
 }
 
 VOID DrawRow(EFI_HII_FONT_PROTOCOL* Font, const CHAR16* Text, UINTN X, UINTN Y)
@@ -139,29 +240,37 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable)
     if (gFoundGraphics == nullptr) {
         gFoundGraphics = gGraphics;
         gFoundMode = gGraphics->Mode->Mode;
+        gFoundSize = {gGraphics->Mode->Info->HorizontalResolution, gGraphics->Mode->Info->VerticalResolution};
         gFoundCursor = SystemTable->ConOut != nullptr ? SystemTable->ConOut->Mode->CursorVisible : BOOLEAN{0};
     }
     if (SystemTable->ConOut != nullptr) {
         (void)SystemTable->ConOut->EnableCursor(SystemTable->ConOut, 0);
     }
-    if (!ChooseMode()) {
+    ListModes();
+    if (!gPicked) {
+        gOffer = ChooseMode(gOffers, gOfferCount, NativeSize());
+    }
+    return EnterMode();
+}
+
+DISPLAY_RESULT NextDisplayMode()
+{
+    if (gOfferCount == 0) {
         return DISPLAY_NO_MODE;
     }
-    const EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* Mode = gGraphics->Mode;
-    if (Mode->FrameBufferBase == 0 || Mode->Info->PixelsPerScanLine != BOOT_SCREEN_WIDTH || !HasWidePixels(Mode->Info)) {
-        return DISPLAY_NO_FRAME_BUFFER;
-    }
-    if (gPicture == nullptr) {
-        VOID* Block = nullptr;
-        if (EfiError(Boot->AllocatePool(EfiBootServicesData, gPicturePixels * sizeof(PIXEL), &Block))) {
-            return DISPLAY_NO_MEMORY;
+    gPicked = true;
+    // A mode that is offered and can't be set is passed over.
+    for (UINTN Tries = 0; Tries < gOfferCount; Tries++) {
+        gOffer = (gOffer + 1) % gOfferCount;
+        const DISPLAY_RESULT Result = EnterMode();
+        if (Result != DISPLAY_NO_MODE) {
+            return Result;
         }
-        gPicture = static_cast<PIXEL*>(Block);
     }
-    gReady = true;
-    ShowBootScreen();
-    return DISPLAY_READY;
+    return DISPLAY_NO_MODE;
 }
+
+const CHAR16* DescribeDisplayMode() { return gModeText; }
 
 VOID ShowBootScreen()
 {
@@ -197,6 +306,7 @@ VOID ShowPage(const PAGE* Page)
 VOID CloseDisplay()
 {
     gReady = false;
+    CloseLayer();
     if (gPicture != nullptr) {
         (void)gTable->BootServices->FreePool(gPicture);
         gPicture = nullptr;

@@ -2,6 +2,7 @@
 // says in words what is in the way when it can't. Once the console has returned, it offers what comes next.
 #include "platform/firmware/Report.h"
 #include "platform/firmware/starter/Display.h"
+#include "platform/firmware/starter/Lookups.h"
 #include "platform/firmware/starter/Volume.h"
 #include "shell/Services.h"
 
@@ -88,13 +89,8 @@ bool PrepareDisplay()
                             u"adapter, switch the machine off and on, and start again.");
         break;
     case DISPLAY_NO_MODE:
-        AddParagraph(&Page, u"The display offers no mode of 1024 by 768 pixels, and the console needs that one. Attach "
-                            u"a display that has it, or connect this one to another output, and start again.");
-        break;
-    case DISPLAY_NO_FRAME_BUFFER:
-        AddParagraph(&Page, u"In the mode of 1024 by 768 pixels this graphics adapter doesn't show its picture in memory "
-                            u"row after row with four bytes a pixel, and the console reads it there. Connect the display "
-                            u"to another graphics adapter and start again.");
+        AddParagraph(&Page, u"The display offers no mode of 640 by 480 pixels or more that can be set. Connect it to "
+                            u"another output or attach another display, and start again.");
         break;
     case DISPLAY_NO_MEMORY:
         AddParagraph(&Page, u"There is not enough memory for the picture of the screen. Give the machine more memory and "
@@ -186,7 +182,7 @@ VOID StartConsole()
         return;
     }
     Report("ventara: starting\n");
-    Status = gTable->BootServices->StartImage(Console, nullptr, nullptr);
+    Status = StartWithLookups(gTable, Console);
     ReportStatus("ventara: returned ", Status);
     if (!EfiError(Status)) {
         return;
@@ -214,15 +210,22 @@ VOID RunConsole()
 
 enum CHOICE : UINT8 { CHOICE_START, CHOICE_BOOT_MENU, CHOICE_RESET };
 
-CHOICE AskWhatNext()
+VOID ShowMenu()
 {
     PAGE Page = {};
     AddParagraph(&Page, u"Enter   start the console again");
+    AddParagraph(&Page, u"V       another mode of the display", DescribeDisplayMode()[0] != 0 ? u"; now it is " : u"",
+                 DescribeDisplayMode());
     AddParagraph(&Page, u"B       go on to the firmware's boot menu");
     AddParagraph(&Page, u"R       reset the machine");
-    DropKeys();
     ShowPage(&Page);
     Report("ventara: menu\n");
+}
+
+CHOICE AskWhatNext()
+{
+    DropKeys();
+    ShowMenu();
     for (;;) {
         switch (WaitForKey().UnicodeChar) {
         case CHAR_CARRIAGE_RETURN:
@@ -233,6 +236,11 @@ CHOICE AskWhatNext()
         case u'r':
         case u'R':
             return CHOICE_RESET;
+        case u'v':
+        case u'V':
+            (void)NextDisplayMode();
+            ShowMenu();
+            break;
         default:
             break;
         }

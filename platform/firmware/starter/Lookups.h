@@ -1,0 +1,15 @@
+// What an image that the starter runs finds in the place of a protocol of the firmware.
+//
+// The image gets a system table of its own by its loaded-image record, whose LocateProtocol answers with the starter's
+// interfaces. Nobody else sees that table. The UEFI specification names the table in the record and doesn't promise that
+// StartImage hands over that one, so while the image runs the firmware's own LocateProtocol gives the same answers to
+// calls that come from inside the image. After the run everything is as it was.
+#pragma once
+
+#include "uefi/SystemTable.h"
+
+// Has lookups of that protocol answered with Interface; with the firmware's own again for null. At most four.
+VOID ReplaceLookup(const EFI_GUID* Guid, VOID* Interface);
+
+// Starts a loaded image with the replaced lookups and returns its status. Without any it is just StartImage.
+EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image);
