@@ -30,7 +30,7 @@ POINTERS = {"ps2": [], "tablet": ["usb-tablet,id=pointer"], "mouse": ["usb-mouse
 KEYBOARDS = {"ps2": [], "usb": ["usb-kbd"], "none": []}
 
 # What stands for a graphics adapter: a usual one; one whose memory is too small for 1024 by 768; one with three bytes a
-# pixel; one whose picture the firmware alone can reach; two usual ones; two kinds together; or none.
+# pixel; one that takes pictures by the firmware's calls alone; two usual ones; two kinds together; or none.
 GRAPHICS = {
     "std": ["VGA"],
     "small": ["VGA,vgamem_mb=2"],
