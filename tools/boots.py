@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Boots the console in a virtual PC again and again, on one machine after another.
 
 In each boot the first screen has to be the hosted console's outside text and live numbers, and the console has to return
@@ -27,7 +27,7 @@ def keep_traces(machine, folder):
         with open(os.path.join(folder, name), "w", encoding="latin-1") as file:
             file.write(machine.log(name))
     try:
-        machine.look().save(os.path.join(folder, "screen.ppm"))
+        machine.look().save(os.path.join(folder, "screen.png"))
     except (RuntimeError, OSError):
         pass  # the machine has ended, and its logs say what there is to say
 

@@ -3,7 +3,9 @@ import os
 import subprocess
 import tempfile
 
-from machine import Picture
+from PIL import Image
+
+from machine import difference
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
@@ -21,6 +23,8 @@ LIVE = (
     (66, 601, 80, 19), (66, 625, 895, 19),     # caption of the gauges, voltages
     (66, 662, 895, 19), (66, 686, 895, 19),    # bars, names
 )
+
+EXIT = (956, 96)  # on the Exit button
 
 # Machines on which the console works, with what stands out about them; the arguments are those of Machine.
 MACHINES = {
@@ -48,23 +52,23 @@ def make_hosted_picture(script=UNTOUCHED):
             file.write("\n".join(script) + f"\nscreenshot {picture}\n")
         subprocess.run([HOSTED, "--script", path], check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                        timeout=60)
-        return Picture.load(picture)
+        with Image.open(picture) as hosted:
+            return hosted.convert("RGB")
 
 
 def see_console(machine, hosted):
     """Waits for the console, until the screen is the hosted one outside text and live numbers; gives the picture."""
     machine.wait_for_console()
-    return machine.look_until(lambda now: (now.width, now.height) == (hosted.width, hosted.height) and
-                              not now.differences(hosted, LIVE), what="the console's first screen")
+    return machine.look_until(lambda now: not difference(now, hosted, LIVE), what="the console's first screen")
 
 
 def leave_console(machine):
     """Leaves the console by what the machine has to leave it by; gives the status that it returned."""
     if machine.keyboard != "none":
         machine.key("esc")
+        status = machine.wait_for("ventara: returned ")
     else:
-        machine.move_tablet(956, 96)  # the Exit button
-        machine.press()
-    status = machine.wait_for("ventara: returned ")
+        machine.move_tablet(*EXIT)
+        status = machine.press(says="ventara: returned ")
     machine.wait_for("ventara: menu")
     return status

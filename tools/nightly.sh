@@ -59,9 +59,9 @@ build_firmware() {
   cmake --build "build/$folder" -j "$(nproc)" >/dev/null
 }
 hardened() {
-  python3 tests/firmware/machines_test.py Hardened &&
-    VENTARA_FIRMWARE=$PWD/build/hardened python3 tests/firmware/boot_test.py ConsoleOnFirmware Tour &&
-    VENTARA_FIRMWARE=$PWD/build/hardened VENTARA_STARTS=20 python3 tests/firmware/machines_test.py Starts
+  tests/firmware/machines_test.py Hardened &&
+    VENTARA_FIRMWARE=$PWD/build/hardened tests/firmware/boot_test.py ConsoleOnFirmware Tour &&
+    VENTARA_FIRMWARE=$PWD/build/hardened VENTARA_STARTS=20 tests/firmware/machines_test.py Starts
 }
 
 mkdir -p build
@@ -74,8 +74,8 @@ step sweep-release sweep release
 step sweep-debug sweep debug
 step soak-release soak release 10000000
 step soak-debug soak debug 200000
-step machines python3 tests/firmware/machines_test.py MoreMachines
-step starts python3 tests/firmware/machines_test.py Starts
+step machines tests/firmware/machines_test.py MoreMachines
+step starts tests/firmware/machines_test.py Starts
 step hardened hardened
 step boots tools/boots.py --boots "$boots"
 step fuzz tools/fuzz.sh --minutes "$minutes"

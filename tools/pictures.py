@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Compares the reference pictures of the whole screen with what the console shows.
 
 Each script in tests/pictures plays on the virtual clock and ends with a screenshot, which is held against the picture
@@ -6,18 +6,19 @@ of the same name beside it. A line `# board NAME` in a script picks its board. F
 of three parts goes to the output folder: the reference, the screen as it is now, and the pixels that differ.
 """
 import argparse
+import functools
 import os
 import re
 import subprocess
 import sys
 import tempfile
 
-import pngfile
+from PIL import Image, ImageChops
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 FOLDER = os.path.join(ROOT, "tests", "pictures")
 INVISIBLE_STEPS = 3  # what another version of the SVG renderer may round differently, and nobody sees
-MARK = b"\xff\x00\xff"
+MARK = (255, 0, 255)
 
 
 def scripts(names):
@@ -33,6 +34,11 @@ def board_of(script):
     return match[1] if match else "full"
 
 
+def read(path):
+    with Image.open(path) as picture:
+        return picture.convert("RGB")
+
+
 def show(program, name):
     """The screen at the end of a script."""
     path = os.path.join(FOLDER, name + ".txt")
@@ -43,30 +49,22 @@ def show(program, name):
                              capture_output=True, text=True, check=False)
         if run.returncode != 0:
             sys.exit(f"{name}: the console ended with {run.returncode}\n{run.stderr}")
-        return pngfile.read(os.path.join(folder, name + ".png"))
+        return read(os.path.join(folder, name + ".png"))
 
 
-def differing_pixels(old, new):
-    """Places (x, y) at which a person might see a difference, and the largest step of a colour channel."""
-    places, largest = [], 0
-    for y, (a, b) in enumerate(zip(old.rows, new.rows)):
-        if a == b:
-            continue
-        for x in range(old.width):
-            step = max(abs(a[at] - b[at]) for at in range(3 * x, 3 * x + 3))
-            if step > INVISIBLE_STEPS:
-                places.append((x, y))
-                largest = max(largest, step)
-    return places, largest
+def largest_steps(old, new):
+    """For each pixel the largest step of a colour channel between two pictures."""
+    return functools.reduce(ImageChops.lighter, ImageChops.difference(old, new).split())
 
 
 def write_difference(path, old, new, places):
     """Reference, present screen, and the differing pixels on a dark copy of the reference, side by side."""
-    marked = [bytearray(value // 3 for value in row) for row in old.rows]
-    for x, y in places:
-        marked[y][3 * x:3 * x + 3] = MARK
-    rows = [bytes(a) + bytes(b) + bytes(c) for a, b, c in zip(old.rows, new.rows, marked)]
-    pngfile.write(path, pngfile.Picture(3 * old.width, old.height, rows))
+    parts = Image.new("RGB", (3 * old.width, old.height))
+    parts.paste(old, (0, 0))
+    parts.paste(new, (old.width, 0))
+    parts.paste(old.point(lambda value: value // 3), (2 * old.width, 0))
+    parts.paste(MARK, (2 * old.width, 0), places)
+    parts.save(path)
 
 
 def compare(name, new, output):
@@ -78,19 +76,20 @@ def compare(name, new, output):
     if not os.path.exists(reference):
         print(f"{name}: there is no reference picture; --renew makes it")
         return False
-    old = pngfile.read(reference)
-    if (old.width, old.height) != (new.width, new.height):
+    old = read(reference)
+    if old.size != new.size:
         print(f"{name}: the screen is {new.width} by {new.height}, the reference {old.width} by {old.height}")
         return False
-    places, largest = differing_pixels(old, new)
-    if not places:
+    steps = largest_steps(old, new)
+    places = steps.point(lambda step: 255 if step > INVISIBLE_STEPS else 0)
+    if places.getbbox() is None:
         print(f"{name}: as the reference")
         return True
     os.makedirs(output, exist_ok=True)
     write_difference(difference, old, new, places)
-    xs, ys = [x for x, _ in places], [y for _, y in places]
-    print(f"{name}: {len(places)} pixels differ, by up to {largest} steps, in x {min(xs)} to {max(xs)}, "
-          f"y {min(ys)} to {max(ys)}; see {difference}")
+    left, top, right, bottom = places.getbbox()
+    print(f"{name}: {places.histogram()[255]} pixels differ, by up to {steps.getextrema()[1]} steps, in x {left} to {right - 1}, "
+          f"y {top} to {bottom - 1}; see {difference}")
     return False
 
 
@@ -110,7 +109,7 @@ def main():
     for name in scripts(options.names):
         new = show(options.program, name)
         if options.renew:
-            pngfile.write(os.path.join(FOLDER, name + ".png"), new)
+            new.save(os.path.join(FOLDER, name + ".png"), optimize=True)
             print(f"{name}: renewed")
         else:
             same = compare(name, new, options.output) and same

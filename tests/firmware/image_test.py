@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
 """Tries the disk image that tools/image.py makes: its partition table, its volume, and that it can be made again."""
-import binascii
 import hashlib
+import json
 import os
-import struct
 import subprocess
 import sys
 import tempfile
@@ -42,23 +41,22 @@ class DiskImage(unittest.TestCase):
 
     def test_both_partition_tables_hold_and_name_one_efi_system_partition(self):
         path, _ = make(self.folder)
+        self.check_partition(path)
+        with open(path, "r+b") as disk:
+            disk.seek(512)
+            disk.write(bytes(512))  # without the first header the second one counts
+        self.check_partition(path)
+
+    def check_partition(self, path):
+        run = subprocess.run(["sfdisk", "--json", path], check=True, stdout=subprocess.PIPE, env={"PATH": image.PATH})
+        table = json.loads(run.stdout)["partitiontable"]
+        self.assertEqual((table["label"], len(table["partitions"])), ("gpt", 1))
+        partition = table["partitions"][0]
+        self.assertEqual(partition["type"], "C12A7328-F81F-11D2-BA4B-00A0C93EC93B")
+        self.assertEqual(partition["start"], image.PARTITION_START)
         with open(path, "rb") as disk:
-            content = disk.read()
-        sectors = len(content) // 512
-        for sector, table_sector in ((1, 2), (sectors - 1, sectors - 33)):
-            header = content[512 * sector:512 * sector + 92]
-            (signature, _, size, crc, _, own, other, first, last, _, table, count, entry_size,
-             table_crc) = struct.unpack("<8sIIIIQQQQ16sQIII", header)
-            self.assertEqual((signature, size, own, other), (b"EFI PART", 92, sector, sectors - sector))
-            self.assertEqual(binascii.crc32(header[:16] + b"\0\0\0\0" + header[20:]), crc)
-            self.assertEqual(table, table_sector)
-            entries = content[512 * table:512 * table + count * entry_size]
-            self.assertEqual(binascii.crc32(entries), table_crc)
-            start, end = struct.unpack_from("<QQ", entries, 32)
-            self.assertEqual(entries[:16].hex(), "28732ac11ff8d211ba4b00a0c93ec93b")
-            self.assertFalse(any(entries[entry_size:]), "a second partition")
-            self.assertTrue(first <= start < end <= last)
-            self.assertEqual(content[512 * start + 510:512 * start + 512], b"\x55\xaa")
+            disk.seek(512 * partition["start"] + 510)
+            self.assertEqual(disk.read(2), b"\x55\xaa")
 
     def test_the_volume_holds_the_three_images_as_they_are(self):
         path, _ = make(self.folder)

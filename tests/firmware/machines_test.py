@@ -1,8 +1,8 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Boots the firmware images on machines that lack something or have more than usual, starts the console many times in one
 boot, and tries hardened images.
 
-It takes the environment of boot_test.py. VENTARA_STARTS says how often Starts starts the console (100), and
+It takes the environment of boot_case.py. VENTARA_STARTS says how often Starts starts the console (100), and
 VENTARA_HARDENED where hardened images are (build/hardened).
 """
 import json
@@ -10,11 +10,10 @@ import os
 import subprocess
 import sys
 import tempfile
-import unittest
 
-import boot_test  # and with it the way to tools/
-from boot_test import BootCase, READOUTS, ROOT, keep, shows_other_page
-from console_screen import MACHINES, UNTOUCHED, leave_console, see_console
+import boot_case  # and with it the way to tools/
+from boot_case import BootCase, READOUTS, ROOT, SECOND_TAB, differ, keep, shows_other_page
+from console_screen import HOSTED, MACHINES, leave_console, see_console
 from machine import Machine
 import qemu
 
@@ -23,25 +22,16 @@ HARDENED = os.environ.get("VENTARA_HARDENED", os.path.join(ROOT, "build", "harde
 
 class MachineCase(BootCase):
     def see_console(self, machine, name):
-        return keep(see_console(machine, self.hosted_picture(UNTOUCHED)), name.replace(" ", "-"))
-
-    def try_machine(self, name):
-        with Machine(self.make_image(), **MACHINES[name]) as machine:
-            self.see_console(machine, name)
-            self.assertEqual(leave_console(machine), "Success")
+        return keep(see_console(machine, self.hosted_picture()), name)
 
 
-class Machines(MachineCase):
-    def test_without_a_keyboard_the_pointer_is_enough(self):
-        self.try_machine("no keyboard")
-
+class FullStore(MachineCase):
     def test_with_a_full_variable_store_the_console_works_and_forgets_its_view(self):
         with Machine(self.make_image(starter="ventara-fill.efi", extra=(("BOOTX64.efi", "start.efi"),))) as machine:
             for kind in ("kept", "lost at a reset"):
                 self.assertGreater(int(machine.wait_for(f"fill: {kind}: ")), 1024)
             first = self.see_console(machine, "full store")
-            machine.click(420, 140)  # another page
-            machine.look_until(lambda now: shows_other_page(now, first), what="another page")
+            machine.click(*SECOND_TAB, shows=lambda now: shows_other_page(now, first), what="another page")
             self.assertEqual(leave_console(machine), "Success")
             machine.key("ret")
             machine.wait_for_console()
@@ -52,13 +42,14 @@ class Machines(MachineCase):
 class MoreMachines(MachineCase):
     def test_the_console_comes_up_and_leaves_on_every_machine(self):
         for name in MACHINES:
-            with self.subTest(name):
-                self.try_machine(name)
+            with self.subTest(name), Machine(self.make_image(), **MACHINES[name]) as machine:
+                self.see_console(machine, name)
+                self.assertEqual(leave_console(machine), "Success")
 
     def test_with_neither_keyboard_nor_mouse_the_readings_go_on(self):
         with Machine(self.make_image(), keyboard="none", pointer="none") as machine:
             first = self.see_console(machine, "neither")
-            machine.look_until(lambda now: any(not now.crop(*box).same(first.crop(*box)) for box in READOUTS),
+            machine.look_until(lambda now: any(differ(now, first, box) for box in READOUTS),
                                what="another reading")
 
     def test_the_console_comes_up_on_each_graphics_adapter(self):
@@ -78,8 +69,8 @@ class Starts(BootCase):
             script, trace = os.path.join(folder, "script"), os.path.join(folder, "trace")
             with open(script, "w") as out:
                 out.write("turn\nkey esc\nturn\n")
-            subprocess.run([os.environ.get("VENTARA_HOSTED", os.path.join(ROOT, "build", "release", "ventara")),
-                            "--script", script, "--trace", trace, "--trace-pool"], check=True, capture_output=True)
+            subprocess.run([HOSTED, "--script", script, "--trace", trace, "--trace-pool"], check=True,
+                           capture_output=True)
             hosted = dict.fromkeys(here, 0)
             with open(trace) as lines:
                 for line in map(json.loads, lines):
@@ -130,15 +121,10 @@ class Hardened(BootCase):
 
     def test_as_released_nothing_of_it_is_in_the_images(self):
         for name in ("ventara.efi", "ventara-board.efi", "BOOTX64.efi"):
-            for folder, wanted in ((HARDENED, True), (boot_test.FIRMWARE, False)):
+            for folder, wanted in ((HARDENED, True), (boot_case.FIRMWARE, False)):
                 with open(os.path.join(folder, name), "rb") as file:
                     self.assertEqual(b"a written-over stack" in file.read(), wanted, f"{folder}/{name}")
 
 
 if __name__ == "__main__":
-    try:
-        qemu.find_qemu()
-        qemu.find_firmware()
-    except qemu.MissingTool as problem:
-        sys.exit(str(problem))
-    unittest.main(verbosity=2)
+    boot_case.main()

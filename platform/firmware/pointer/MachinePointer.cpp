@@ -37,6 +37,7 @@ struct MACHINE_POINTER {
     bool Moved;     // since its place was last told
     bool Released;  // the last read was the first that saw the left button up again
     UINT8 LastLeft; // what that read gave
+    UINT64 LeftAt;  // when it last changed, microseconds
     UINT64 MovedAt; // microseconds
     PS2_MOUSE Ps2;
 };
@@ -62,6 +63,18 @@ INT64 PlaceUnder(INT64 Share, INT64 Panel, INT64 Begin, INT64 Frame, INT64 Exten
 {
     const INT64 OnPanel = (Share * (Panel - 1) + gFullScale / 2) / gFullScale;
     return OnPanel <= Begin ? 0 : (OnPanel - Begin) * Extent / Frame;
+}
+
+// A press is a click or not by its length, and only the machine knows that.
+VOID ReportButton(UINT8 Left, UINT64 Length)
+{
+    if (Left != 0) {
+        Report("ventara: left button down\n");
+        return;
+    }
+    Report("ventara: left button up after ");
+    ReportDecimal(Length / 1000);
+    Report(" ms\n");
 }
 
 // Moves the pointer and keeps the buttons; true when the kind's buttons changed.
@@ -177,7 +190,11 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
         *Right |= Pointer->Right[Kind];
     }
     Pointer->Released = Pointer->LastLeft != 0 && *Left == 0;
-    Pointer->LastLeft = *Left;
+    if (Pointer->LastLeft != *Left) {
+        ReportButton(*Left, Now - Pointer->LeftAt);
+        Pointer->LastLeft = *Left;
+        Pointer->LeftAt = Now;
+    }
 }
 
 VOID SetPointerLimits(POINTER_SOURCE* This, UINTN Width, UINTN Height)

@@ -281,6 +281,7 @@ EFI_STATUS DriverStop(EFI_DRIVER_BINDING_PROTOCOL*, EFI_HANDLE Controller, UINTN
             continue;
         }
         StopTransfer(Device);
+        Report(Device->Layout.Absolute ? "ventara: USB tablet gone\n" : "ventara: USB mouse gone\n");
         EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
         *Link = Device->Next;
         DropReports(Device);
