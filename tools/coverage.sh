@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What the tests reach of the console: lines and branches of src/, by gcovr. Less than the goal is a failure, and so is a
-# test that fails.
+# What the tests reach: lines and branches of src/ and of platform/, by gcovr. Less of the console than the goal is a
+# failure, and so is a test that fails.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
@@ -26,12 +26,14 @@ status=0
 (cd build/coverage && VENTARA_SWEEP=7 VENTARA_SOAK_TURNS=8000 VENTARA_KERNEL_CASES=1000 \
   ctest -j "$(nproc)" -LE 'nightly|boot|check' --output-on-failure) || { say "a test failed; what is missing below may be due to it"; status=1; }
 
-# src/ is compiled for the console, and a part of it again for the tests of its support functions.
-mkdir -p build/coverage/report
-gcovr --root . --filter 'src/' --exclude-throw-branches --exclude-unreachable-branches \
-  --html-details build/coverage/report/index.html --txt build/coverage/report/table.txt --print-summary \
-  --fail-under-line "$goal_lines" --fail-under-branch "$goal_branches" \
-  build/coverage/CMakeFiles/console_objects.dir build/coverage/tests/support ||
+report() { gcovr --root . --exclude-throw-branches --exclude-unreachable-branches --print-summary "$@"; }
+
+mkdir -p build/coverage/report/platform
+report --filter 'src/' --html-details build/coverage/report/index.html --txt build/coverage/report/table.txt \
+  --fail-under-line "$goal_lines" --fail-under-branch "$goal_branches" build/coverage/CMakeFiles/console_objects.dir ||
   { say "fewer than $goal_lines % of the lines or $goal_branches % of the branches"; status=1; }
-cat build/coverage/report/table.txt
+# What the boots alone reach of platform/firmware isn't counted.
+report --filter 'platform/' --html-details build/coverage/report/platform/index.html \
+  --txt build/coverage/report/platform/table.txt build/coverage/platform build/coverage/tests/firmware || status=1
+cat build/coverage/report/table.txt build/coverage/report/platform/table.txt
 exit "$status"
