@@ -1,7 +1,6 @@
 // Variables that somebody else wrote: the settings and the charts' histories, of any size and content, before a start.
 #include <cstdio>
 #include <cstdlib>
-#include <utility>
 #include <vector>
 
 #include "fuzz/ConsoleGlobals.h"
@@ -20,17 +19,8 @@ struct REWRITER {
 // Every variable gets another content at the beginning of the second start.
 VOID RewriteAll(INPUT& Input)
 {
-    std::vector<std::pair<std::u16string, EFI_GUID>> Names;
-    CHAR16 Name[128] = {};
-    EFI_GUID Vendor = {};
-    for (;;) {
-        UINTN Size = sizeof(Name);
-        if (EfiError(gBoot->Variables.GetNext(&Size, Name, &Vendor))) {
-            break;
-        }
-        Names.push_back({Name, Vendor});
-    }
-    for (const auto& [Of, Owner] : Names) {
+    const std::vector<VARIABLE> Before = gBoot->Variables.All();
+    for (const VARIABLE& Variable : Before) {
         const uint8_t Way = Input.Byte();
         std::vector<uint8_t> Content;
         // Often of the settings' or a history's own size.
@@ -38,8 +28,8 @@ VOID RewriteAll(INPUT& Input)
         for (size_t At = 0; At < Size; At++) {
             Content.push_back(Input.Byte());
         }
-        (void)gBoot->Variables.Set(Of.c_str(), &Owner, 2, 0, nullptr);
-        (void)gBoot->Variables.Set(Of.c_str(), &Owner, 2, Content.size(), Content.data());
+        (void)gBoot->Variables.Set(Variable.Name.c_str(), &Variable.Vendor, 2, 0, nullptr);
+        (void)gBoot->Variables.Set(Variable.Name.c_str(), &Variable.Vendor, 2, Content.size(), Content.data());
     }
 }
 

@@ -9,22 +9,6 @@ const EFI_RUNTIME_SERVICES& FirmwareRuntime() { return *gBoot->FirmwareTable.Run
 
 // --- Memory ---
 
-EFI_STATUS AllocatePages(EFI_ALLOCATE_TYPE Type, EFI_MEMORY_TYPE MemoryType, UINTN Pages, UINT64* Memory)
-{
-    const EFI_STATUS Status = Cross(CALL_ALLOCATE_PAGES, [&] {
-        return Firmware().AllocatePages(Type, MemoryType, Pages, Memory);
-    }, Memory);
-    TraceCall(CALL_ALLOCATE_PAGES).Status(Status).Number("pages", Pages);
-    return Status;
-}
-
-EFI_STATUS FreePages(UINT64 Memory, UINTN Pages)
-{
-    const EFI_STATUS Status = Cross(CALL_FREE_PAGES, [&] { return Firmware().FreePages(Memory, Pages); });
-    TraceCall(CALL_FREE_PAGES).Status(Status).Number("pages", Pages);
-    return Status;
-}
-
 EFI_STATUS GetMemoryMap(UINTN* Size, EFI_MEMORY_DESCRIPTOR* Map, UINTN* Key, UINTN* DescriptorSize,
                         UINT32* DescriptorVersion)
 {
@@ -138,13 +122,6 @@ EFI_STATUS CloseEvent(EFI_EVENT Event)
     return Status;
 }
 
-EFI_STATUS CheckEvent(EFI_EVENT Event)
-{
-    const EFI_STATUS Status = Cross(CALL_CHECK_EVENT, [&] { return Firmware().CheckEvent(Event); });
-    TraceCall(CALL_CHECK_EVENT).Status(Status).Number("event", gBoot->Crossing.NumberEvent(Event));
-    return Status;
-}
-
 // --- Protocols ---
 
 // What the console gets in place of an interface.
@@ -153,25 +130,6 @@ VOID CoverInterface(EFI_STATUS Status, const EFI_GUID* Guid, VOID** Interface)
     if (!EfiError(Status) && Interface != nullptr && *Interface != nullptr) {
         *Interface = gBoot->Board.Cover(*Guid, gBoot->Protocols.Cover(*Interface));
     }
-}
-
-EFI_STATUS InstallProtocolInterface(EFI_HANDLE* Handle, const EFI_GUID* Guid, EFI_INTERFACE_TYPE Type,
-                                    VOID* Interface)
-{
-    const EFI_STATUS Status = Cross(CALL_INSTALL_PROTOCOL_INTERFACE, [&] {
-        return Firmware().InstallProtocolInterface(Handle, Guid, Type, Interface);
-    });
-    TraceCall(CALL_INSTALL_PROTOCOL_INTERFACE).Status(Status).Guid("guid", Guid);
-    return Status;
-}
-
-EFI_STATUS UninstallProtocolInterface(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* Interface)
-{
-    const EFI_STATUS Status = Cross(CALL_UNINSTALL_PROTOCOL_INTERFACE, [&] {
-        return Firmware().UninstallProtocolInterface(Handle, Guid, Interface);
-    });
-    TraceCall(CALL_UNINSTALL_PROTOCOL_INTERFACE).Status(Status).Guid("guid", Guid);
-    return Status;
 }
 
 EFI_STATUS HandleProtocol(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface)
@@ -189,16 +147,6 @@ EFI_STATUS LocateHandle(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid, VOID*
         Cross(CALL_LOCATE_HANDLE, [&] { return Firmware().LocateHandle(Type, Guid, Key, Size, Buffer); },
               OUTPUT_BYTES{Buffer, Size == nullptr ? 0 : *Size}, Size);
     TraceCall(CALL_LOCATE_HANDLE).Status(Status).Guid("guid", Guid);
-    return Status;
-}
-
-EFI_STATUS LocateHandleBuffer(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid, VOID* Key, UINTN* Count,
-                              EFI_HANDLE** Buffer)
-{
-    const EFI_STATUS Status = Cross(CALL_LOCATE_HANDLE_BUFFER, [&] {
-        return Firmware().LocateHandleBuffer(Type, Guid, Key, Count, Buffer);
-    }, Count, Buffer);
-    TraceCall(CALL_LOCATE_HANDLE_BUFFER).Status(Status).Guid("guid", Guid);
     return Status;
 }
 
@@ -353,8 +301,6 @@ EFI_STATUS ClearScreen(EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL* This)
 
 VOID CoverBootServices(EFI_BOOT_SERVICES* Services)
 {
-    Services->AllocatePages = AllocatePages;
-    Services->FreePages = FreePages;
     Services->GetMemoryMap = GetMemoryMap;
     Services->AllocatePool = AllocatePool;
     Services->FreePool = FreePool;
@@ -364,12 +310,8 @@ VOID CoverBootServices(EFI_BOOT_SERVICES* Services)
     Services->WaitForEvent = WaitForEvent;
     Services->SignalEvent = SignalEvent;
     Services->CloseEvent = CloseEvent;
-    Services->CheckEvent = CheckEvent;
-    Services->InstallProtocolInterface = InstallProtocolInterface;
-    Services->UninstallProtocolInterface = UninstallProtocolInterface;
     Services->HandleProtocol = HandleProtocol;
     Services->LocateHandle = LocateHandle;
-    Services->LocateHandleBuffer = LocateHandleBuffer;
     Services->OpenProtocol = OpenProtocol;
     Services->CloseProtocol = CloseProtocol;
     Services->LocateProtocol = LocateProtocol;

@@ -11,8 +11,7 @@ struct CONSOLES {
     std::string OutputText;
     std::string ErrorText;
     std::deque<EFI_INPUT_KEY> Keys;
-    EFI_SIMPLE_TEXT_OUTPUT_MODE OutputMode = {1, 0, 7, 0, 0, 0};
-    EFI_SIMPLE_TEXT_OUTPUT_MODE ErrorMode = {1, 0, 7, 0, 0, 0};
+    EFI_SIMPLE_TEXT_OUTPUT_MODE Mode = {1, 0, 7, 0, 0, 0}; // of both outputs
 
     // UTF-16 to UTF-8, without carriage returns.
     EFI_STATUS Write(bool IsError, const CHAR16* Text);

@@ -86,14 +86,9 @@ VOID DISPLAY::WriteFrameBuffer(UINTN X, UINTN Y, UINTN Width)
 EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY,
                         UINTN DestinationX, UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta)
 {
-    if (Operation >= EfiGraphicsOutputBltOperationMax || Width == 0 || Height == 0 ||
-        (Buffer == nullptr && Operation != EfiBltVideoToVideo)) {
-        return EFI_INVALID_PARAMETER;
-    }
-    const bool ReadsDisplay = Operation == EfiBltVideoToBltBuffer || Operation == EfiBltVideoToVideo;
-    const bool WritesDisplay = Operation != EfiBltVideoToBltBuffer;
-    if ((ReadsDisplay && !Covers(SourceX, SourceY, Width, Height)) ||
-        (WritesDisplay && !Covers(DestinationX, DestinationY, Width, Height))) {
+    const bool Reads = Operation == EfiBltVideoToBltBuffer;
+    if (Operation >= EfiBltVideoToVideo || Buffer == nullptr || Width == 0 || Height == 0 ||
+        !Covers(Reads ? SourceX : DestinationX, Reads ? SourceY : DestinationY, Width, Height)) {
         return EFI_INVALID_PARAMETER;
     }
     const UINTN Pitch = Delta == 0 ? Width * sizeof(PIXEL) : Delta;
@@ -103,30 +98,17 @@ EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operati
     const auto DisplayRow = [&](UINTN X, UINTN Y) { return Pixels + Y * mPanel.Width + X; };
 
     for (UINTN At = 0; At < Height; At++) {
-        switch (Operation) {
-        case EfiBltVideoFill:
+        if (Operation == EfiBltVideoFill) {
             std::fill_n(DisplayRow(DestinationX, DestinationY + At), Width, *Buffer);
-            break;
-        case EfiBltVideoToBltBuffer:
+        } else if (Reads) {
             std::memcpy(BufferRow(DestinationX, DestinationY + At), DisplayRow(SourceX, SourceY + At),
                         Width * sizeof(PIXEL));
-            break;
-        case EfiBltBufferToVideo:
+        } else {
             std::memcpy(DisplayRow(DestinationX, DestinationY + At), BufferRow(SourceX, SourceY + At),
                         Width * sizeof(PIXEL));
-            break;
-        case EfiBltVideoToVideo: {
-            // Downwards moves start at the last row, so that an overlap isn't read after it was written.
-            const UINTN Row = DestinationY > SourceY ? Height - 1 - At : At;
-            std::memmove(DisplayRow(DestinationX, DestinationY + Row), DisplayRow(SourceX, SourceY + Row),
-                         Width * sizeof(PIXEL));
-            break;
-        }
-        case EfiGraphicsOutputBltOperationMax:
-            break;
         }
     }
-    if (WritesDisplay && !mFrameBuffer.empty()) {
+    if (!Reads && !mFrameBuffer.empty()) {
         for (UINTN At = 0; At < Height; At++) {
             WriteFrameBuffer(DestinationX, DestinationY + At, Width);
         }

@@ -39,8 +39,9 @@ struct DISPLAY {
     DISPLAY(const DISPLAY&) = delete;
     DISPLAY& operator=(const DISPLAY&) = delete;
 
-    // The protocol's operation of that name. EFI_INVALID_PARAMETER, with nothing done, for an unknown operation, an empty
-    // rectangle, one that isn't wholly on the display, or a missing buffer. Delta 0 stands for rows of Width pixels.
+    // The protocol's operation of that name, but for moves on the display, which nobody here makes. EFI_INVALID_PARAMETER,
+    // with nothing done, for any other operation, an empty rectangle, one that isn't wholly on the display, or a missing
+    // buffer. Delta 0 stands for rows of Width pixels.
     EFI_STATUS Blt(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX,
                    UINTN SourceY, UINTN DestinationX, UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta);
 

@@ -6,8 +6,7 @@
 
 namespace {
 
-constexpr UINT32 gKnownTypeBits = EVT_TIMER | EVT_RUNTIME | EVT_NOTIFY_WAIT | EVT_NOTIFY_SIGNAL;
-constexpr UINT32 gNotifyBits = EVT_NOTIFY_WAIT | EVT_NOTIFY_SIGNAL;
+constexpr UINT32 gKnownTypeBits = EVT_TIMER | EVT_NOTIFY_SIGNAL;
 // Period 0 means "at every tick of the firmware's timer": 10 ms on the boards in the field.
 constexpr UINT64 gTimerTick = 100000;
 constexpr UINT64 gKeyStep = 32;
@@ -40,19 +39,14 @@ VOID EVENTS::RestoreTpl(EFI_TPL OldTpl)
 EFI_STATUS EVENTS::Create(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context,
                           const EFI_GUID* Group, EFI_EVENT* Event)
 {
-    const bool OfFirmware = Type == EVT_SIGNAL_EXIT_BOOT_SERVICES || Type == EVT_SIGNAL_VIRTUAL_ADDRESS_CHANGE;
-    if (Event == nullptr || (!OfFirmware && (Type & ~gKnownTypeBits) != 0) || (OfFirmware && Group != nullptr)) {
-        return EFI_INVALID_PARAMETER;
-    }
-    if ((Type & gNotifyBits) == gNotifyBits) {
-        return EFI_INVALID_PARAMETER;
-    }
-    if ((Type & gNotifyBits) != 0 && (Notify == nullptr || !IsNotifyTpl(NotifyTpl))) {
+    const bool Notifies = (Type & EVT_NOTIFY_SIGNAL) != 0;
+    if (Event == nullptr || (Type & ~gKnownTypeBits) != 0 ||
+        (Notifies && (Notify == nullptr || !IsNotifyTpl(NotifyTpl)))) {
         return EFI_INVALID_PARAMETER;
     }
     EVENT_RECORD Record = {};
     Record.Type = Type;
-    if ((Type & gNotifyBits) != 0) {
+    if (Notifies) {
         Record.NotifyTpl = NotifyTpl;
         Record.Notify = Notify;
         Record.Context = Context;
@@ -71,7 +65,7 @@ EFI_STATUS EVENTS::Create(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notif
 EFI_STATUS EVENTS::SetTimer(EFI_EVENT Event, EFI_TIMER_DELAY Type, UINT64 TriggerTime)
 {
     EVENT_RECORD* Record = Find(Event);
-    if (Record == nullptr || (Record->Type & EVT_TIMER) == 0 || Type > TimerRelative) {
+    if (Record == nullptr || (Record->Type & EVT_TIMER) == 0 || Type > TimerPeriodic) {
         return EFI_INVALID_PARAMETER;
     }
     const KEY Key = reinterpret_cast<KEY>(Event);
@@ -83,8 +77,8 @@ EFI_STATUS EVENTS::SetTimer(EFI_EVENT Event, EFI_TIMER_DELAY Type, UINT64 Trigge
         return EFI_SUCCESS;
     }
     Record->Armed = true;
-    Record->Period = Type == TimerRelative ? 0 : TriggerTime == 0 ? gTimerTick : TriggerTime;
-    Record->Due = Now() + (Type == TimerPeriodic ? Record->Period : TriggerTime);
+    Record->Period = TriggerTime == 0 ? gTimerTick : TriggerTime;
+    Record->Due = Now() + Record->Period;
     mTimers.push_back(Key);
     return EFI_SUCCESS;
 }
@@ -133,25 +127,6 @@ EFI_STATUS EVENTS::Close(EFI_EVENT Event)
     return EFI_SUCCESS;
 }
 
-EFI_STATUS EVENTS::Check(EFI_EVENT Event)
-{
-    Poll();
-    EVENT_RECORD* Record = Find(Event);
-    if (Record == nullptr || (Record->Type & EVT_NOTIFY_SIGNAL) != 0) {
-        return EFI_INVALID_PARAMETER;
-    }
-    if (!Record->Signalled && (Record->Type & EVT_NOTIFY_WAIT) != 0) {
-        Queue(reinterpret_cast<KEY>(Event), *Record);
-        RunQueued();
-        Record = Find(Event);
-    }
-    if (Record == nullptr || !Record->Signalled) {
-        return EFI_NOT_READY;
-    }
-    Record->Signalled = false;
-    return EFI_SUCCESS;
-}
-
 EFI_STATUS EVENTS::Wait(UINTN Count, EFI_EVENT* Events, UINTN* Index)
 {
     if (Count == 0 || Events == nullptr || Index == nullptr) {
@@ -160,25 +135,23 @@ EFI_STATUS EVENTS::Wait(UINTN Count, EFI_EVENT* Events, UINTN* Index)
     if (mTpl != TPL_APPLICATION) {
         return EFI_UNSUPPORTED;
     }
-    for (;;) {
-        for (UINTN At = 0; At < Count; At++) {
-            const EFI_STATUS Status = Check(Events[At]);
-            if (Status != EFI_NOT_READY) {
-                *Index = At;
-                return Status;
+    for (UINTN At = 0; At < Count; At++) {
+        SignalDueTimers();
+        EVENT_RECORD* Record = Find(Events[At]);
+        const bool Waits = Record != nullptr && (Record->Type & EVT_NOTIFY_SIGNAL) == 0;
+        if (!Waits || Record->Signalled) {
+            *Index = At;
+            if (Waits) {
+                Record->Signalled = false;
             }
+            return Waits ? EFI_SUCCESS : EFI_INVALID_PARAMETER;
         }
-        UINT64 Due;
-        if (!NextDue(&Due)) {
-            mComplaints->Add("WaitForEvent that nothing can end");
-            return EFI_UNSUPPORTED;
-        }
-        const UINT64 Before = Now();
-        mClock->Stall(Due > Before ? (Due - Before + 9) / 10 : 0);
     }
+    mComplaints->Add("WaitForEvent that would sleep");
+    return EFI_UNSUPPORTED;
 }
 
-VOID EVENTS::Poll()
+VOID EVENTS::SignalDueTimers()
 {
     const UINT64 Moment = Now();
     std::vector<KEY> Due;
@@ -193,12 +166,8 @@ VOID EVENTS::Poll()
         if (Record == nullptr || !Record->Armed || Record->Due > Moment) {
             continue; // the notify function of another timer closed it or set it anew
         }
-        if (Record->Period == 0) {
-            (void)SetTimer(Event, TimerCancel, 0);
-        } else {
-            // It keeps its beat: the periods that were slept over count as one.
-            Record->Due += ((Moment - Record->Due) / Record->Period + 1) * Record->Period;
-        }
+        // It keeps its beat: the periods that were slept over count as one.
+        Record->Due += ((Moment - Record->Due) / Record->Period + 1) * Record->Period;
         (void)Signal(Event);
     }
 }
@@ -262,13 +231,4 @@ VOID EVENTS::RunQueued()
             // It may have queued something above this level only at or below its own, so going on here keeps the order.
         }
     }
-}
-
-bool EVENTS::NextDue(UINT64* Due) const
-{
-    *Due = ~0ull;
-    for (const auto& Timer : mTimers) {
-        *Due = std::min(*Due, mEvents.at(Timer).Due);
-    }
-    return !mTimers.empty();
 }

@@ -5,7 +5,8 @@
 // Signalling a member of a group signals every member, the newest first, as the firmwares in the field do, or the other
 // way round: the order is a firmware's own, so nobody may count on one.
 //
-// Timers are looked at whenever the clock can have moved: Poll is called by every wait and check and after each move.
+// Timers are looked at by every wait. What no program of this house asks for is refused: timers that fire once, events
+// that are asked with a notify function of their own, and waits that would sleep.
 #pragma once
 
 #include <deque>
@@ -15,10 +16,6 @@
 #include "platform/host/Clock.h"
 #include "platform/host/Complaints.h"
 #include "uefi/SystemTable.h"
-
-constexpr UINT32 EVT_RUNTIME = 0x40000000;
-constexpr UINT32 EVT_SIGNAL_EXIT_BOOT_SERVICES = 0x00000201;
-constexpr UINT32 EVT_SIGNAL_VIRTUAL_ADDRESS_CHANGE = 0x60000202;
 
 struct EVENT_RECORD {
     UINT32 Type;
@@ -31,7 +28,7 @@ struct EVENT_RECORD {
     bool Queued;
     bool Armed;
     UINT64 Due;    // 100 ns on the clock
-    UINT64 Period; // 100 ns; 0 for a timer that fires once
+    UINT64 Period; // 100 ns
 };
 
 struct EVENTS {
@@ -52,13 +49,10 @@ struct EVENTS {
     EFI_STATUS SetTimer(EFI_EVENT Event, EFI_TIMER_DELAY Type, UINT64 TriggerTime);
     EFI_STATUS Signal(EFI_EVENT Event);
     EFI_STATUS Close(EFI_EVENT Event);
-    EFI_STATUS Check(EFI_EVENT Event);
     // Walks the array and stops at the first entry that isn't a waiting event, so at an empty handle it gives that index
-    // and EFI_INVALID_PARAMETER. Where every entry waits, a virtual clock moves on to the next timer, and the machine's
-    // own is slept on; a wait that nothing can end is refused with EFI_UNSUPPORTED and a complaint.
+    // and EFI_INVALID_PARAMETER. Where every entry waits, a firmware would sleep; that is refused with EFI_UNSUPPORTED and
+    // a complaint, as the console may never stand still.
     EFI_STATUS Wait(UINTN Count, EFI_EVENT* Events, UINTN* Index);
-    // Signals the timers that are due.
-    VOID Poll();
 
     // For an image that goes: the events created since Mark stay, as a firmware keeps them, but their notify functions are
     // gone with the image. A signal that reaches one is complained of. Gives their number.
@@ -75,7 +69,7 @@ private:
     VOID Queue(KEY Key, EVENT_RECORD& Record);
     VOID QueueSignalled(KEY Key, EVENT_RECORD& Record);
     VOID RunQueued();
-    bool NextDue(UINT64* Due) const;
+    VOID SignalDueTimers();
     UINT64 Now() const { return mClock->Nanoseconds() / 100; }
 
     CLOCK* mClock;

@@ -57,10 +57,10 @@ EFI_STATUS GetTimerValue(EFI_CPU_ARCH_PROTOCOL*, UINT32 Index, UINT64* Value, UI
 }
 
 EFI_STATUS StringToImage(const EFI_HII_FONT_PROTOCOL*, EFI_HII_OUT_FLAGS Flags, const CHAR16* String,
-                         const EFI_FONT_DISPLAY_INFO* Information, EFI_IMAGE_OUTPUT** Image, UINTN X, UINTN Y,
-                         EFI_HII_ROW_INFO** Rows, UINTN* RowCount, UINTN* Columns)
+                         const EFI_FONT_DISPLAY_INFO* Information, EFI_IMAGE_OUTPUT** Image, UINTN, UINTN,
+                         EFI_HII_ROW_INFO** Rows, UINTN* RowCount, UINTN*)
 {
-    return RenderString(*gBoot, Flags, String, Information, Image, X, Y, Rows, RowCount, Columns);
+    return RenderString(*gBoot, Flags, String, Information, Image, Rows, RowCount);
 }
 
 // --- As the console gets them ---

@@ -7,7 +7,6 @@
 namespace {
 
 constexpr UINTN gHandleStep = 64;
-constexpr UINT32 gClaims = EFI_OPEN_PROTOCOL_BY_DRIVER | EFI_OPEN_PROTOCOL_EXCLUSIVE;
 
 } // namespace
 
@@ -32,16 +31,6 @@ EFI_STATUS HANDLES::Install(EFI_HANDLE* Handle, const EFI_GUID* Guid, VOID* Inte
     return EFI_SUCCESS;
 }
 
-EFI_STATUS HANDLES::Reinstall(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* OldInterface, VOID* NewInterface)
-{
-    PROTOCOL_ON_HANDLE* Protocol = Guid == nullptr ? nullptr : FindOn(Handle, *Guid);
-    if (Protocol == nullptr || Protocol->Interface != OldInterface) {
-        return Guid == nullptr ? EFI_INVALID_PARAMETER : EFI_NOT_FOUND;
-    }
-    Protocol->Interface = NewInterface;
-    return EFI_SUCCESS;
-}
-
 EFI_STATUS HANDLES::Uninstall(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* Interface)
 {
     const auto Owner = mHandles.find(Handle);
@@ -54,11 +43,6 @@ EFI_STATUS HANDLES::Uninstall(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* Int
     if (Protocol == Owner->second.end()) {
         return EFI_NOT_FOUND;
     }
-    for (const PROTOCOL_USE& Use : Protocol->Uses) {
-        if ((Use.Attributes & gClaims) != 0) {
-            return EFI_ACCESS_DENIED;
-        }
-    }
     Owner->second.erase(Protocol);
     if (Owner->second.empty()) {
         mHandles.erase(Owner);
@@ -67,37 +51,19 @@ EFI_STATUS HANDLES::Uninstall(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* Int
 }
 
 EFI_STATUS HANDLES::Open(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface, EFI_HANDLE Agent,
-                         EFI_HANDLE Controller, UINT32 Attributes)
+                         EFI_HANDLE Controller)
 {
-    if (Guid == nullptr || mHandles.count(Handle) == 0 ||
-        (Interface == nullptr && Attributes != EFI_OPEN_PROTOCOL_TEST_PROTOCOL)) {
+    if (Guid == nullptr || Interface == nullptr || mHandles.count(Handle) == 0) {
         return EFI_INVALID_PARAMETER;
     }
-    if (Interface != nullptr) {
-        *Interface = nullptr;
-    }
+    *Interface = nullptr;
     PROTOCOL_ON_HANDLE* Protocol = FindOn(Handle, *Guid);
     if (Protocol == nullptr) {
         return EFI_UNSUPPORTED;
     }
-    if (Attributes == EFI_OPEN_PROTOCOL_TEST_PROTOCOL) {
-        return EFI_SUCCESS;
-    }
-    PROTOCOL_USE* Same = nullptr;
-    for (PROTOCOL_USE& Use : Protocol->Uses) {
-        if (Use.Agent == Agent && Use.Controller == Controller && Use.Attributes == Attributes) {
-            Same = &Use;
-        } else if ((Attributes & gClaims) != 0 && (Use.Attributes & gClaims) != 0) {
-            return EFI_ACCESS_DENIED;
-        }
-    }
-    if (Same != nullptr && (Attributes & gClaims) != 0) {
-        return EFI_ALREADY_STARTED;
-    }
-    if (Same != nullptr) {
-        Same->Count++;
-    } else {
-        Protocol->Uses.push_back({Agent, Controller, Attributes, 1});
+    const PROTOCOL_USE Use = {Agent, Controller};
+    if (std::find(Protocol->Uses.begin(), Protocol->Uses.end(), Use) == Protocol->Uses.end()) {
+        Protocol->Uses.push_back(Use);
     }
     *Interface = Protocol->Interface;
     return EFI_SUCCESS;
@@ -112,10 +78,7 @@ EFI_STATUS HANDLES::Close(EFI_HANDLE Handle, const EFI_GUID* Guid, EFI_HANDLE Ag
     if (Protocol == nullptr) {
         return EFI_NOT_FOUND;
     }
-    const UINTN Closed = std::erase_if(Protocol->Uses, [&](const PROTOCOL_USE& Use) {
-        return Use.Agent == Agent && Use.Controller == Controller;
-    });
-    return Closed == 0 ? EFI_NOT_FOUND : EFI_SUCCESS;
+    return std::erase(Protocol->Uses, PROTOCOL_USE{Agent, Controller}) == 0 ? EFI_NOT_FOUND : EFI_SUCCESS;
 }
 
 EFI_STATUS HANDLES::Locate(const EFI_GUID* Guid, VOID** Interface) const
@@ -145,24 +108,9 @@ std::vector<EFI_HANDLE> HANDLES::Find(const EFI_GUID* Guid) const
     return Found;
 }
 
-EFI_STATUS HANDLES::ListProtocols(EFI_HANDLE Handle, std::vector<const EFI_GUID*>* Guids) const
-{
-    const auto Owner = mHandles.find(Handle);
-    if (Owner == mHandles.end()) {
-        return EFI_INVALID_PARAMETER;
-    }
-    Guids->clear();
-    for (const PROTOCOL_ON_HANDLE& Protocol : Owner->second) {
-        if (!IsHidden(Protocol.Guid)) {
-            Guids->push_back(&Protocol.Guid);
-        }
-    }
-    return EFI_SUCCESS;
-}
-
 const std::vector<PROTOCOL_USE>* HANDLES::Uses(EFI_HANDLE Handle, const EFI_GUID* Guid) const
 {
-    const PROTOCOL_ON_HANDLE* Protocol = Guid == nullptr ? nullptr : FindOn(Handle, *Guid);
+    const PROTOCOL_ON_HANDLE* Protocol = FindOn(Handle, *Guid);
     return Protocol == nullptr ? nullptr : &Protocol->Uses;
 }
 

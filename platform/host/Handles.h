@@ -11,8 +11,8 @@
 struct PROTOCOL_USE {
     EFI_HANDLE Agent;
     EFI_HANDLE Controller;
-    UINT32 Attributes;
-    UINT32 Count;
+
+    bool operator==(const PROTOCOL_USE&) const = default;
 };
 
 struct PROTOCOL_ON_HANDLE {
@@ -28,21 +28,18 @@ struct HANDLES {
 
     // A null *Handle asks for a new one. A protocol that the handle has already is refused.
     EFI_STATUS Install(EFI_HANDLE* Handle, const EFI_GUID* Guid, VOID* Interface);
-    EFI_STATUS Reinstall(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* OldInterface, VOID* NewInterface);
-    // EFI_ACCESS_DENIED while somebody has it open by driver or exclusively; the other uses end with the protocol. A
-    // handle without protocols is gone.
+    // Its uses end with the protocol. A handle without protocols is gone.
     EFI_STATUS Uninstall(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* Interface);
 
-    EFI_STATUS Open(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface, EFI_HANDLE Agent,
-                    EFI_HANDLE Controller, UINT32 Attributes);
+    // Nobody here claims a protocol for himself: all opening is alike, and may be done again and again.
+    EFI_STATUS Open(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface, EFI_HANDLE Agent, EFI_HANDLE Controller);
+    // EFI_NOT_FOUND for what isn't open.
     EFI_STATUS Close(EFI_HANDLE Handle, const EFI_GUID* Guid, EFI_HANDLE Agent, EFI_HANDLE Controller);
     // The interface on the first handle that has the protocol.
     EFI_STATUS Locate(const EFI_GUID* Guid, VOID** Interface) const;
     // The handles that have it, in the order of their making; every handle for a null Guid.
     std::vector<EFI_HANDLE> Find(const EFI_GUID* Guid) const;
-    // The identifiers on a handle; the pointers hold until the handle changes. EFI_INVALID_PARAMETER for no handle.
-    EFI_STATUS ListProtocols(EFI_HANDLE Handle, std::vector<const EFI_GUID*>* Guids) const;
-    // The uses of a protocol; null if it isn't there.
+    // The uses of a protocol, for tests; null if it isn't there.
     const std::vector<PROTOCOL_USE>* Uses(EFI_HANDLE Handle, const EFI_GUID* Guid) const;
 
     // A protocol of this GUID is as if it weren't there, whoever installs it.

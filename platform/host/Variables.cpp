@@ -77,30 +77,3 @@ EFI_STATUS VARIABLES::Set(const CHAR16* Name, const EFI_GUID* Vendor, UINT32 Att
     Variable->Data.assign(Bytes, Bytes + Size);
     return EFI_SUCCESS;
 }
-
-EFI_STATUS VARIABLES::GetNext(UINTN* NameSize, CHAR16* Name, EFI_GUID* Vendor) const
-{
-    if (NameSize == nullptr || Name == nullptr || Vendor == nullptr) {
-        return EFI_INVALID_PARAMETER;
-    }
-    UINTN Next = 0;
-    if (*Name != 0) {
-        const VARIABLE* Variable = Find(Name, *Vendor);
-        if (Variable == nullptr) {
-            return EFI_INVALID_PARAMETER;
-        }
-        Next = static_cast<UINTN>(Variable - mVariables.data()) + 1;
-    }
-    if (Next >= mVariables.size()) {
-        return EFI_NOT_FOUND;
-    }
-    const UINTN Needed = (mVariables[Next].Name.size() + 1) * sizeof(CHAR16);
-    const UINTN Room = *NameSize;
-    *NameSize = Needed;
-    if (Room < Needed) {
-        return EFI_BUFFER_TOO_SMALL;
-    }
-    std::memcpy(Name, mVariables[Next].Name.c_str(), Needed);
-    *Vendor = mVariables[Next].Vendor;
-    return EFI_SUCCESS;
-}

@@ -22,12 +22,10 @@ struct VARIABLES {
     EFI_STATUS Get(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* Attributes, UINTN* Size, VOID* Data) const;
     // Size 0, or attributes without access, deletes. A variable is only rewritten with the attributes it has.
     EFI_STATUS Set(const CHAR16* Name, const EFI_GUID* Vendor, UINT32 Attributes, UINTN Size, const VOID* Data);
-    // An empty name gives the first variable; *NameSize is in bytes.
-    EFI_STATUS GetNext(UINTN* NameSize, CHAR16* Name, EFI_GUID* Vendor) const;
 
     // The stored variable, for tests; null if there is none.
     const VARIABLE* Find(const CHAR16* Name, const EFI_GUID& Vendor) const;
-    UINTN Count() const { return mVariables.size(); }
+    const std::vector<VARIABLE>& All() const { return mVariables; }
 
 private:
     std::vector<VARIABLE> mVariables; // in the order of their first writing

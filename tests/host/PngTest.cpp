@@ -35,18 +35,6 @@ TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes)
               (std::vector<UINT32>{0x00FF0000, 0x0000FF00, 0x000000FF, 0x00345678, 0x00000000, 0x00FFFFFF}));
 }
 
-TEST(Png, GivesTheSameBytesForTheSamePixelsWhateverTheirReservedBytes)
-{
-    const TestFolder Folder;
-    const std::string First = Folder.File("first.png");
-    const std::string Second = Folder.File("second.png");
-    const UINT32 Clear[] = {0x00102030, 0x00405060};
-    const UINT32 Set[] = {0xFF102030, 0x7F405060};
-    ASSERT_TRUE(WritePng(First.c_str(), Clear, 2, 1));
-    ASSERT_TRUE(WritePng(Second.c_str(), Set, 2, 1));
-    EXPECT_EQ(ReadBytes(First), ReadBytes(Second));
-}
-
 TEST(Png, SaysWhenAFileCannotBeWrittenOrReadAndLeavesTheResultAlone)
 {
     const TestFolder Folder;

@@ -67,21 +67,4 @@ TEST_F(PoolTest, WhatAStartHoldsIsListedWithoutOlderBlocks)
     EXPECT_EQ(Held[0].Owner[0], this);
 }
 
-TEST_F(PoolTest, AnAllocationFailsAloneOrWithAllThatFollowCountedFromTheStart)
-{
-    VOID* Block;
-    ASSERT_EQ(Take(1, &Block), EFI_SUCCESS); // before the start: doesn't count
-    Pool.BeginStart(1);
-    Pool.FailOnly = 2;
-    EXPECT_EQ(Take(1, &Block), EFI_SUCCESS);
-    EXPECT_EQ(Take(1, &Block), EFI_OUT_OF_RESOURCES);
-    EXPECT_EQ(Take(1, &Block), EFI_SUCCESS);
-    Pool.BeginStart(2);
-    Pool.FailOnly = 0;
-    Pool.FailFrom = 2;
-    EXPECT_EQ(Take(1, &Block), EFI_SUCCESS);
-    EXPECT_EQ(Take(1, &Block), EFI_OUT_OF_RESOURCES);
-    EXPECT_EQ(Take(1, &Block), EFI_OUT_OF_RESOURCES);
-}
-
 } // namespace

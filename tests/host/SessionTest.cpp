@@ -196,24 +196,6 @@ TEST_F(SessionTest, ASettingThatNoFanMayGetIsComplainedOfEvenWhereTheCallFails)
     EXPECT_EQ(Result.Complaints.size(), 4u);
 }
 
-TEST_F(SessionTest, TimerAndCountBeginWhereTheyAreToldAndGoOverTheirEnds)
-{
-    Options.TimerAtStart = ~0ull - 1499;
-    Options.CountAtStart = ~0ull - 1;
-    EFI_CPU_ARCH_PROTOCOL* Processor = nullptr;
-    gAtStart = [&] { Processor = Locate<EFI_CPU_ARCH_PROTOCOL>(gEfiCpuArchProtocolGuid); };
-    gTurn = [&] {
-        UINT64 Value = 0;
-        UINT64 Count = 0;
-        EXPECT_EQ(Processor->GetTimerValue(Processor, 0, &Value, nullptr), EFI_SUCCESS);
-        EXPECT_EQ(gTable->BootServices->GetNextMonotonicCount(&Count), EFI_SUCCESS);
-        Seen += std::to_string(static_cast<INT64>(Value)) + "/" + std::to_string(static_cast<INT64>(Count)) + " ";
-        return true;
-    };
-    (void)Play("turn\nadvance 1\nturn\nadvance 1\nturn\nkey esc\nturn\n");
-    EXPECT_EQ(Seen, "-1500/-1 -500/0 500/1 500/2 ");
-}
-
 TEST_F(SessionTest, ReadingsStringsAndFailuresTakeTheBoardsPlace)
 {
     gAtStart = [&] {
@@ -239,42 +221,6 @@ TEST_F(SessionTest, ReadingsStringsAndFailuresTakeTheBoardsPlace)
     (void)Play("reading 0 4321\nreading 1 absent\nreading 2 error\nstring 31 null\nstring 4 Fan \xC3\xB8\n"
                "fail GetFan10Setting OUT_OF_RESOURCES 2\n");
     EXPECT_EQ(Seen, "0/4321/1 0/0/0 7/77/9 ");
-}
-
-TEST_F(SessionTest, AMissingProtocolIsMissingAndItsStatusComesBack)
-{
-    gAtStart = [] { gReturned = gCursor == nullptr ? EFI_PROTOCOL_ERROR : EFI_SUCCESS; };
-    SESSION_RESULT Result = Play("without CURSOR_SERVICE_PROTOCOL\n");
-    EXPECT_EQ(Result.Status, EFI_PROTOCOL_ERROR);
-    EXPECT_NE(Lines(Result, "LocateProtocol").at(0).find("\"status\":\"0x800000000000000e\""), std::string::npos);
-    EXPECT_NE(Lines(Result, "Return").at(0).find("\"status\":\"0x8000000000000018\""), std::string::npos);
-    Result = Play("");
-    EXPECT_EQ(Result.Status, EFI_SUCCESS) << "the next session has it again";
-}
-
-TEST_F(SessionTest, ArtworkCanBeMissingOrAnswerUnderAnotherType)
-{
-    gAtStart = [&] {
-        IMAGE_SECTION_PROTOCOL* Sections = Locate<IMAGE_SECTION_PROTOCOL>(gImageSectionProtocolGuid);
-        for (const UINT32 Instance : {20u, 21u}) {
-            for (const UINT8 Type : {EFI_SECTION_RAW, EFI_SECTION_PE32}) {
-                VOID* Data = nullptr;
-                UINTN Size = 0;
-                const EFI_STATUS Status =
-                    Sections->GetArtworkSection(Instance, &Data, &Size, &gArtworkFileGuid, &Type);
-                Seen += EfiError(Status) ? "-" : "+";
-                if (!EfiError(Status)) {
-                    (void)gTable->BootServices->FreePool(Data);
-                }
-            }
-        }
-        Seen += " ";
-    };
-    (void)Play("");
-    (void)Play("artwork 20 none\n");
-    (void)Play("artwork type 16\n");
-    (void)Play("");
-    EXPECT_EQ(Seen, "+-+- --+- -+-+ +-+- ");
 }
 
 TEST_F(SessionTest, TheTraceSaysWhatCrossedTheTablesInItsOrder)
@@ -364,19 +310,6 @@ TEST_F(SessionTest, PoolCallsAreTracedOnRequestAndTheLimitCountsFromTheStart)
     EXPECT_NE(Lines(Result, "Return").at(0).find(R"("blocks":1,"bytes":24})"), std::string::npos);
 }
 
-TEST_F(SessionTest, ScreenshotsShowTheDisplayAtTheirTurn)
-{
-    gTurn = [] {
-        EFI_GRAPHICS_OUTPUT_PROTOCOL* Display = Locate<EFI_GRAPHICS_OUTPUT_PROTOCOL>(gEfiGraphicsOutputProtocolGuid);
-        EFI_GRAPHICS_OUTPUT_BLT_PIXEL Color = {static_cast<UINT8>(gX), 0, 0, 0};
-        return Display->Blt(Display, &Color, EfiBltVideoFill, 0, 0, 0, 0, 1, 1, 0) == EFI_SUCCESS;
-    };
-    const SESSION_RESULT Result = Play("pointer 3 1\nturn\nscreenshot one\npointer 4 1\nturn\n");
-    EXPECT_EQ(Result.Pictures.at("one").at(0), 3u);
-    EXPECT_EQ(Result.Display.at(0), 4u);
-    EXPECT_EQ(Result.Display.size(), 1024u * 768);
-}
-
 TEST_F(SessionTest, TheSameScriptAndSeedGiveTheSameTrace)
 {
     gTurn = [] {
@@ -390,33 +323,6 @@ TEST_F(SessionTest, TheSameScriptAndSeedGiveTheSameTrace)
     EXPECT_EQ(First, Play(Script).Trace);
     Options.Seed = 2;
     EXPECT_NE(First, Play(Script).Trace);
-}
-
-TEST_F(SessionTest, AShellsArgumentsStandOnTheImagesHandleAndOnlyWhenThereIsAShell)
-{
-    struct SHELL_PARAMETERS {
-        CHAR16** Argv;
-        UINTN Argc;
-    };
-    static constexpr EFI_GUID Guid = {
-        0x752F3136, 0x4E16, 0x4FDC, {0xA2, 0x2A, 0xE5, 0xF4, 0x68, 0x12, 0xF4, 0xCA}};
-    static std::string Arguments;
-    Options.Entry = [](EFI_HANDLE Image, EFI_SYSTEM_TABLE* Table) -> EFI_STATUS {
-        VOID* Found;
-        const EFI_STATUS Status = Table->BootServices->OpenProtocol(Image, &Guid, &Found, Image, nullptr,
-                                                                    EFI_OPEN_PROTOCOL_GET_PROTOCOL);
-        if (!EfiError(Status)) {
-            const SHELL_PARAMETERS* Shell = static_cast<SHELL_PARAMETERS*>(Found);
-            for (UINTN At = 1; At < Shell->Argc; At++) {
-                Arguments += ToUtf8(Shell->Argv[At]) + ";";
-            }
-        }
-        return Status;
-    };
-    EXPECT_EQ(Play("").Status, EFI_UNSUPPORTED);
-    Options.ShellArguments = {{"-v", "x y"}};
-    EXPECT_EQ(Play("").Status, EFI_SUCCESS);
-    EXPECT_EQ(Arguments, "-v;x y;");
 }
 
 TEST_F(SessionTest, AnImageIsLoadedFreshForEachStart)

@@ -34,19 +34,6 @@ TEST(SystemFont, HasADifferentGlyphForEveryPrintableCharacterOfAsciiAndALookForA
     }
 }
 
-TEST(SystemFont, StandsUprightWithTheLeftmostPixelInTheHighestBit)
-{
-    const UINT8* L = SystemFontGlyph(u'L');
-    const UINTN Last = SYSTEM_FONT_BASELINE - 1;
-    // A stem at the left, a foot to the right of it, nothing below the baseline.
-    EXPECT_NE(L[Last - 5] & 0xE0, 0);
-    EXPECT_EQ(L[Last - 5] & 0x0F, 0);
-    EXPECT_NE(L[Last] & 0x0E, 0);
-    EXPECT_FALSE(HasInk(L, SYSTEM_FONT_BASELINE, SYSTEM_FONT_HEIGHT));
-    EXPECT_TRUE(HasInk(SystemFontGlyph(u'g'), SYSTEM_FONT_BASELINE, SYSTEM_FONT_HEIGHT));
-    EXPECT_FALSE(HasInk(SystemFontGlyph(u' '), 0, SYSTEM_FONT_HEIGHT));
-}
-
 TEST(SystemFont, ShowsTheCodeOfTheConsolesDegreeSignAsADegreeSign)
 {
     const UINT8* Rows = SystemFontGlyph(0x00F8);
@@ -58,9 +45,3 @@ TEST(SystemFont, ShowsTheCodeOfTheConsolesDegreeSignAsADegreeSign)
     EXPECT_TRUE(HasInk(SystemFontGlyph(0x00D8), 8, SYSTEM_FONT_BASELINE));
 }
 
-TEST(SystemFont, HasNoGlyphForWhatTheSourceDoesNotDraw)
-{
-    EXPECT_EQ(SystemFontGlyph(0x0000), nullptr);
-    EXPECT_EQ(SystemFontGlyph(0x4E00), nullptr);
-    EXPECT_EQ(SystemFontGlyph(0xFFFF), nullptr);
-}
