@@ -5,7 +5,6 @@
 #include "platform/board/ArtworkPack.h"
 #include "platform/board/BootScreen.h"
 #include "platform/board/SimulatedBoard.h"
-#include "platform/host/ConsoleTables.h"
 #include "platform/host/FirmwareTables.h"
 
 BOOT* gBoot = nullptr;
@@ -45,36 +44,22 @@ BOOT::BOOT(const BOOT_OPTIONS& Options)
         Handles.Hide(Guid);
     }
 
-    FillBootServices(&mFirmwareBootServices);
-    FillRuntimeServices(&mFirmwareRuntimeServices);
-    mConsoleBootServices = mFirmwareBootServices;
-    mConsoleRuntimeServices = mFirmwareRuntimeServices;
-    CoverBootServices(&mConsoleBootServices);
-    CoverRuntimeServices(&mConsoleRuntimeServices);
-    for (UINTN At = 0; At < 4; At++) {
-        FillTextOutput(&mTextOutputs[At], At % 2 == 1);
-    }
-    FillTextInput(&mTextInputs[0]);
-    mTextInputs[1] = mTextInputs[0];
-    CoverTextOutput(&mTextOutputs[2]);
-    CoverTextOutput(&mTextOutputs[3]);
-    CoverTextInput(&mTextInputs[1]);
-
+    FillBootServices(&mBootServices);
+    FillRuntimeServices(&mRuntimeServices);
+    FillTextInput(&mTextInput);
+    FillTextOutput(&mTextOutput, false);
+    FillTextOutput(&mErrorOutput, true);
     FirmwareTable = {};
     FirmwareTable.Hdr = {gSystemTableSignature, gRevision, sizeof(EFI_SYSTEM_TABLE), 0, 0};
     FirmwareTable.FirmwareVendor = gFirmwareVendor;
     FirmwareTable.FirmwareRevision = 1;
-    FirmwareTable.ConIn = &mTextInputs[0];
-    FirmwareTable.ConOut = &mTextOutputs[0];
-    FirmwareTable.StdErr = &mTextOutputs[1];
-    FirmwareTable.RuntimeServices = &mFirmwareRuntimeServices;
-    FirmwareTable.BootServices = &mFirmwareBootServices;
+    FirmwareTable.ConIn = &mTextInput;
+    FirmwareTable.ConOut = &mTextOutput;
+    FirmwareTable.StdErr = &mErrorOutput;
+    FirmwareTable.RuntimeServices = &mRuntimeServices;
+    FirmwareTable.BootServices = &mBootServices;
     ConsoleTable = FirmwareTable;
-    ConsoleTable.ConIn = &mTextInputs[1];
-    ConsoleTable.ConOut = &mTextOutputs[2];
-    ConsoleTable.StdErr = &mTextOutputs[3];
-    ConsoleTable.RuntimeServices = &mConsoleRuntimeServices;
-    ConsoleTable.BootServices = &mConsoleBootServices;
+    Console.CoverSystemTable(&ConsoleTable);
 
     Protocols.Fill(&Display.Mode);
     if (NeedsDisplayLayer(&Display.Mode)) {

@@ -17,9 +17,9 @@
 
 #include "platform/board/BoardServices.h"
 #include "platform/display/DisplayLayer.h"
-#include "platform/host/BoardProxy.h"
 #include "platform/host/Clock.h"
 #include "platform/host/Complaints.h"
+#include "platform/host/ConsoleTables.h"
 #include "platform/host/Consoles.h"
 #include "platform/host/Crossing.h"
 #include "platform/host/Display.h"
@@ -43,6 +43,7 @@ struct BOOT_OPTIONS {
     const UINT8* ArtworkPack = nullptr; // the pack that the build made, or a test's own
     UINTN ArtworkPackSize = 0;
     UINT64 TimerAtStart = 0; // what the CPU's timer shows when the machine is switched on
+    UINT64 TimerPeriod = 1000000; // femtoseconds of one of its ticks
     UINT64 CountAtStart = 0; // and the monotonic count
     bool LowTextPictures = false; // see TextImage.h
     PANEL Panel = {};             // the display; the console sees 1024 by 768 whatever it is
@@ -75,7 +76,7 @@ struct BOOT {
     TRACE Trace;
     CROSSING Crossing;
     FIRMWARE_PROTOCOLS Protocols;
-    BOARD_PROXY Board;
+    CONSOLE_TABLES Console;
 
     EFI_SYSTEM_TABLE FirmwareTable;
     EFI_SYSTEM_TABLE ConsoleTable;
@@ -105,13 +106,13 @@ private:
     EFI_HANDLE mBoardHandle = nullptr;
     DISPLAY_LAYER* mLayer = nullptr; // null: the console works on the display itself
     UINTN mLayerBlocks = 0; // the first of the pool, which the layer holds
-    EFI_BOOT_SERVICES mFirmwareBootServices = {};
-    EFI_BOOT_SERVICES mConsoleBootServices = {};
-    EFI_RUNTIME_SERVICES mFirmwareRuntimeServices = {};
-    EFI_RUNTIME_SERVICES mConsoleRuntimeServices = {};
-    EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mTextOutputs[4] = {};
-    EFI_SIMPLE_TEXT_INPUT_PROTOCOL mTextInputs[2] = {};
+    EFI_BOOT_SERVICES mBootServices = {};
+    EFI_RUNTIME_SERVICES mRuntimeServices = {};
+    EFI_SIMPLE_TEXT_INPUT_PROTOCOL mTextInput = {};
+    EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mTextOutput = {};
+    EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mErrorOutput = {};
 };
 
-// The boot that the tables' functions work on; null between two boots.
+// The boot that the tables' functions work on, which carry no context: for them, and for tests whose code is called without
+// one. Null between two boots.
 extern BOOT* gBoot;

@@ -1,15 +1,13 @@
 // The operations that the console can call across the firmware's tables, under the names that the trace writes and
-// scripts use.
+// scripts use. Whatever else there is to say of an operation stands in its row of the table in Calls.cpp.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "uefi/Base.h"
 
 enum CALL : UINT8 {
-    CALL_START, // the console's start and return: no operations, but lines of the trace
-    CALL_RETURN,
-
     CALL_GET_MEMORY_MAP,
     CALL_ALLOCATE_POOL,
     CALL_FREE_POOL,
@@ -78,5 +76,7 @@ enum CALL : UINT8 {
 const char* NameCall(CALL Call);
 // False for an unknown name.
 bool FindCall(std::string_view Name, CALL* Call);
-// True where the operation gives a status, so that a script can make it fail.
-bool CallHasStatus(CALL Call);
+// The error statuses that it may give, by the UEFI specification or as far as the contract of the board's services leaves
+// them open; none for an operation that gives no status.
+std::span<const EFI_STATUS> StatusesOf(CALL Call);
+inline bool CallHasStatus(CALL Call) { return !StatusesOf(Call).empty(); }

@@ -53,12 +53,6 @@ UINT64 CROSSING::NumberEvent(EFI_EVENT Event) const
     return Found == mEvents.end() ? 0 : Found->second;
 }
 
-UINT64 CROSSING::AddEvent(EFI_EVENT Event)
-{
-    mEvents[Event] = ++mEventsMade;
-    return mEventsMade;
-}
-
 VOID CROSSING::BeginTurn(TRACE& Trace)
 {
     Trace.Turn++;

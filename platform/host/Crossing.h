@@ -38,6 +38,7 @@ struct OVERRIDES {
         UINT64 Left; // calls that still fail
     };
     FAILURE Failures[CALL_COUNT] = {};
+    UINT64 Slow[CALL_COUNT] = {}; // microseconds of the clock that a call takes
     std::map<UINT8, READING_OVERRIDE> Readings;
     std::map<UINT8, std::optional<std::u16string>> Strings; // nothing: a null string
     FAILURE_PLAN Plan;
@@ -62,8 +63,7 @@ struct CROSSING {
 
     // Number of an event, 0 for one that isn't known.
     UINT64 NumberEvent(EFI_EVENT Event) const;
-    UINT64 AddEvent(EFI_EVENT Event);
-    VOID ForgetEvent(EFI_EVENT Event) { mEvents.erase(Event); }
+    VOID AddEvent(EFI_EVENT Event) { mEvents[Event] = ++mEventsMade; }
 
 private:
     VOID BeginTurn(TRACE& Trace);

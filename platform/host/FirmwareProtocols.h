@@ -1,5 +1,4 @@
 // The protocols that the firmware itself has beside its tables: graphics output, the processor's timer, the system font.
-// Each exists twice, as it is and as the console gets it.
 #pragma once
 
 #include "uefi/CpuArch.h"
@@ -9,11 +8,8 @@ struct HANDLES;
 
 struct FIRMWARE_PROTOCOLS {
     EFI_GRAPHICS_OUTPUT_PROTOCOL GraphicsOutput = {};
-    EFI_GRAPHICS_OUTPUT_PROTOCOL ConsoleGraphicsOutput = {};
     EFI_CPU_ARCH_PROTOCOL Processor = {};
-    EFI_CPU_ARCH_PROTOCOL ConsoleProcessor = {};
     EFI_HII_FONT_PROTOCOL Font = {};
-    EFI_HII_FONT_PROTOCOL ConsoleFont = {};
 
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Shown = nullptr; // what everybody finds: GraphicsOutput, or a layer over it
 
@@ -21,6 +17,4 @@ struct FIRMWARE_PROTOCOLS {
     VOID Fill(EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* DisplayMode);
     // Installs all of them, and those of the HII family that a program only looks for.
     VOID Install(HANDLES& Handles);
-    // What the console gets for an interface; the interface itself for one that isn't covered.
-    VOID* Cover(VOID* Interface);
 };

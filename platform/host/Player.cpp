@@ -117,6 +117,9 @@ VOID PLAYER::Do(BOOT& Boot, const SCRIPT_COMMAND& Command)
     case SCRIPT_FAIL:
         Overrides.Fail(Command.Call, Command.Status, Command.Count);
         break;
+    case SCRIPT_SLOW:
+        Overrides.Slow[Command.Call] = Command.Count;
+        break;
     case SCRIPT_WITHOUT:
         Boot.Handles.Hide(Command.Guid);
         mHidden.push_back(Command.Guid);

@@ -217,6 +217,15 @@ const char* ParseFail(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
     return ParseRepeat(Arguments, Command);
 }
 
+const char* ParseSlow(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
+{
+    if (!FindCall(Arguments.Next(), &Command.Call)) {
+        return "the name of an operation, as in the trace";
+    }
+    const bool Good = ParseNumber(Arguments.Next(), &Command.Count) && Command.Count <= gLongestAdvance;
+    return Good ? nullptr : "slow CALL US, in microseconds, at most 10^15";
+}
+
 const char* ParseWithout(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
 {
     const std::string_view Name = Arguments.Next();
@@ -282,6 +291,7 @@ constexpr VERB_FACTS gVerbs[] = {
     {"setting", SCRIPT_SETTING, ParseSetting, false},
     {"default", SCRIPT_DEFAULT, ParseSetting, false},
     {"fail", SCRIPT_FAIL, ParseFail, false},
+    {"slow", SCRIPT_SLOW, ParseSlow, false},
     {"without", SCRIPT_WITHOUT, ParseWithout, true},
     {"artwork", SCRIPT_ARTWORK, ParseArtwork, true},
     {"screenshot", SCRIPT_SCREENSHOT, ParseScreenshot, false},
@@ -318,7 +328,7 @@ const char* ParseLine(std::string_view Name, ARGUMENTS& Arguments, bool Started,
         return Expected != nullptr || Arguments.AtEnd() ? Expected : "the end of the line";
     }
     return "a command (pointer, left, right, key, turn, advance, tick, reading, string, setting, default, fail, "
-           "without, artwork, screenshot, start, reset)";
+           "slow, without, artwork, screenshot, start, reset)";
 }
 
 // A reset leaves the machine off: only a start lets anything happen again.

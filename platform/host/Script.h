@@ -26,6 +26,7 @@ enum SCRIPT_VERB : UINT8 {
     SCRIPT_SETTING,
     SCRIPT_DEFAULT,
     SCRIPT_FAIL,
+    SCRIPT_SLOW,
     SCRIPT_WITHOUT,
     SCRIPT_ARTWORK,
     SCRIPT_SCREENSHOT,
@@ -43,13 +44,13 @@ struct SCRIPT_COMMAND {
     INT64 Y = 0;
     bool Down = false;                         // left, right
     EFI_INPUT_KEY Key = {};                    // key
-    UINT64 Count = 1;                          // turn, tick, fail; microseconds of advance
+    UINT64 Count = 1;                          // turn, tick, fail; microseconds of advance and slow
     UINT8 Item = 0;                            // reading, string; the fan of setting and default
     bool Live = false;                         // reading: the model again
     READING_OVERRIDE Reading = {};             // reading
     std::optional<std::u16string> String = {}; // string
     FAN_SETTING Setting = {};                  // setting, default
-    CALL Call = CALL_START;                    // fail
+    CALL Call = CALL_COUNT;                    // fail, slow
     EFI_STATUS Status = EFI_SUCCESS;           // fail
     EFI_GUID Guid = {};                        // without
     SCRIPT_ARTWORK_KIND ArtworkKind = ARTWORK_NONE;

@@ -139,6 +139,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Machine.WithNetwork = Options.WithNetwork;
     Machine.EchoConsoles = Options.EchoConsoles;
     Machine.TimerAtStart = Options.TimerAtStart;
+    Machine.TimerPeriod = Options.TimerPeriod;
     Machine.CountAtStart = Options.CountAtStart;
     Machine.LowTextPictures = Options.LowTextPictures;
     Machine.ArtworkPack = Options.ArtworkPack != nullptr ? Options.ArtworkPack : gArtworkPack;
@@ -208,7 +209,9 @@ bool SESSION::StartOnce()
             return false;
         }
     }
-    TraceCall(Boot->Trace, CALL_START).Text("board", std::string_view(Options.Board)).Number("seed", Options.Seed);
+    if (Boot->Trace.IsOn()) {
+        TRACE_LINE(&Boot->Trace, "Start").Text("board", std::string_view(Options.Board)).Number("seed", Options.Seed);
+    }
     Boot->Pool.FailFrom = Options.PoolLimit;
     Boot->Pool.FailOnly = Options.PoolFail;
     Boot->Pool.Refuses = Options.Failures.Allocation;
@@ -233,7 +236,9 @@ bool SESSION::StartOnce()
     }
     UnloadImage(Loaded);
     Result.OpenEvents += Boot->Events.Abandon(Mark);
-    TraceCall(Boot->Trace, CALL_RETURN).Status(Status).Number("blocks", Held.size()).Number("bytes", Bytes);
+    if (Boot->Trace.IsOn()) {
+        TRACE_LINE(&Boot->Trace, "Return").Status(Status).Number("blocks", Held.size()).Number("bytes", Bytes);
+    }
     Result.Ran = true;
     Result.Turns = Boot->Trace.Turn;
     Result.Statuses.push_back(Status);

@@ -38,8 +38,9 @@ struct SESSION_OPTIONS {
     FILE* TraceFile = nullptr; // the lines go there too
 
     // What the CPU's timer and the monotonic count show when the machine is switched on: for tests in which they go over
-    // their ends.
+    // their ends, and in which the timer isn't a nanosecond a tick.
     UINT64 TimerAtStart = 0;
+    UINT64 TimerPeriod = 1000000; // femtoseconds of the timer's tick
     UINT64 CountAtStart = 0;
 
     bool GroupsOldestFirst = false; // see EVENTS

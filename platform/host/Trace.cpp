@@ -13,21 +13,16 @@ VOID TRACE::Write(std::string&& Line)
     }
 }
 
-TRACE_LINE::TRACE_LINE(TRACE* Trace, CALL Call) : mTrace(Trace)
+TRACE_LINE::TRACE_LINE(TRACE* Trace, const char* Call) : mTrace(Trace)
 {
-    if (mTrace != nullptr) {
-        mLine = "{\"us\":" + std::to_string(Trace->Clock->Microseconds()) + ",\"start\":" +
-                std::to_string(Trace->Start) + ",\"turn\":" + std::to_string(Trace->Turn) + ",\"call\":\"" +
-                NameCall(Call) + "\"";
-    }
+    mLine = "{\"us\":" + std::to_string(Trace->Clock->Microseconds()) + ",\"start\":" + std::to_string(Trace->Start) +
+            ",\"turn\":" + std::to_string(Trace->Turn) + ",\"call\":\"" + Call + "\"";
 }
 
 TRACE_LINE::~TRACE_LINE()
 {
-    if (mTrace != nullptr) {
-        mLine += '}';
-        mTrace->Write(std::move(mLine));
-    }
+    mLine += '}';
+    mTrace->Write(std::move(mLine));
 }
 
 VOID TRACE_LINE::AddName(const char* Name)
@@ -37,73 +32,53 @@ VOID TRACE_LINE::AddName(const char* Name)
     mLine += "\":";
 }
 
-TRACE_LINE& TRACE_LINE::Status(EFI_STATUS Status)
-{
-    return Text("status", mTrace == nullptr ? std::string() : FormatStatus(Status));
-}
+TRACE_LINE& TRACE_LINE::Status(EFI_STATUS Status) { return Text("status", FormatStatus(Status)); }
 
 TRACE_LINE& TRACE_LINE::Number(const char* Name, UINT64 Value)
 {
-    if (mTrace != nullptr) {
-        AddName(Name);
-        mLine += std::to_string(Value);
-    }
+    AddName(Name);
+    mLine += std::to_string(Value);
     return *this;
 }
 
 TRACE_LINE& TRACE_LINE::Null(const char* Name)
 {
-    if (mTrace != nullptr) {
-        AddName(Name);
-        mLine += "null";
-    }
+    AddName(Name);
+    mLine += "null";
     return *this;
 }
 
 TRACE_LINE& TRACE_LINE::Text(const char* Name, std::string_view Utf8)
 {
-    if (mTrace != nullptr) {
-        AddName(Name);
-        mLine += QuoteJson(Utf8);
-    }
+    AddName(Name);
+    mLine += QuoteJson(Utf8);
     return *this;
 }
 
 TRACE_LINE& TRACE_LINE::Text(const char* Name, const CHAR16* String)
 {
-    if (mTrace == nullptr) {
-        return *this;
-    }
     return String == nullptr ? Null(Name) : Text(Name, ToUtf8(String));
 }
 
 TRACE_LINE& TRACE_LINE::Texts(const char* Name, CHAR16* const* Strings, UINTN Count)
 {
-    if (mTrace != nullptr) {
-        AddName(Name);
-        mLine += '[';
-        for (UINTN At = 0; Strings != nullptr && At < Count; At++) {
-            mLine += At == 0 ? "" : ",";
-            mLine += Strings[At] == nullptr ? "null" : QuoteJson(ToUtf8(Strings[At]));
-        }
-        mLine += ']';
+    AddName(Name);
+    mLine += '[';
+    for (UINTN At = 0; Strings != nullptr && At < Count; At++) {
+        mLine += At == 0 ? "" : ",";
+        mLine += Strings[At] == nullptr ? "null" : QuoteJson(ToUtf8(Strings[At]));
     }
+    mLine += ']';
     return *this;
 }
 
 TRACE_LINE& TRACE_LINE::Guid(const char* Name, const EFI_GUID* Guid)
 {
-    if (mTrace == nullptr) {
-        return *this;
-    }
     return Guid == nullptr ? Null(Name) : Text(Name, FormatGuid(*Guid));
 }
 
 TRACE_LINE& TRACE_LINE::Hex(const char* Name, const VOID* Data, UINTN Size)
 {
-    if (mTrace == nullptr) {
-        return *this;
-    }
     return Data == nullptr ? Null(Name) : Text(Name, FormatHex(Data, Size));
 }
 

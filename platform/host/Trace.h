@@ -1,16 +1,14 @@
 // The trace: one JSON object a line for each call that crosses the firmware's tables.
 //
-//     TraceCall(Boot.Trace, CALL_LOCATE_PROTOCOL).Status(Status).Guid("guid", Protocol);
+//     TRACE_LINE(&Boot.Trace, "LocateProtocol").Status(Status).Guid("guid", Protocol);
 //
-// begins a line with the time, the start and the turn, adds fields, and writes the line when the expression ends. While
-// nobody keeps a trace, nothing is formatted.
+// begins a line with the time, the start and the turn, adds fields, and writes the line when the expression ends.
 #pragma once
 
 #include <cstdio>
 #include <string>
 #include <vector>
 
-#include "platform/host/Calls.h"
 #include "platform/host/Clock.h"
 
 struct TRACE {
@@ -27,8 +25,7 @@ struct TRACE {
 };
 
 struct TRACE_LINE {
-    // Trace null: the line goes nowhere.
-    TRACE_LINE(TRACE* Trace, CALL Call);
+    TRACE_LINE(TRACE* Trace, const char* Call);
     TRACE_LINE(const TRACE_LINE&) = delete;
     TRACE_LINE& operator=(const TRACE_LINE&) = delete;
     ~TRACE_LINE();
@@ -50,8 +47,6 @@ private:
     TRACE* mTrace;
     std::string mLine;
 };
-
-inline TRACE_LINE TraceCall(TRACE& Trace, CALL Call) { return TRACE_LINE(Trace.IsOn() ? &Trace : nullptr, Call); }
 
 // The text as a JSON string, quotes included.
 std::string QuoteJson(std::string_view Utf8);

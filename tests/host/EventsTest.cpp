@@ -128,16 +128,6 @@ TEST_F(EventsTest, ClosingAnEventTakesItOutOfTheQueue)
     EXPECT_EQ(Complaints.Lines.size(), 2u);
 }
 
-TEST_F(EventsTest, ANotifyFunctionMayCloseItsOwnEvent)
-{
-    ACTION Self{"s"};
-    const EFI_EVENT Event = Create(TPL_CALLBACK, &Self);
-    Self.Closes = Event;
-    EXPECT_EQ(Events.Signal(Event), EFI_SUCCESS);
-    EXPECT_EQ(gCalls, "s");
-    EXPECT_FALSE(Events.IsOpen(Event));
-}
-
 TEST_F(EventsTest, AnEventOfAnImageThatIsGoneIsComplainedOfAndNotCalled)
 {
     ACTION Older{"o"}, Left{"l"};

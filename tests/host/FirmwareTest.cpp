@@ -56,29 +56,6 @@ TEST_F(FirmwareTest, WhatNobodyCallsIsRefusedInEveryTable)
     EXPECT_EQ(Boot.ConsoleTable.StdErr->EnableCursor(Boot.ConsoleTable.StdErr, 1), EFI_UNSUPPORTED);
 }
 
-TEST_F(FirmwareTest, ListsTellHowMuchRoomTheyNeed)
-{
-    UINTN Size = 8;
-    EFI_HANDLE Handles[16];
-    EXPECT_EQ(Services->LocateHandle(ByProtocol, &gEfiBlockIoProtocolGuid, nullptr, &Size, Handles),
-              EFI_BUFFER_TOO_SMALL);
-    EXPECT_EQ(Size, 3 * sizeof(EFI_HANDLE));
-    EXPECT_EQ(Services->LocateHandle(ByProtocol, &gEfiBlockIoProtocolGuid, nullptr, &Size, Handles), EFI_SUCCESS);
-    EXPECT_EQ(Services->LocateHandle(ByProtocol, &gSomeGuid, nullptr, &Size, Handles), EFI_NOT_FOUND);
-
-    UINT8 Map[1024];
-    UINTN Key, DescriptorSize;
-    UINT32 Version;
-    Size = 40;
-    EXPECT_EQ(Services->GetMemoryMap(&Size, reinterpret_cast<EFI_MEMORY_DESCRIPTOR*>(Map), &Key, &DescriptorSize,
-                                     &Version),
-              EFI_BUFFER_TOO_SMALL);
-    EXPECT_EQ(Size % DescriptorSize, 0u);
-    EXPECT_EQ(Services->GetMemoryMap(&Size, reinterpret_cast<EFI_MEMORY_DESCRIPTOR*>(Map), &Key, &DescriptorSize,
-                                     &Version),
-              EFI_SUCCESS);
-}
-
 TEST_F(FirmwareTest, TimerCalendarAndStallFollowOneClock)
 {
     VOID* Found;

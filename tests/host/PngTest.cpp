@@ -1,22 +1,11 @@
 #include "platform/host/Png.h"
 
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "TestFolder.h"
-
-namespace {
-
-std::string ReadBytes(const std::string& Path)
-{
-    std::ifstream File(Path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
-}
-
-} // namespace
 
 TEST(Png, GivesBackWhatWasWrittenWithoutTheReservedBytes)
 {

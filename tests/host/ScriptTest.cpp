@@ -37,7 +37,7 @@ TEST(ScriptTest, WhatIsNoneOfAVerbsArgumentsIsRefused)
           "key 17 10000", "advance", "advance -1", "tick 0", "tick x", "reading 18 1", "reading 4", "reading 4 -1",
           "reading 4 on", "string 4", "string 256 x", "string x y", "setting 3 00", "setting 11 00", "setting 4",
           "setting 4 0", "setting 4 0g", "fail Blt", "fail blt NOT_FOUND", "fail GetItemString NOT_FOUND",
-          "fail Start NOT_FOUND", "fail Blt NOT_FOUND 0", "fail Blt NOWHERE", "without", "without NOTHING",
+          "fail Start NOT_FOUND", "fail Blt NOT_FOUND 0", "fail Blt NOWHERE", "slow", "slow Blt", "slow blt 5", "slow Blt -1", "slow Blt 5 5", "without", "without NOTHING",
           "artwork", "artwork 5", "artwork 5 /no/such/file", "artwork type 17", "screenshot", "start now",
           "reset\nturn", "reset", "reset\nreset\nstart"}) {
         EXPECT_NE(FirstError(Line), "") << Line;
@@ -65,6 +65,7 @@ TEST(ScriptTest, ArgumentsArriveAsTheyAreMeant)
     EXPECT_TRUE(*Only("string 31  a#1 \xC3\xB8  # no part of it").String == u"a#1 \u00F8") << "only a '#' behind a blank comments";
     EXPECT_EQ(Only("fail LocateProtocol EFI_NOT_FOUND 3").Status, EFI_NOT_FOUND);
     EXPECT_EQ(Only("fail GetFan10Setting DEVICE_ERROR").Call, CALL_GET_FAN_10_SETTING);
+    EXPECT_EQ(Only("slow GetItemString 20000").Count, 20000u);
     const SCRIPT_COMMAND Setting = Only("setting 10 01 04030201 0102");
     EXPECT_EQ(Setting.Item, 10);
     EXPECT_EQ(Setting.Setting.Column0, 1);

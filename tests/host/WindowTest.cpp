@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 #include <SDL.h>
-#include <unistd.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -159,22 +158,6 @@ TEST_F(OpenedWindow, WakesFromItsRestWhenInputComes)
     PutMotion(60, 60);
     // Ten rests would take 160 ms; input waiting in each of them makes it far less.
     EXPECT_LT(MeasureTurns(Window, 10), 120'000u);
-}
-
-TEST(OpenWindow, SaysSoWhereThereIsNoScreen)
-{
-    for (const char* Name : {"SDL_VIDEODRIVER", "DISPLAY", "WAYLAND_DISPLAY"}) {
-        unsetenv(Name);
-    }
-    const char* Error = nullptr;
-    if (WINDOW* Window = OpenWindow("Test", &Error)) {
-        CloseWindow(Window);
-        // A text console with a screen of its own is the one other place for a window.
-        EXPECT_EQ(access("/dev/dri", F_OK), 0);
-    } else {
-        ASSERT_NE(Error, nullptr);
-        EXPECT_STRNE(Error, "");
-    }
 }
 
 TEST(Pace, Is250TurnsASecondWhileSomethingMovesAndNeverUnder60)
