@@ -29,7 +29,7 @@ TEST_F(BOARD, SettingsOfAnotherSizeAreNotFollowed)
 TEST_F(BOARD, APointerServiceServesUnderItsSecondName)
 {
     static CURSOR_SERVICE_PROTOCOL Second;
-    Second = *Boot->Board.Cursor; // the board's own, behind what the console was given
+    Second = *Boot->Console.Of<CURSOR_SERVICE_PROTOCOL>().True; // the board's own, behind what the console was given
     EFI_HANDLE Handle = nullptr;
     ASSERT_EQ(Boot->Handles.Install(&Handle, &gCursorServiceProtocol2Guid, &Second), EFI_SUCCESS);
     ReleasePool(gSavedScreen);
