@@ -6,6 +6,7 @@
 #include "fuzz/ConsoleGlobals.h"
 #include "fuzz/Input.h"
 #include "platform/host/Session.h"
+#include "tests/console/Places.h"
 #include "tests/faults/Invariants.h"
 
 extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);
@@ -35,10 +36,6 @@ bool LookAtTurn(VOID*, CALL Call, EFI_STATUS*, bool*)
 // A script of what the bytes say. Places come often from where something is.
 std::string WriteScript(INPUT& Input)
 {
-    static constexpr int Places[][2] = {{600, 570}, {741, 570}, {894, 570}, {805, 94},  {887, 94},  {320, 150},
-                                        {420, 150}, {520, 150}, {620, 150}, {720, 150}, {800, 150}, {900, 150},
-                                        {296, 242}, {71, 312},  {71, 349},  {71, 386},  {397, 457}, {487, 397},
-                                        {577, 337}, {667, 277}, {397, 400}, {397, 282}};
     static constexpr const char* Keys[] = {"f", "d", "c", "enter", "0017 0000", "0001 0041", "000b 0000", "0000 ffff"};
     std::string Script;
     for (size_t Step = 0; Step < gMostSteps && !Input.IsEmpty(); Step++) {
@@ -46,8 +43,8 @@ std::string WriteScript(INPUT& Input)
         switch (What % 12) {
         case 0:
         case 1: {
-            const auto& Place = Places[Input.Byte() % (sizeof(Places) / sizeof(Places[0]))];
-            Script += "pointer " + std::to_string(Place[0]) + " " + std::to_string(Place[1]) + "\nturn\n";
+            const PLACE& Place = gPlacesOfUse[Input.Byte() % std::size(gPlacesOfUse)];
+            Script += "pointer " + std::to_string(Place.X) + " " + std::to_string(Place.Y) + "\nturn\n";
             break;
         }
         case 2: {

@@ -1,52 +1,203 @@
 #include "tests/console/ConsoleBench.h"
 
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+
 #include "gui/GUICore.h"
 #include "platform/board/BoardServices.h"
+#include "platform/host/HostText.h"
+#include "platform/host/Png.h"
 
 namespace {
 
-// A tab, a radio or a button takes the press in the turn after it, and gets the click in the turn after the release.
 constexpr UINT64 gShortPress = 50000;
 constexpr UINT64 gLongPress = 300000;
 
+std::string HexOf(const WRITE& Write) { return FormatHex(&Write.Setting, sizeof(Write.Setting)); }
+
+// The first pixel in which two pictures differ; false: there is none.
+bool FindDifference(const PICTURE& A, const PICTURE& B, const AREA& Area, PLACE* First)
+{
+    for (int Y = Area.Y; Y < Area.Y + Area.Height; Y++) {
+        for (int X = Area.X; X < Area.X + Area.Width; X++) {
+            if (PixelAt(A, {X, Y}) != PixelAt(B, {X, Y})) {
+                *First = {X, Y};
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// Both pictures in the build tree, named for the test; says where.
+std::string KeepBoth(const PICTURE& A, const PICTURE& B)
+{
+    const testing::TestInfo& Test = *testing::UnitTest::GetInstance()->current_test_info();
+    std::string Name = std::string(Test.test_suite_name()) + "." + Test.name();
+    std::replace(Name.begin(), Name.end(), '/', '-');
+    std::error_code Ignored;
+    std::filesystem::create_directories(VENTARA_PICTURE_FOLDER, Ignored);
+    const std::string Path = VENTARA_PICTURE_FOLDER "/" + Name;
+    const bool Written = WritePng((Path + "-1.png").c_str(), A.data(), gScreen.Width, gScreen.Height) &&
+                         WritePng((Path + "-2.png").c_str(), B.data(), gScreen.Width, gScreen.Height);
+    return (Written ? "see " : "can't write ") + Path + "-1.png and -2.png";
+}
+
 } // namespace
+
+WRITE WRITE::On() const
+{
+    WRITE Changed = *this;
+    Changed.Setting.CurveEnabled = 1;
+    return Changed;
+}
+
+WRITE WRITE::Off() const
+{
+    WRITE Changed = *this;
+    Changed.Setting.CurveEnabled = 0;
+    return Changed;
+}
+
+WRITE WRITE::Node(int Index, CELL By) const
+{
+    WRITE Changed = *this;
+    UINT8* const Bytes = reinterpret_cast<UINT8*>(&Changed.Setting);
+    UINT8& Column = Bytes[offsetof(FAN_SETTING, Column0) - static_cast<UINTN>(Index)];
+    UINT8& Level = Bytes[offsetof(FAN_SETTING, Level0) + static_cast<UINTN>(Index)];
+    Column = static_cast<UINT8>(Column + By.Column);
+    Level = static_cast<UINT8>(Level - By.Row);
+    return Changed;
+}
+
+WRITE WRITE::Level(int Level) const
+{
+    WRITE Changed = *this;
+    Changed.Setting.FixedLevel = static_cast<UINT16>(Level);
+    return Changed;
+}
+
+bool WRITE::operator==(const WRITE& Other) const
+{
+    return Fan == Other.Fan && std::memcmp(&Setting, &Other.Setting, sizeof(Setting)) == 0;
+}
+
+std::ostream& operator<<(std::ostream& Out, const WRITE& Write)
+{
+    return Out << "fan " << Write.Fan << ": " << HexOf(Write).substr(0, 24) << "...";
+}
+
+WRITE SettingOf(int Fan)
+{
+    if (Fan >= 9) {
+        return WRITE{Fan, {}}.Level(Fan == 9 ? 3 : 5);
+    }
+    const WRITE Curve = SettingOf(Fan, Fan <= 5 ? EIGHT_ROWS : SIX_ROWS);
+    return Fan == 8 ? Curve.Off() : Curve;
+}
+
+WRITE SettingOf(int Fan, GRID Grid)
+{
+    return SettingFromBytes(Fan, Grid == EIGHT_ROWS ? "010a07040102040608" : "0107050301010204060003");
+}
+
+WRITE SettingFromBytes(int Fan, const std::string& Hex)
+{
+    WRITE Write = {Fan, {}};
+    std::vector<UINT8> Bytes;
+    EXPECT_TRUE(ParseHexBytes(Hex, &Bytes)) << Hex;
+    std::memcpy(&Write.Setting, Bytes.data(), std::min(Bytes.size(), sizeof(Write.Setting)));
+    return Write;
+}
 
 std::vector<CALL_LINE> RUN::Named(const std::string& Call) const
 {
     return CallsNamed(Calls, Call);
 }
 
-std::vector<CALL_LINE> RUN::InTurn(UINT64 Turn, UINT64 Start) const
+std::vector<CALL_LINE> RUN::InTurn(TURN Turn) const
 {
     std::vector<CALL_LINE> Found;
     for (const CALL_LINE& Line : Calls) {
-        if (Line.Turn == Turn && Line.Start == Start) {
+        if (Line.Turn == Turn.Number && Line.Start == Turn.Start) {
             Found.push_back(Line);
         }
     }
     return Found;
 }
 
-std::vector<CALL_LINE> RUN::NamedInTurn(const std::string& Call, UINT64 Turn, UINT64 Start) const
+std::vector<CALL_LINE> RUN::NamedInTurn(const std::string& Call, TURN Turn) const
 {
-    std::vector<CALL_LINE> Found;
-    for (const CALL_LINE& Line : InTurn(Turn, Start)) {
-        if (Line.Call == Call) {
-            Found.push_back(Line);
-        }
-    }
-    return Found;
+    return CallsNamed(InTurn(Turn), Call);
 }
 
-std::vector<std::string> RUN::OrderInTurn(UINT64 Turn, const std::vector<std::string>& Of, UINT64 Start) const
+std::vector<std::string> RUN::OrderInTurn(TURN Turn, const std::vector<std::string>& Of) const
 {
     std::vector<std::string> Order;
-    for (const CALL_LINE& Line : InTurn(Turn, Start)) {
+    for (const CALL_LINE& Line : InTurn(Turn)) {
         if (std::find(Of.begin(), Of.end(), Line.Call) != Of.end()) {
             Order.push_back(Line.Call);
         }
     }
     return Order;
+}
+
+std::vector<int> RUN::Items(TURN Turn) const
+{
+    std::vector<int> Items;
+    for (const CALL_LINE& Line : NamedInTurn("GetItemValue", Turn)) {
+        Items.push_back(static_cast<int>(Line.Number("item")));
+    }
+    return Items;
+}
+
+std::vector<std::string> RUN::Texts(TURN Turn) const
+{
+    std::vector<std::string> Texts;
+    for (const CALL_LINE& Line : NamedInTurn("StringToImage", Turn)) {
+        Texts.push_back(Line.Text("text"));
+    }
+    return Texts;
+}
+
+AREA AreaOf(const CALL_LINE& Blt)
+{
+    const auto Number = [&Blt](const char* Field) { return static_cast<int>(Blt.Number(Field)); };
+    return {Number("x"), Number("y"), Number("width"), Number("height")};
+}
+
+std::vector<AREA> RUN::Blocks(TURN Turn) const
+{
+    std::vector<AREA> Blocks;
+    for (const CALL_LINE& Line : NamedInTurn("Blt", Turn)) {
+        Blocks.push_back(AreaOf(Line));
+    }
+    return Blocks;
+}
+
+UINTN RUN::Painted(TURN Turn, const AREA& Area) const
+{
+    const std::vector<AREA> All = Blocks(Turn);
+    return static_cast<UINTN>(std::count(All.begin(), All.end(), Area));
+}
+
+WRITES WritesOf(const std::vector<CALL_LINE>& Calls)
+{
+    WRITES Found;
+    for (const CALL_LINE& Line : Calls) {
+        if (Line.Call.starts_with("SetFan") && Line.Call.ends_with("Setting")) {
+            Found.push_back(SettingFromBytes(std::atoi(Line.Call.c_str() + 6), Line.Text("record")));
+        }
+    }
+    return Found;
+}
+
+WRITES RUN::Writes(UINT64 Start) const
+{
+    std::vector<CALL_LINE> OfStart = Calls;
+    std::erase_if(OfStart, [Start](const CALL_LINE& Line) { return Line.Start != Start; });
+    return WritesOf(OfStart);
 }
 
 const PICTURE& RUN::Picture(const std::string& Name) const
@@ -60,67 +211,39 @@ const PICTURE& RUN::Picture(const std::string& Name) const
     return Found->second;
 }
 
-std::vector<std::string> RUN::Settings(int Fan) const
+void RUN::ExpectSame(const std::string& A, const std::string& B, const AREA& Area, const std::source_location& Where) const
 {
-    std::vector<std::string> Records;
-    for (const CALL_LINE& Line : Named("SetFan" + std::to_string(Fan) + "Setting")) {
-        Records.push_back(Line.Text("record"));
+    const testing::ScopedTrace Names(Where.file_name(), static_cast<int>(Where.line()), "\"" + A + "\", \"" + B + "\"");
+    ExpectSamePicture(Picture(A), Picture(B), Area, Where);
+}
+
+bool Differ(const PICTURE& A, const PICTURE& B, const AREA& Area)
+{
+    PLACE First;
+    return FindDifference(A, B, Area, &First);
+}
+
+void ExpectSamePicture(const PICTURE& A, const PICTURE& B, const AREA& Area, const std::source_location& Where)
+{
+    PLACE First;
+    if (FindDifference(A, B, Area, &First)) {
+        ADD_FAILURE_AT(Where.file_name(), static_cast<int>(Where.line()))
+            << "the pictures differ, first at (" << First.X << ", " << First.Y << "): " << std::hex << PixelAt(A, First)
+            << " and " << PixelAt(B, First) << "; " << KeepBoth(A, B);
     }
-    return Records;
 }
 
-std::string RUN::LastSetting(int Fan) const
+UINT32 PixelAt(const PICTURE& Picture, PLACE Place)
 {
-    const std::vector<std::string> Records = Settings(Fan);
-    return Records.empty() ? "" : Records.back();
+    return Picture[static_cast<UINTN>(Place.Y) * gScreenWidth + static_cast<UINTN>(Place.X)] & 0xFFFFFF;
 }
 
-std::vector<std::string> RUN::AllSettings() const
-{
-    std::vector<std::string> Found;
-    for (const CALL_LINE& Line : Calls) {
-        if (Line.Call.starts_with("SetFan") && Line.Call.ends_with("Setting")) {
-            Found.push_back(Line.Call.substr(6, Line.Call.size() - 13) + ":" + Line.Text("record"));
-        }
-    }
-    return Found;
-}
-
-std::string Record(const std::string& FirstBytesInHex)
-{
-    std::string Hex;
-    for (const char Digit : FirstBytesInHex) {
-        if (Digit != ' ') {
-            Hex += Digit;
-        }
-    }
-    Hex.resize(128, '0');
-    return Hex;
-}
-
-UINT32 PixelAt(const PICTURE& Picture, UINTN X, UINTN Y)
-{
-    return Picture[Y * gScreenWidth + X] & 0xFFFFFF;
-}
-
-bool SameRectangle(const PICTURE& A, const PICTURE& B, UINTN X, UINTN Y, UINTN Width, UINTN Height)
-{
-    for (UINTN Row = Y; Row < Y + Height; Row++) {
-        for (UINTN Column = X; Column < X + Width; Column++) {
-            if (PixelAt(A, Column, Row) != PixelAt(B, Column, Row)) {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
-UINTN CountColor(const PICTURE& Picture, UINT32 Color, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+UINTN CountColor(const PICTURE& Picture, UINT32 Color, const AREA& Area)
 {
     UINTN Count = 0;
-    for (UINTN Row = Y; Row < Y + Height; Row++) {
-        for (UINTN Column = X; Column < X + Width; Column++) {
-            Count += PixelAt(Picture, Column, Row) == Color ? 1 : 0;
+    for (int Y = Area.Y; Y < Area.Y + Area.Height; Y++) {
+        for (int X = Area.X; X < Area.X + Area.Width; X++) {
+            Count += PixelAt(Picture, {X, Y}) == Color ? 1 : 0;
         }
     }
     return Count;
@@ -142,29 +265,37 @@ SCENE& SCENE::Line(const std::string& Text)
 SCENE& SCENE::Turns(UINT64 Count)
 {
     TurnsSoFar += Count;
+    Taken = TurnsSoFar;
     return Line("turn " + std::to_string(Count));
 }
 
 SCENE& SCENE::Ticks(UINT64 Count)
 {
     TurnsSoFar += Count;
+    Taken = TurnsSoFar;
     return Line("tick " + std::to_string(Count));
 }
 
-SCENE& SCENE::Advance(UINT64 Microseconds)
+SCENE& SCENE::Advance(UINT64 Microseconds) { return Line("advance " + std::to_string(Microseconds)); }
+
+SCENE& SCENE::Reading(int Item, const std::string& Value)
 {
-    return Line("advance " + std::to_string(Microseconds));
+    return Line("reading " + std::to_string(Item) + " " + Value);
 }
 
-SCENE& SCENE::Move(int X, int Y)
+SCENE& SCENE::Setting(const WRITE& Write)
 {
-    return Line("pointer " + std::to_string(X) + " " + std::to_string(Y)).Turns();
+    return Line("setting " + std::to_string(Write.Fan) + " " + HexOf(Write));
 }
 
-SCENE& SCENE::Press()
+SCENE& SCENE::Default(const WRITE& Write)
 {
-    return Line("left down").Turns();
+    return Line("default " + std::to_string(Write.Fan) + " " + HexOf(Write));
 }
+
+SCENE& SCENE::Point(PLACE Place) { return Line("pointer " + std::to_string(Place.X) + " " + std::to_string(Place.Y)); }
+
+SCENE& SCENE::Press() { return Line("left down").Turns(); }
 
 SCENE& SCENE::Release(UINT64 HeldMicroseconds)
 {
@@ -174,34 +305,62 @@ SCENE& SCENE::Release(UINT64 HeldMicroseconds)
     return Line("left up").Turns();
 }
 
-SCENE& SCENE::Click(int X, int Y)
+// The press is seen in a turn and taken in the next; the click is taken in the turn after the release.
+SCENE& SCENE::Click(PLACE Place)
 {
-    return Move(X, Y).Press().Turns().Release(gShortPress).Turns(2);
+    (void)Move(Place).Press().Turns().Release(gShortPress).Turns(2);
+    Taken = TurnsSoFar - 1;
+    return *this;
 }
 
-SCENE& SCENE::Drag(int X, int Y, const std::vector<std::pair<int, int>>& Through)
+// A drop is taken in the turn of the release.
+SCENE& SCENE::Drag(PLACE Place, const std::vector<PLACE>& Through)
 {
-    (void)Move(X, Y).Press().Turns(2);
-    for (const auto& [AtX, AtY] : Through) {
-        (void)Move(AtX, AtY).Turns();
+    (void)Move(Place).Press().Turns(2);
+    for (const PLACE Next : Through) {
+        (void)Move(Next).Turns();
     }
-    return Release(gLongPress).Turns(2);
+    (void)Release(gLongPress).Turns(2);
+    Taken = TurnsSoFar - 2;
+    return *this;
 }
 
-SCENE& SCENE::Key(const std::string& Name)
+SCENE& SCENE::Key(const std::string& Name) { return Line("key " + Name).Turns(); }
+
+SCENE& SCENE::Tab(int Fan)
 {
-    return Line("key " + Name).Turns();
+    PageOnTop = Fan;
+    return Click(::Tab(Fan).Center());
 }
 
-SCENE& SCENE::Screenshot(const std::string& Name)
+SCENE& SCENE::Node(int Index, CELL By)
 {
-    return Line("screenshot " + Name);
+    const CELL From = NodeCell(Grid(), Index);
+    const CELL To = {From.Column + By.Column, From.Row + By.Row};
+    return Drag(NodePlace(Grid(), Index), {CellArea(Grid(), To).Center()});
 }
 
-SCENE& SCENE::Restart()
+SCENE& SCENE::Thumb(int Level)
 {
+    return Drag(ThumbPlace(PageOnTop == 10 ? 5 : 3), {ThumbPlace(Level)});
+}
+
+SCENE& SCENE::Screenshot(const std::string& Name) { return Line("screenshot " + Name); }
+
+SCENE& SCENE::StartAgain()
+{
+    Start++;
     TurnsSoFar = 0;
-    return Line("key esc").Line("turn").Line("start");
+    Taken = 0;
+    return Line("start");
+}
+
+SCENE& SCENE::Restart() { return Key("esc").StartAgain(); }
+
+SCENE& SCENE::Reset()
+{
+    PageOnTop = gFirstFan;
+    return Key("esc").Line("reset").StartAgain();
 }
 
 RUN SCENE::Play() const
@@ -224,12 +383,17 @@ RUN SCENE::Play() const
     return Run;
 }
 
+GRID SCENE::Grid() const
+{
+    return PageOnTop == 4 || (PageOnTop == 5 && Options.Board != "kind0") ? EIGHT_ROWS : SIX_ROWS;
+}
+
 SCENE SceneWithOnly(const std::vector<int>& Items)
 {
     SCENE Scene;
     for (int Item = 0; Item <= 17; Item++) {
         if (std::find(Items.begin(), Items.end(), Item) == Items.end()) {
-            Scene.Line("reading " + std::to_string(Item) + " absent");
+            Scene.Reading(Item, "absent");
         }
     }
     return Scene;
@@ -249,4 +413,36 @@ std::vector<RUN> PlayWithoutOneComponent(SCENE Scene)
         }
     }
     return Runs;
+}
+
+std::vector<std::string> RUN::Settings(int Fan) const
+{
+    std::vector<std::string> Records;
+    for (const CALL_LINE& Line : Named("SetFan" + std::to_string(Fan) + "Setting")) {
+        Records.push_back(Line.Text("record"));
+    }
+    return Records;
+}
+
+std::string RUN::LastSetting(int Fan) const
+{
+    const std::vector<std::string> Records = Settings(Fan);
+    return Records.empty() ? "" : Records.back();
+}
+
+std::vector<std::string> RUN::AllSettings() const
+{
+    std::vector<std::string> Found;
+    for (const WRITE& Write : Writes()) {
+        Found.push_back(std::to_string(Write.Fan) + ":" + HexOf(Write));
+    }
+    return Found;
+}
+
+std::string Record(const std::string& FirstBytesInHex) { return HexOf(SettingFromBytes(0, FirstBytesInHex)); }
+
+bool SameRectangle(const PICTURE& A, const PICTURE& B, UINTN X, UINTN Y, UINTN Width, UINTN Height)
+{
+    PLACE First;
+    return !FindDifference(A, B, AreaAt(X, Y, Width, Height), &First);
 }

@@ -4,96 +4,61 @@
 
 namespace {
 
-constexpr int gTabCenter[] = {323, 422, 521, 620, 720, 818, 917}; // of fans 4 to 10
-constexpr int gTabY = 150;
-constexpr int gBoxX = 296;
-constexpr int gBoxY = 242;
-
-void SelectTab(SCENE& Scene, int Fan)
+TEST(FanWrites, HoldTheBytesOfTheContract)
 {
-    Scene.Click(gTabCenter[Fan - 4], gTabY);
+    // The box, columns of nodes 3 to 0 from 1, levels of nodes 0 to 3 from the bottom, a byte of nothing, the fixed level.
+    SCENE Scene;
+    const RUN Run = Scene.Node(1, {1, 1}).Tab(7).Play();
+    const auto Expect = [&Run](const char* Call, std::string Bytes) {
+        Bytes.resize(128, '0');
+        ASSERT_EQ(Run.Count(Call), 1u);
+        EXPECT_EQ(Run.Named(Call)[0].Text("record"), Bytes);
+    };
+    Expect("SetFan4Setting", "010a0705010203060800"
+                             "0100");
+    Expect("SetFan7Setting", "01070503010102040600"
+                             "0300");
 }
 
-std::string Setting(int Fan, const std::string& Bytes)
-{
-    std::string Hex = Record(Bytes);
-    return "setting " + std::to_string(Fan) + " " + Hex;
-}
-
-using WRITES = std::vector<std::string>;
-
-std::string Write(int Fan, const std::string& Bytes)
-{
-    return std::to_string(Fan) + ":" + Record(Bytes);
-}
-
-TEST(FanWrites, TheBoxOfAPageWithoutALevelWritesItsNodes)
+TEST(FanWrites, TheBoxOfAPageWithoutALevelWritesItsNodesAndEndsAtItsRightAndBottomEdge)
 {
     SCENE Scene;
-    Scene.Click(gBoxX, gBoxY).Click(gBoxX, gBoxY);
-    EXPECT_EQ(Scene.Play().AllSettings(), (WRITES{Write(4, "00 0a 07 04 01 02 04 06 08"),
-                                                  Write(4, "01 0a 07 04 01 02 04 06 08")}));
-}
-
-TEST(FanWrites, TheBoxEndsAtItsRightAndBottomEdge)
-{
-    // The box is 20 by 20 at (286, 232). Each hit flips it.
-    SCENE Scene;
-    for (const auto& [X, Y] : std::vector<std::pair<int, int>>{
-             {286, 232}, {305, 251}, {306, 242}, {296, 252}, {285, 242}, {296, 231}}) {
-        Scene.Click(X, Y);
+    for (const PLACE Place :
+         std::vector<PLACE>{{286, 232}, {305, 251}, {306, 242}, {296, 252}, {285, 242}, {296, 231}}) {
+        Scene.Click(Place);
     }
-    EXPECT_EQ(Scene.Play().AllSettings(), (WRITES{Write(4, "00 0a 07 04 01 02 04 06 08"),
-                                                  Write(4, "01 0a 07 04 01 02 04 06 08")}));
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{SettingOf(4).Off(), SettingOf(4)}));
 }
 
 TEST(FanWrites, ASecondFanOfSixRowsWritesItsLevelToo)
 {
-    // On the board kind0 fan 5 has nodes on (0, 5), (2, 4), (4, 2), (6, 0) and level 3 counted from 1.
+    const WRITE Fan5 = SettingOf(5, SIX_ROWS);
     SCENE Scene("kind0");
-    SelectTab(Scene, 5);
-    Scene.Click(gBoxX, gBoxY).Click(gBoxX, gBoxY).Drag(457, 442, {{487, 442}});
-    EXPECT_EQ(Scene.Play().AllSettings(), (WRITES{
-                                              Write(5, "01 07 05 03 01 01 02 04 06 00 03"), // the tab
-                                              Write(5, "00 07 05 03 01 01 02 04 06 00 03"),
-                                              Write(5, "01 07 05 03 01 01 02 04 06 00 03"),
-                                              Write(5, "01 07 05 04 01 01 02 04 06 00 03"), // node 1 dropped
-                                          }));
+    Scene.Tab(5).Box().Box().Node(1, {1, 0});
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{Fan5, Fan5.Off(), Fan5, Fan5.Node(1, {1, 0})}));
 }
 
 TEST(FanWrites, ASelectionOfATabWritesOncePerClickOnAPageWithALevelAndACurve)
 {
-    // Fan 4 and 5 have no level, 9 and 10 no curve: their tabs write nothing. Fan 8 comes up with its curve off. A click
-    // on the tab already selected runs its page's functions again.
+    // Fan 4 and 5 have no level, 9 and 10 no curve: their tabs write nothing. A click on the tab already selected runs its
+    // page's functions again.
     SCENE Scene;
     WRITES Expected;
-    const std::string Curve6 = "07 05 03 01 01 02 04 06 00 03";
-    for (int Fan : {5, 6, 6, 7, 7, 8, 8, 9, 9, 10, 4, 4, 8}) {
-        SelectTab(Scene, Fan);
+    for (const int Fan : {5, 6, 6, 7, 7, 8, 8, 9, 9, 10, 4, 4, 8}) {
+        Scene.Tab(Fan);
         if (Fan >= 6 && Fan <= 8) {
-            Expected.push_back(Write(Fan, (Fan == 8 ? "00 " : "01 ") + Curve6));
+            Expected.push_back(SettingOf(Fan));
         }
     }
-    EXPECT_EQ(Scene.Play().AllSettings(), Expected);
+    EXPECT_EQ(Scene.Play().Writes(), Expected);
 }
 
 TEST(FanWrites, AStartWritesOnlyTheSettingOfAPageOnTopThatHasALevelAndACurve)
 {
-    for (const auto& [Fan, Writes] :
-         std::map<int, WRITES>{{5, {}}, {8, {Write(8, "00 07 05 03 01 01 02 04 06 00 03")}}, {10, {}}}) {
-        SCOPED_TRACE(Fan);
-        SCENE Scene;
-        Scene.Turns();
-        SelectTab(Scene, Fan);
-        Scene.Restart().Turns(2);
-        const RUN Run = Scene.Play();
-        WRITES InSecondStart;
-        for (const CALL_LINE& Call : Run.Calls) {
-            if (Call.Start == 2 && Call.Call.starts_with("SetFan")) {
-                InSecondStart.push_back(Call.Call.substr(6, Call.Call.size() - 13) + ":" + Call.Text("record"));
-            }
-        }
-        EXPECT_EQ(InSecondStart, Writes);
+    for (const int Fan : {5, 8, 10}) {
+        EXPECT_EQ(SCENE().Turns().Tab(Fan).Restart().Turns(2).Play().Writes(2),
+                  Fan == 8 ? WRITES{SettingOf(8)} : WRITES{})
+            << Fan;
     }
 }
 
@@ -102,36 +67,21 @@ TEST(FanWrites, NothingElseWrites)
     // Readings, ticks, tabs of fans without a level and a curve, radios, the empty panel, presses that end elsewhere, the
     // letters, and leaving.
     SCENE Scene;
-    Scene.Ticks(20);
-    SelectTab(Scene, 5);
-    Scene.Click(80, 345).Click(80, 310).Click(600, 540).Click(420, 290);
-    Scene.Move(gBoxX, gBoxY).Press().Turns().Move(600, 540).Release(50000).Turns(2); // began on the box, ended beside
-    Scene.Move(gBoxX, gBoxY).Press().Turns().Release(300000).Turns(2);               // too long for a click
-    Scene.Key("f").Key("d").Key("c").Key("F").Key("D").Key("C").Key("x");
-    SelectTab(Scene, 9);
-    SelectTab(Scene, 10);
-    Scene.Ticks(2);
-    EXPECT_EQ(Scene.Play().AllSettings(), WRITES{});
+    Scene.Ticks(20).Tab(5).Source(1).Source(0).Click({600, 540}).Click({420, 290});
+    Scene.Move(gBox.Center()).Press().Turns().Move({600, 540}).Release(50000).Turns(2); // began on the box, ended beside
+    Scene.Move(gBox.Center()).Press().Turns().Release(300000).Turns(2);                 // too long for a click
+    Scene.Key("f").Key("d").Key("c").Key("F").Key("D").Key("C").Key("x").Tab(9).Tab(10).Ticks(2);
+    EXPECT_EQ(Scene.Play().Writes(), WRITES{});
 }
 
 TEST(FanWrites, ADropWritesOnlyTheFanOfThePageOnTop)
 {
     // Frames of 4, 5, 6, 7 and sliders of 7 to 10 are all on the lists of a drop; each time one page answers.
     SCENE Scene;
-    Scene.Drag(487, 397, {{517, 397}});
-    SelectTab(Scene, 5);
-    Scene.Drag(487, 397, {{517, 397}});
-    SelectTab(Scene, 10);
-    Scene.Drag(397, 322, {{397, 362}});
-    SelectTab(Scene, 8);
-    Scene.Drag(397, 402, {{397, 362}});
-    EXPECT_EQ(Scene.Play().AllSettings(), (WRITES{
-                                              Write(4, "01 0a 07 05 01 02 04 06 08 00 01"),
-                                              Write(5, "01 0a 07 05 01 02 04 06 08 00 01"),
-                                              Write(10, "00 00 00 00 00 00 00 00 00 00 04"),
-                                              Write(8, "00 07 05 03 01 01 02 04 06 00 03"), // the tab
-                                              Write(8, "00 07 05 03 01 01 02 04 06 00 04"),
-                                          }));
+    Scene.Node(1, {1, 0}).Tab(5).Node(1, {1, 0}).Tab(10).Thumb(4).Tab(8).Thumb(4);
+    EXPECT_EQ(Scene.Play().Writes(),
+              (WRITES{SettingOf(4).Node(1, {1, 0}).Level(1), SettingOf(5).Node(1, {1, 0}).Level(1), SettingOf(10).Level(4),
+                      SettingOf(8), SettingOf(8).Level(4)}));
 }
 
 TEST(FanWrites, AServiceOutOfResourcesGivesTheDefaultCurve)
@@ -140,118 +90,102 @@ TEST(FanWrites, AServiceOutOfResourcesGivesTheDefaultCurve)
     // to node. What the failing read says for the level or the box is another read.
     SCENE Scene;
     Scene.Line("fail GetFan4Setting OUT_OF_RESOURCES").Line("fail GetFan6Setting OUT_OF_RESOURCES");
-    Scene.Line(Setting(6, "01 07 05 03 01 01 02 04 06 00 01"));
-    Scene.Click(gBoxX, gBoxY);
-    SelectTab(Scene, 6);
-    EXPECT_EQ(Scene.Play().AllSettings(), (WRITES{Write(4, "00 04 03 02 01 01 02 03 04"),
-                                                  Write(6, "01 04 03 02 01 01 02 03 04 00 01")}));
+    Scene.Setting(SettingOf(6).Level(1)).Box().Tab(6);
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{SettingFromBytes(4, "00 04 03 02 01 01 02 03 04"),
+                                             SettingFromBytes(6, "01 04 03 02 01 01 02 03 04 00 01")}));
 }
 
 TEST(FanWrites, ASettingReadBackIsTakenAsItStands)
 {
     // Any CurveEnabled but 0 counts as checked; what is written back is 1. A level of 6 is the top row.
-    SCENE Scene;
-    Scene.Line(Setting(7, "80 0d 0c 0b 0a 01 01 06 06 00 06"));
-    SelectTab(Scene, 7);
-    EXPECT_EQ(Scene.Play().AllSettings(), WRITES{Write(7, "01 0d 0c 0b 0a 01 01 06 06 00 06")});
+    const WRITE Odd = SettingFromBytes(7, "80 0d 0c 0b 0a 01 01 06 06 00 06");
+    EXPECT_EQ(SCENE().Setting(Odd).Tab(7).Play().Writes(), WRITES{Odd.On()});
 }
 
 TEST(FanWrites, AStoredLevelAboveTheRowsComesUpAtTheBottom)
 {
     SCENE Scene;
-    Scene.Line(Setting(9, "00 00 00 00 00 00 00 00 00 00 07"));
-    Scene.Line(Setting(7, "01 07 05 03 01 01 02 04 06 00 00 01")); // 256
-    SelectTab(Scene, 9);
-    Scene.Move(397, 482).Press().Turns(3).Release(300000).Turns(2); // the thumb stands on the lowest row
-    SelectTab(Scene, 7);
-    EXPECT_EQ(Scene.Play().AllSettings(), (WRITES{Write(9, "00 00 00 00 00 00 00 00 00 00 01"),
-                                                  Write(7, "01 07 05 03 01 01 02 04 06 00 01")}));
+    Scene.Setting(SettingOf(9).Level(7)).Setting(SettingOf(7).Level(256)).Tab(9);
+    Scene.Move(ThumbPlace(1)).Press().Turns(3).Release(300000).Turns(2).Tab(7);
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{SettingOf(9).Level(1), SettingOf(7).Level(1)}));
 }
 
 TEST(FanWrites, SettingsAgainstTheContractLeaveTheConsoleWholeAndTheNextWriteLegal)
 {
     // The bench fails when a service gets a record that no fan should get; here every page writes once after having read
     // one, and again after Default and Cancel have brought it back.
-    const std::string Bad[] = {
-        "01 01 02 03 04 04 03 02 01 00 09",    // columns and levels that fall, a level of 9
-        "ff ff ff ff ff ff ff ff ff ff ff ff", // everything too far
-        "00 05 05 05 00 00 01 02 09 00 00",    // nodes on one column, levels and fixed level of 0
-    };
-    for (const std::string& Bytes : Bad) {
+    for (const char* Bytes : {
+             "01 01 02 03 04 04 03 02 01 00 09",    // columns and levels that fall, a level of 9
+             "ff ff ff ff ff ff ff ff ff ff ff ff", // everything too far
+             "00 05 05 05 00 00 01 02 09 00 00",    // nodes on one column, levels and fixed level of 0
+         }) {
         SCOPED_TRACE(Bytes);
         SCENE Scene("kind0");
-        for (int Fan = 4; Fan <= 10; Fan++) {
-            Scene.Line(Setting(Fan, Bytes));
-            Scene.Line("default " + std::to_string(Fan) + " " + Record(Bytes));
+        for (int Fan = gFirstFan; Fan <= gLastFan; Fan++) {
+            Scene.Setting(SettingFromBytes(Fan, Bytes)).Default(SettingFromBytes(Fan, Bytes));
         }
-        Scene.Click(gBoxX, gBoxY).Key("d").Click(gBoxX, gBoxY).Key("c").Click(gBoxX, gBoxY);
-        for (int Fan = 5; Fan <= 10; Fan++) {
-            SelectTab(Scene, Fan);
-            Scene.Ticks().Click(gBoxX, gBoxY).Key("d").Click(gBoxX, gBoxY).Key("c");
-            Scene.Drag(397, 482, {{397, 362}}).Drag(397, 282, {{397, 362}});
+        Scene.Box().Key("d").Box().Key("c").Box();
+        for (int Fan = 5; Fan <= gLastFan; Fan++) {
+            Scene.Tab(Fan).Ticks().Box().Key("d").Box().Key("c");
+            Scene.Drag(ThumbPlace(1), {ThumbPlace(4)}).Drag(ThumbPlace(6), {ThumbPlace(4)});
         }
         const RUN Run = Scene.Play();
         EXPECT_EQ(Run.Session.Status, EFI_SUCCESS);
-        EXPECT_GE(Run.AllSettings().size(), 15u);
+        EXPECT_GE(Run.Writes().size(), 15u);
     }
 }
 
 TEST(FanWrites, ServicesThatFailToReadOrWriteAreNotAskedAgain)
 {
     SCENE Scene;
-    for (int Fan = 4; Fan <= 10; Fan++) {
+    for (int Fan = gFirstFan; Fan <= gLastFan; Fan++) {
         Scene.Line("fail GetFan" + std::to_string(Fan) + "Setting DEVICE_ERROR 100");
         Scene.Line("fail SetFan" + std::to_string(Fan) + "Setting DEVICE_ERROR 100");
     }
-    Scene.Drag(397, 487, {{427, 427}});
-    Scene.Click(gBoxX, gBoxY).Click(gBoxX, gBoxY);
-    for (int Fan = 5; Fan <= 10; Fan++) {
-        SelectTab(Scene, Fan);
-        Scene.Ticks();
+    Scene.Drag({397, 487}, {{427, 427}}).Box().Box();
+    for (int Fan = 5; Fan <= gLastFan; Fan++) {
+        Scene.Tab(Fan).Ticks();
     }
-    Scene.Key("d").Key("c").Key("f");
-    const RUN Run = Scene.Play();
+    const RUN Run = Scene.Key("d").Key("c").Key("f").Play();
     EXPECT_EQ(Run.Session.Status, EFI_SUCCESS);
-    // Two clicks on fan 4's box; the tabs of 6, 7 and 8 once each.
-    EXPECT_GE(Run.Settings(4).size(), 2u);
-    for (int Fan : {6, 7, 8}) {
-        EXPECT_EQ(Run.Settings(Fan).size(), 1u) << Fan;
+    EXPECT_GE(Run.Count("SetFan4Setting"), 2u); // two clicks on its box
+    for (const char* Tab : {"SetFan6Setting", "SetFan7Setting", "SetFan8Setting"}) {
+        EXPECT_EQ(Run.Count(Tab), 1u) << Tab;
     }
 }
 
-// How often the writes came out as they did, with a component missing in each run.
-std::map<WRITES, int> WritesWithoutOneComponent(const SCENE& Scene)
+// How many runs wrote each of the outcomes; any other fails the test.
+std::vector<int> RunsThatWrote(const std::vector<RUN>& Runs, const std::vector<WRITES>& Outcomes)
 {
-    std::map<WRITES, int> Outcomes;
-    for (const RUN& Run : PlayWithoutOneComponent(Scene)) {
-        Outcomes[Run.AllSettings()]++;
+    std::vector<int> Counts(Outcomes.size());
+    for (const RUN& Run : Runs) {
+        const auto Found = std::find(Outcomes.begin(), Outcomes.end(), Run.Writes());
+        if (Found == Outcomes.end()) {
+            ADD_FAILURE() << "wrote " << testing::PrintToString(Run.Writes());
+        } else {
+            Counts[static_cast<size_t>(Found - Outcomes.begin())]++;
+        }
     }
-    return Outcomes;
+    return Counts;
 }
 
 TEST(FanWrites, AFanWithoutAPlaceInTheRegistryIsTakenForNoOther)
 {
     // Fans 9 and 10 have a thumb and nothing else. Without its tab 10 can't be chosen, and without its thumb or the frame
     // that this stands on not be set; whatever else is missing, what is meant for it doesn't reach 9.
-    SCENE Thumbs = SceneWithOnly({9, 10});
-    SelectTab(Thumbs, 10);
-    Thumbs.Drag(397, 322, {{397, 362}});
-    const WRITES Ten = {Write(10, "00 00 00 00 00 00 00 00 00 00 04")};
-    std::map<WRITES, int> Outcomes = WritesWithoutOneComponent(Thumbs);
-    EXPECT_GT(Outcomes[Ten], 8);
-    Outcomes.erase(Ten);
-    EXPECT_EQ(Outcomes, (std::map<WRITES, int>{{{}, 3}}));
+    std::vector<RUN> Runs = PlayWithoutOneComponent(SceneWithOnly({9, 10}).Tab(10).Thumb(4));
+    std::vector<int> Counts = RunsThatWrote(Runs, {{SettingOf(10).Level(4)}, {}});
+    EXPECT_GT(Counts[0], 8);
+    EXPECT_EQ(Counts[1], 3);
 
     // Fans 4 and 5 have nodes. Without its tab 5 can't be chosen, and the drag is one of the page of 4 that is on screen.
     // Without the node itself or its frame nothing happens, and no other node goes in its place.
-    SCENE Nodes = SceneWithOnly({4, 5});
-    SelectTab(Nodes, 5);
-    Nodes.Drag(487, 397, {{517, 397}});
-    const std::string Moved = "01 0a 07 05 01 02 04 06 08 00 01";
-    Outcomes = WritesWithoutOneComponent(Nodes);
-    EXPECT_GT(Outcomes[{Write(5, Moved)}], 8);
-    Outcomes.erase({Write(5, Moved)});
-    EXPECT_EQ(Outcomes, (std::map<WRITES, int>{{{}, 2}, {{Write(4, Moved)}, 1}}));
+    const auto Moved = [](int Fan) { return WRITES{SettingOf(Fan).Node(1, {1, 0}).Level(1)}; };
+    Runs = PlayWithoutOneComponent(SceneWithOnly({4, 5}).Tab(5).Node(1, {1, 0}));
+    Counts = RunsThatWrote(Runs, {Moved(5), {}, Moved(4)});
+    EXPECT_GT(Counts[0], 8);
+    EXPECT_EQ(Counts[1], 2);
+    EXPECT_EQ(Counts[2], 1);
 }
 
 } // namespace

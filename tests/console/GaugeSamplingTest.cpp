@@ -2,8 +2,6 @@
 
 namespace {
 
-constexpr UINT64 gLefts[7] = {69, 196, 323, 450, 577, 704, 831};
-
 // Readings come in a round of 8 ticks and paintings in one of 14, which meet in 56 ways. All voltages step at once, each
 // time 29 ticks after the last, so that the 56 steps fall into all of these ways; after 22 ticks each has been read, and
 // then painted.
@@ -14,9 +12,9 @@ TEST(GaugeSampling, FollowsAStepAtWhicheverTickItComes)
     SCENE Scene;
     Scene.Options.LowTextPictures = true;
     for (int Step = 0; Step < Steps; Step++) {
-        for (int Gauge = 0; Gauge < 7; Gauge++) {
+        for (int Number = 0; Number < 7; Number++) {
             // 3.101 volts on the first gauge after the first step, 3.102 on the second, 3.111 on the first after the second.
-            Scene.Line("reading " + std::to_string(11 + Gauge) + " " + std::to_string(3101 + 10 * Step + Gauge));
+            Scene.Reading(11 + Number, static_cast<UINT64>(3101 + 10 * Step + Number));
         }
         Scene.Ticks(TicksOfAStep);
     }
@@ -28,9 +26,9 @@ TEST(GaugeSampling, FollowsAStepAtWhicheverTickItComes)
     int Step = 0;
     for (const CALL_LINE& Line : Run.Calls) {
         if (Line.Turn > TicksOfAStep * static_cast<UINT64>(Step + 1)) {
-            for (int Gauge = 0; Gauge < 7; Gauge++) {
-                if (Shown[Gauge] != "3." + std::to_string(101 + 10 * Step + Gauge)) {
-                    Late += " " + std::to_string(Gauge) + " at " + std::to_string(Step) + ",";
+            for (int Number = 0; Number < 7; Number++) {
+                if (Shown[Number] != "3." + std::to_string(101 + 10 * Step + Number)) {
+                    Late += " " + std::to_string(Number) + " at " + std::to_string(Step) + ",";
                 }
             }
             if (++Step == Steps) {
@@ -39,11 +37,11 @@ TEST(GaugeSampling, FollowsAStepAtWhicheverTickItComes)
         }
         if (Line.Call == "StringToImage") {
             Rendered = Line.Text("text");
-        } else if (Line.Call == "Blt" && Line.Number("y") == 624 && Line.Number("width") == 127) {
-            const auto Gauge = std::find(std::begin(gLefts), std::end(gLefts), Line.Number("x")) - std::begin(gLefts);
-            ASSERT_LT(Gauge, 7);
+        } else if (Line.Call == "Blt" && AreaOf(Line).Y == Gauge(0).Y) {
+            const int Number = (AreaOf(Line).X - Gauge(0).X) / Gauge(0).Width;
+            ASSERT_EQ(AreaOf(Line), Gauge(Number));
             if (Rendered.starts_with("3.")) { // no readout's number has a point
-                Shown[Gauge] = Rendered;
+                Shown[Number] = Rendered;
             }
             Rendered.clear();
         }

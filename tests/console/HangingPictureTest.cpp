@@ -29,13 +29,13 @@ TEST(HangingPicture, AnExitButtonWiderThanItsRoomIsCutAtTheScreensEdge)
         const std::string Strip = Folder.File("exit.jpg");
         WriteStrip(Strip, Width, 24);
         SCENE Scene;
-        Scene.Line("artwork 17 " + Strip).Line("pointer 600 20").Turns(2).Screenshot("start");
-        const RUN Run = Scene.Click(1023, 104).Turns(20).Play();
+        Scene.Line("artwork 17 " + Strip).Point(gAway).Turns(2).Screenshot("start");
+        const RUN Run = Scene.Click({1023, 104}).Turns(20).Play();
         // The button stands at (932, 81), 24 pixels high; its caption begins at column 10.
         const PICTURE& Picture = Run.Picture("start");
-        for (UINTN Row = 81; Row < 81 + 24; Row++) {
-            ASSERT_NEAR(PixelAt(Picture, 932 + 4, Row) & 0xFF, 0x30, 8) << Row;
-            ASSERT_NEAR(PixelAt(Picture, 1023, Row) & 0xFF, 0xC0, 8) << Row;
+        for (int Row = 81; Row < 81 + 24; Row++) {
+            ASSERT_NEAR(PixelAt(Picture, {932 + 4, Row}) & 0xFF, 0x30, 8) << Row;
+            ASSERT_NEAR(PixelAt(Picture, {1023, Row}) & 0xFF, 0xC0, 8) << Row;
         }
         EXPECT_LT(Run.Named("Return").at(0).Turn, Scene.TurnsSoFar) << "the last pixel of the last row is Exit, too";
     }

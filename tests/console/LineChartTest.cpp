@@ -9,57 +9,44 @@
 
 namespace {
 
-constexpr UINTN gChartX = 382;
-constexpr UINTN gChartY = 262;
-constexpr UINTN gChartWidth = 391;
-constexpr UINTN gChartHeight = 241;
-
-constexpr UINT32 gPanel = 0x242424;
 constexpr UINT32 gGrid = 0x474747; // every 24th row
 constexpr UINT32 gMark = 0xFFFF00;
 constexpr UINT32 gRpm = 0x02FFFD;
 constexpr UINT32 gTemperature = 0xF7B500;
 
-UINT32 ChartPixel(const PICTURE& Picture, UINTN X, UINTN Y)
+UINT32 ChartPixel(const PICTURE& Picture, int X, int Y) { return PixelAt(Picture, {gFrame.X + X, gFrame.Y + Y}); }
+
+UINT32 EmptyChart(int X, int Y)
 {
-    return PixelAt(Picture, gChartX + X, gChartY + Y);
+    const bool IsMark = (Y == 240 && X >= 346 && X <= 361) || (Y >= 235 && Y <= 239 && X <= 351 && X + Y >= 351 + 235);
+    return IsMark ? gMark : Y % 24 == 0 ? gGrid : gPanelGray;
 }
 
-bool IsMark(UINTN X, UINTN Y)
+// Grid and mark alone, from behind the thumb of the slider beneath to a column.
+void ExpectEmpty(const PICTURE& Picture, int End)
 {
-    return (Y == 240 && X >= 346 && X <= 361) || (Y >= 235 && Y <= 239 && X <= 351 && X + Y >= 351 + 235);
-}
-
-UINT32 EmptyChart(UINTN X, UINTN Y)
-{
-    return IsMark(X, Y) ? gMark : Y % 24 == 0 ? gGrid : gPanel;
+    for (int Row = 0; Row < gFrame.Height; Row++) {
+        for (int Column = 30; Column < End; Column++) {
+            ASSERT_EQ(ChartPixel(Picture, Column, Row), EmptyChart(Column, Row)) << Column << ", " << Row;
+        }
+    }
 }
 
 // A page whose chart lies on the plain panel, but for the thumb in its first column of cells.
-SCENE OnPage(int Fan)
-{
-    SCENE Scene;
-    Scene.Click(Fan == 9 ? 818 : 917, 150).Line("reading 0 0");
-    return Scene;
-}
-
-void Sample(SCENE& Scene, int Fan, int Rpm)
-{
-    Scene.Line("reading " + std::to_string(Fan) + " " + std::to_string(Rpm)).Ticks();
-}
+SCENE OnPage(int Fan) { return SCENE().Tab(Fan).Reading(0, 0); }
 
 // One run of rows of a column: 'A' above the curve, 'L' on it, 'F' under it.
 struct RUN_OF_ROWS {
-    UINTN First;
-    UINTN Last;
+    int First;
+    int Last;
     char Class;
 };
 
 // The lowest two rows belong to the temperature of 0 degrees, which is drawn as 1: its point is at height 2.
-void ExpectColumn(const PICTURE& Picture, UINTN Column, const std::vector<RUN_OF_ROWS>& Runs)
+void ExpectColumn(const PICTURE& Picture, int Column, const std::vector<RUN_OF_ROWS>& Runs)
 {
     for (const RUN_OF_ROWS& Run : Runs) {
-        for (UINTN Row = Run.First; Row <= Run.Last && Row < 239; Row++) {
+        for (int Row = Run.First; Row <= Run.Last; Row++) {
             const UINT32 Color = ChartPixel(Picture, Column, Row);
             const char Class = Color == gRpm ? 'L' : Color == EmptyChart(Column, Row) ? 'A' : 'F';
             ASSERT_EQ(Class, Run.Class) << "column " << Column << ", row " << Row << ", color " << std::hex << Color;
@@ -71,22 +58,13 @@ void ExpectColumn(const PICTURE& Picture, UINTN Column, const std::vector<RUN_OF
 TEST(LineChart, DrawsEachSampleInItsColumnAndJoinsItToTheOneBefore)
 {
     SCENE Scene = OnPage(9);
-    for (int Rpm : {0, 0, 1400, 1400, 3500, 3500, 1400, 0}) {
-        Sample(Scene, 9, Rpm);
+    for (const UINT64 Rpm : {0, 0, 1400, 1400, 3500, 3500, 1400, 0, 8000}) {
+        Scene.Reading(9, Rpm).Ticks();
     }
-    Sample(Scene, 9, 8000);
-    Scene.Screenshot("above");
-    Sample(Scene, 9, 7000);
-    Scene.Screenshot("all").Turns();
-    const RUN Run = Scene.Play();
+    const RUN Run = Scene.Screenshot("above").Reading(9, 7000).Ticks().Screenshot("all").Play();
     const PICTURE& All = Run.Picture("all");
 
-    // A chart without history shows grid and mark alone; the thumb of the slider beneath ends at column 29.
-    for (UINTN Row = 0; Row < gChartHeight; Row++) {
-        for (UINTN Column = 30; Column < 381; Column++) {
-            ASSERT_EQ(ChartPixel(All, Column, Row), EmptyChart(Column, Row)) << Column << ", " << Row;
-        }
-    }
+    ExpectEmpty(All, 381);
     // 1400 of 7000 is height 48 of 241, row 193; 3500 is height 120, row 121; 7000 is row 0.
     ExpectColumn(All, 381, {{0, 238, 'A'}});
     ExpectColumn(All, 382, {{0, 238, 'A'}});
@@ -111,22 +89,17 @@ TEST(LineChart, DrawsEachSampleInItsColumnAndJoinsItToTheOneBefore)
 TEST(LineChart, LaysTheTemperatureOverTheSpeed)
 {
     SCENE Scene = OnPage(9);
-    Scene.Line("reading 9 7000");
-    for (int Degrees : {50, 50, 20, 20, 100, 100}) {
-        Scene.Line("reading 0 " + std::to_string(Degrees)).Ticks();
+    Scene.Reading(9, 7000);
+    for (const UINT64 Degrees : {50, 50, 20, 20, 100, 100}) {
+        Scene.Reading(0, Degrees).Ticks();
     }
-    Scene.Screenshot("chart").Turns();
-    const RUN Run = Scene.Play();
+    const RUN Run = Scene.Screenshot("chart").Play();
     const PICTURE& Chart = Run.Picture("chart");
     // 50 degrees are height 120, row 121; 20 degrees height 48, row 193; 100 degrees row 0.
-    const std::vector<std::pair<UINTN, UINTN>> Lines[] = {
-        {{121, 121}}, {{121, 121}}, {{122, 193}}, {{193, 193}}, {{0, 192}}, {{0, 0}}};
-    for (UINTN Index = 0; Index < 6; Index++) {
-        for (UINTN Row = 0; Row < gChartHeight; Row++) {
-            bool OnLine = false;
-            for (const auto& [First, Last] : Lines[Index]) {
-                OnLine = OnLine || (Row >= First && Row <= Last);
-            }
+    const std::pair<int, int> Lines[] = {{121, 121}, {121, 121}, {122, 193}, {193, 193}, {0, 192}, {0, 0}};
+    for (int Index = 0; Index < 6; Index++) {
+        for (int Row = 0; Row < gFrame.Height; Row++) {
+            const bool OnLine = Row >= Lines[Index].first && Row <= Lines[Index].second;
             ASSERT_EQ(ChartPixel(Chart, 385 + Index, Row) == gTemperature, OnLine) << Index << ", " << Row;
         }
     }
@@ -140,118 +113,32 @@ TEST(LineChart, LaysTheTemperatureOverTheSpeed)
 TEST(LineChart, GoesOnAfterALaterStartAndStartsOverAfterAReset)
 {
     // Fan 10's chart is the last to be stored, so its page finds both of its series again.
-    const auto Play = [](const std::string& Between) {
-        SCENE Scene = OnPage(10);
-        Scene.Line("reading 0 44");
-        for (int Rpm : {700, 5600, 5600, 2100}) {
-            Sample(Scene, 10, Rpm);
-        }
-        if (!Between.empty()) {
-            Scene.Line("key esc").Line("turn").Line(Between);
-            if (Between == "reset") {
-                Scene.Line("start").Line("reading 0 44");
-                Scene.Turns().Click(917, 150);
-            }
-        }
-        Sample(Scene, 10, 4900);
-        Scene.Screenshot("last").Turns();
-        return Scene.Play();
-    };
-    const RUN Straight = Play("");
-    const RUN Later = Play("start");
-    const RUN Reset = Play("reset");
-    EXPECT_TRUE(SameRectangle(Straight.Picture("last"), Later.Picture("last"), gChartX, gChartY, gChartWidth,
-                              gChartHeight));
-    const PICTURE& Fresh = Reset.Picture("last");
-    for (UINTN Row = 0; Row < gChartHeight; Row++) {
-        for (UINTN Column = 30; Column < 390; Column++) {
-            ASSERT_EQ(ChartPixel(Fresh, Column, Row), EmptyChart(Column, Row)) << Column << ", " << Row;
-        }
+    SCENE Before = OnPage(10);
+    Before.Reading(0, 44);
+    for (const UINT64 Rpm : {700, 5600, 5600, 2100}) {
+        Before.Reading(10, Rpm).Ticks();
     }
-    EXPECT_EQ(ChartPixel(Fresh, 390, 241 - 168), gRpm); // 4900 of 7000 is height 168
+    SCENE Later = Before;
+    SCENE Reset = Before;
+    Reset.Reset().Reading(0, 44).Turns().Tab(10);
+    std::vector<RUN> Runs;
+    for (SCENE* Scene : {&Before, &Later.Restart(), &Reset}) {
+        Runs.push_back(Scene->Reading(10, 4900).Ticks().Screenshot("last").Play());
+    }
+    ExpectSamePicture(Runs[0].Picture("last"), Runs[1].Picture("last"), gFrame);
+    ExpectEmpty(Runs[2].Picture("last"), 390);
+    EXPECT_EQ(ChartPixel(Runs[2].Picture("last"), 390, 241 - 168), gRpm); // 4900 of 7000 is height 168
 
     // Seven charts, two variables each: looked for, made, and found at the first start; stored at its end.
     UINTN Stored = 0;
-    for (const CALL_LINE& Call : Straight.Named("SetVariable")) {
+    for (const CALL_LINE& Call : Runs[0].Named("SetVariable")) {
         if (Call.Text("name").starts_with("LineChart")) {
             EXPECT_EQ(Call.Number("attributes"), 2u);
-            EXPECT_EQ(Call.Number("size"), gChartWidth * 4);
+            EXPECT_EQ(Call.Number("size"), 391u * 4);
             Stored++;
         }
     }
     EXPECT_EQ(Stored, 7u + 1 + 14); // the temperature's variable is one for all
-}
-
-// --- The plot itself ---
-
-// Classes of a column from the top: 'A', 'L', 'F'; '?' for none of them or for a colour that isn't the class's.
-std::vector<std::string> Plot(std::vector<UINT32>& Samples, UINT32 Height, INT32 Maximum, INT32 Minimum)
-{
-    gFloatMath = &gBoardFloatMath;
-    const UINT32 Width = static_cast<UINT32>(Samples.size());
-    constexpr UINT32 Color = 0x00112233;
-    std::vector<PIXEL> Layer(Width * Height, PIXEL{9, 9, 9, 9});
-    std::vector<PIXEL> Gradient;
-    for (UINT32 I = 0; I <= Height; I++) {
-        Gradient.push_back({static_cast<UINT8>(I), 7, static_cast<UINT8>(I / 256), 0});
-    }
-    PlotLineChartSeries(Layer.data(), Gradient.data(), Samples.data(), Width, Height, Maximum, Minimum, Color,
-                        {1, static_cast<INT32>(Height)});
-    std::vector<std::string> Columns(Width);
-    for (UINT32 Row = 0; Row < Height; Row++) {
-        for (UINT32 Column = 0; Column < Width; Column++) {
-            const PIXEL& Pixel = Layer[Row * Width + Column];
-            char Class = '?';
-            if (Pixel.Reserved == 0xFE) {
-                Class = 'A';
-            } else if (Pixel.Reserved == 1 && Pixel.Blue == 0x33 && Pixel.Green == 0x22 && Pixel.Red == 0x11) {
-                Class = 'L';
-            } else if (Pixel.Reserved == 0x80 && Pixel.Blue == static_cast<UINT8>(Height - Row) && Pixel.Green == 7) {
-                Class = 'F';
-            }
-            Columns[Column] += Class;
-        }
-    }
-    return Columns;
-}
-
-TEST(LineChartPlot, SaysOfEachPixelWhetherItIsAboveOnOrUnderTheCurve)
-{
-    std::vector<UINT32> Samples = {0, 55, 55, 95, 25, 100};
-    EXPECT_EQ(Plot(Samples, 10, 100, 0), (std::vector<std::string>{
-                                             "AAAAAAAAAA",
-                                             "AAAAALFFFF",
-                                             "AAAAALFFFF",
-                                             "ALLLLFFFFF",
-                                             "AALLLLLLLF",
-                                             "LLLLLLLLFF",
-                                         }));
-    EXPECT_EQ(Samples, (std::vector<UINT32>{55, 55, 95, 25, 100, 100}));
-}
-
-TEST(LineChartPlot, TakesTheHeightBeforeTheLimitAndMovesTheLimitedSampleOn)
-{
-    std::vector<UINT32> Samples = {150, 5, 250, 45};
-    // Only Minimum's part in the range and in the limit counts: a height is measured from 0. 5 of a range of 80 is
-    // height 0, 45 is 5.
-    EXPECT_EQ(Plot(Samples, 10, 100, 20), (std::vector<std::string>{"FFFFFFFFFF", "LLLLLLLLLL", "FFFFFFFFFF",
-                                                                    "LLLLLLFFFF"}));
-    EXPECT_EQ(Samples, (std::vector<UINT32>{20, 100, 45, 45}));
-}
-
-TEST(LineChartPlot, StandsAnySampleSizeAndRange)
-{
-    std::vector<UINT32> One = {0xFFFFFFFF};
-    EXPECT_EQ(Plot(One, 1, 7000, 0), std::vector<std::string>{"F"});
-    EXPECT_EQ(One, std::vector<UINT32>{7000});
-    for (const INT32 Maximum : {0, 1, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
-        for (const INT32 Minimum : {0, 0x7FFFFFFF, -0x7FFFFFFF - 1}) {
-            std::vector<UINT32> Samples = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0};
-            for (const std::string& Column : Plot(Samples, 241, Maximum, Minimum)) {
-                EXPECT_EQ(Column.find('?'), std::string::npos) << Maximum << ", " << Minimum;
-            }
-        }
-    }
 }
 
 // Two fans' charts take turns with one layer, as pages do, and what is known of it spares them most of the writing.

@@ -1,7 +1,5 @@
 // What a person sees of the texts: each stands on one ground, with no box of another shade around it, and can be read.
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include "tests/console/ConsoleBench.h"
 
@@ -12,16 +10,13 @@ enum COLORS { OWN_GROUND, PALETTE_GROUND };    // whether the pictures choose wh
 
 struct TEXT_PLACE {
     std::string Name;
-    UINTN X;
-    UINTN Y;
-    UINTN Width;
-    UINTN Height;
+    AREA Area;
     UINT32 Color;
     COLORS Ground;
     SIDES Sides = ALL_SIDES;
 };
 
-constexpr UINTN gRow = 19; // a character cell of the system font is 8 by 19
+constexpr int gRow = 19; // a character cell of the system font is 8 by 19
 
 int Distance(UINT32 A, UINT32 B)
 {
@@ -60,18 +55,17 @@ constexpr double gReadable = 4.5;
 // The text's letters are alone on the ground that goes on outside their box, and differ from it enough.
 void ExpectOnOneGround(const PICTURE& Picture, const TEXT_PLACE& Place)
 {
-    const bool Left = Place.Sides != NOT_LEFT;
-    const bool Right = Place.Sides != NOT_RIGHT;
+    const AREA& Area = Place.Area;
+    const int Right = Area.X + Area.Width;
     UINTN Letters = 0;
     double Lowest = 21;
-    for (UINTN Y = Place.Y; Y < Place.Y + Place.Height; Y++) {
-        const UINT32 Ground = PixelAt(Picture, Left ? Place.X - 1 : Place.X + Place.Width, Y);
-        if (Left && Right) {
-            EXPECT_LE(Distance(PixelAt(Picture, Place.X + Place.Width, Y), Ground), gSameRow)
-                << Place.Name << ": right of row " << Y;
+    for (int Y = Area.Y; Y < Area.Y + Area.Height; Y++) {
+        const UINT32 Ground = PixelAt(Picture, {Place.Sides == NOT_LEFT ? Right : Area.X - 1, Y});
+        if (Place.Sides == ALL_SIDES) {
+            EXPECT_LE(Distance(PixelAt(Picture, {Right, Y}), Ground), gSameRow) << Place.Name << ": right of row " << Y;
         }
-        for (UINTN X = Place.X; X < Place.X + Place.Width; X++) {
-            const UINT32 Color = PixelAt(Picture, X, Y);
+        for (int X = Area.X; X < Right; X++) {
+            const UINT32 Color = PixelAt(Picture, {X, Y});
             if (Color == Place.Color) {
                 Letters++;
                 Lowest = std::min(Lowest, Contrast(Color, Ground));
@@ -80,10 +74,10 @@ void ExpectOnOneGround(const PICTURE& Picture, const TEXT_PLACE& Place)
             }
         }
     }
-    for (const UINTN Y : {Place.Y, Place.Y + Place.Height}) {
-        for (UINTN X = Place.X; X < Place.X + Place.Width; X++) {
-            const UINT32 Above = PixelAt(Picture, X, Y - 1);
-            const UINT32 Below = PixelAt(Picture, X, Y);
+    for (const int Y : {Area.Y, Area.Y + Area.Height}) {
+        for (int X = Area.X; X < Right; X++) {
+            const UINT32 Above = PixelAt(Picture, {X, Y - 1});
+            const UINT32 Below = PixelAt(Picture, {X, Y});
             if (Above != Place.Color && Below != Place.Color) {
                 ASSERT_LE(Distance(Above, Below), gNextRow) << Place.Name << ": between rows at " << X << ", " << Y;
             }
@@ -95,51 +89,46 @@ void ExpectOnOneGround(const PICTURE& Picture, const TEXT_PLACE& Place)
     }
 }
 
-constexpr UINTN gTabX[] = {275, 374, 473, 572, 672, 770, 869};
-constexpr UINTN gReadoutX[] = {275, 374, 473, 572, 671, 770, 869};
-
 std::vector<TEXT_PLACE> PlacesAtRest()
 {
     constexpr UINT32 Caption = 0x767676;
     constexpr UINT32 Label = 0x7B7B7B;
     constexpr UINT32 Heading = 0x007ADA;
     std::vector<TEXT_PLACE> Places = {
-        {"About", 786, 85, 40, gRow, Caption, OWN_GROUND},
-        {"Help", 867, 85, 32, gRow, Caption, OWN_GROUND},
-        {"Exit", 942, 87, 32, gRow, Caption, OWN_GROUND},
-        {"Full speed", 543, 561, 112, gRow, Caption, OWN_GROUND},
-        {"Default", 690, 561, 112, gRow, Caption, OWN_GROUND},
-        {"Cancel", 837, 561, 112, gRow, Caption, OWN_GROUND},
-        {"panel title", 311, 232, 88, gRow, Heading, PALETTE_GROUND},
-        {"caption of the gauges", 69, 600, 64, gRow, Heading, PALETTE_GROUND},
+        {"About", Button(ABOUT).Part(16, 4, 40, gRow), Caption, OWN_GROUND},
+        {"Help", Button(HELP).Part(16, 4, 32, gRow), Caption, OWN_GROUND},
+        {"Exit", Button(EXIT).Part(10, 6, 32, gRow), Caption, OWN_GROUND},
+        {"Full speed", Button(FULL_SPEED).Part(12, 3, 112, gRow), Caption, OWN_GROUND},
+        {"Default", Button(DEFAULT).Part(12, 3, 112, gRow), Caption, OWN_GROUND},
+        {"Cancel", Button(CANCEL).Part(12, 3, 112, gRow), Caption, OWN_GROUND},
+        {"panel title", {311, 232, 88, gRow}, Heading, PALETTE_GROUND},
+        {"caption of the gauges", {69, 600, 64, gRow}, Heading, PALETTE_GROUND},
     };
-    for (UINTN Fan = 0; Fan < 7; Fan++) {
-        const std::string Name = "fan " + std::to_string(Fan + 4);
-        const bool OnTop = Fan == 0;
-        Places.push_back({Name + "'s tab", gTabX[Fan] + 20, 156, 60, gRow, Caption, OWN_GROUND});
-        Places.push_back({Name + "'s value", gReadoutX[Fan] + 6, 189, 40, gRow, OnTop ? 0x19F8F5u : Label,
-                          PALETTE_GROUND, NOT_RIGHT});
+    for (int Fan = gFirstFan; Fan <= gLastFan; Fan++) {
+        const std::string Name = "fan " + std::to_string(Fan);
+        const AREA Value = FanNumber(Fan);
+        Places.push_back({Name + "'s tab", Tab(Fan).Part(20, 38, 60, gRow), Caption, OWN_GROUND});
+        Places.push_back({Name + "'s value", Value, Fan == gFirstFan ? 0x19F8F5u : Label, PALETTE_GROUND, NOT_RIGHT});
         // Behind the blank that the unit begins with, in which the line between the two cells stands.
-        Places.push_back({Name + "'s unit", gReadoutX[Fan] + 54, 189, 24, gRow, Label, PALETTE_GROUND});
+        Places.push_back({Name + "'s unit", Value.Part(48, 0, 24, gRow), Label, PALETTE_GROUND});
     }
-    for (UINTN Source = 0; Source < 3; Source++) {
-        const std::string Name = "source " + std::to_string(Source);
-        const UINTN Y = 304 + 37 * Source;
-        Places.push_back({Name + "'s name", 111, Y - 1, 48, gRow, 0xF5F5F5, OWN_GROUND});
-        Places.push_back({Name + "'s value", 181, Y, 40, gRow, 0xF7B500, PALETTE_GROUND, NOT_RIGHT});
-        Places.push_back({Name + "'s unit", 222, Y, 15, gRow, Label, PALETTE_GROUND, NOT_LEFT});
+    for (int Number = 0; Number < 3; Number++) {
+        const std::string Name = "source " + std::to_string(Number);
+        Places.push_back({Name + "'s name", Source(Number).Part(56, 7, 48, gRow), 0xF5F5F5, OWN_GROUND});
+        Places.push_back({Name + "'s value", SourceNumber(Number), 0xF7B500, PALETTE_GROUND, NOT_RIGHT});
+        Places.push_back({Name + "'s unit", SourceNumber(Number).Part(41, 0, 15, gRow), Label, PALETTE_GROUND, NOT_LEFT});
     }
     constexpr UINT32 NodeColors[] = {0x04961F, 0x006DF7, 0xFAB000, 0xCA0000};
-    for (UINTN Node = 0; Node < 4; Node++) {
+    for (int Node = 0; Node < 4; Node++) {
         // From behind the icons to the panel's outline.
-        Places.push_back({"legend of node " + std::to_string(Node + 1), 868, 260 + 29 * Node, 88, gRow,
+        Places.push_back({"legend of node " + std::to_string(Node + 1), {868, 260 + 29 * Node, 88, gRow},
                           NodeColors[Node], PALETTE_GROUND});
     }
-    for (UINTN Gauge = 0; Gauge < 7; Gauge++) {
+    for (int Number = 0; Number < 7; Number++) {
         // A gauge is 127 wide; its last column is left to look at.
-        const std::string Name = "gauge " + std::to_string(Gauge);
-        Places.push_back({Name + "'s value", 69 + 127 * Gauge, 624, 126, gRow, 0x606060, PALETTE_GROUND});
-        Places.push_back({Name + "'s title", 69 + 127 * Gauge, 686, 126, gRow, 0x646464, PALETTE_GROUND});
+        const std::string Name = "gauge " + std::to_string(Number);
+        Places.push_back({Name + "'s value", Gauge(Number).Part(0, 0, 126, gRow), 0x606060, PALETTE_GROUND});
+        Places.push_back({Name + "'s title", Gauge(Number).Part(0, 62, 126, gRow), 0x646464, PALETTE_GROUND});
     }
     return Places;
 }
@@ -148,7 +137,7 @@ std::vector<TEXT_PLACE> PlacesAtRest()
 
 TEST(Looks, EveryTextAtRestStandsOnOneGroundAndCanBeRead)
 {
-    const RUN Run = SCENE("full").Move(900, 450).Ticks(20).Screenshot("rest").Play();
+    const RUN Run = SCENE().Move({900, 450}).Ticks(20).Screenshot("rest").Play();
     for (const TEXT_PLACE& Place : PlacesAtRest()) {
         ExpectOnOneGround(Run.Picture("rest"), Place);
     }
@@ -156,52 +145,45 @@ TEST(Looks, EveryTextAtRestStandsOnOneGroundAndCanBeRead)
 
 TEST(Looks, CaptionsUnderThePointerStandOnOneGroundAndCanBeRead)
 {
-    const struct {
-        int PointerX;
-        int PointerY;
-        TEXT_PLACE Place;
-    } Hovers[] = { // the pointer stays beside the caption, and its picture of 16 by 24 too
-        {832, 83, {"About", 786, 85, 40, gRow, 0xFFFFFF, OWN_GROUND}},
-        {905, 83, {"Help", 867, 85, 32, gRow, 0xFFFFFF, OWN_GROUND}},
-        {976, 83, {"Exit", 942, 87, 32, gRow, 0xFFFFFF, OWN_GROUND}},
-        {664, 570, {"Full speed", 543, 561, 112, gRow, 0xFFFFFF, OWN_GROUND}},
-        {480, 130, {"fan 6's tab", 493, 156, 60, gRow, 0xFFFFFF, OWN_GROUND}},
-        {60, 345, {"source 1's name", 111, 340, 48, gRow, 0xF5F5F5, OWN_GROUND}},
-    };
-    SCENE Scene("full");
+    const std::pair<PLACE, std::string> Hovers[] = { // the pointer stays beside the caption, and its picture of 16 by 24 too
+        {{832, 83}, "About"},      {{905, 83}, "Help"},        {{976, 83}, "Exit"},
+        {{664, 570}, "Full speed"}, {{480, 130}, "fan 6's tab"}, {{60, 345}, "source 1's name"}};
+    SCENE Scene;
     Scene.Ticks(3);
-    for (const auto& Hover : Hovers) {
-        Scene.Move(Hover.PointerX, Hover.PointerY).Turns(3).Ticks(3).Screenshot(Hover.Place.Name);
+    for (const auto& [Pointer, Name] : Hovers) {
+        Scene.Move(Pointer).Turns(3).Ticks(3).Screenshot(Name);
     }
     const RUN Run = Scene.Play();
-    for (const auto& Hover : Hovers) {
-        ExpectOnOneGround(Run.Picture(Hover.Place.Name), Hover.Place);
+    for (TEXT_PLACE& Place : PlacesAtRest()) {
+        if (std::any_of(std::begin(Hovers), std::end(Hovers), [&](const auto& Hover) { return Hover.second == Place.Name; })) {
+            Place.Color = Place.Name.starts_with("source") ? Place.Color : 0xFFFFFF;
+            ExpectOnOneGround(Run.Picture(Place.Name), Place);
+        }
     }
 }
 
 TEST(Looks, TextsOfAMessageBoxStandOnOneGroundAndCanBeRead)
 {
-    SCENE Scene("full");
-    Scene.Ticks(3).Click(883, 94).Turns(3).Move(900, 600).Turns(3).Screenshot("help");
-    const RUN Run = Scene.Play();
+    const RUN Run = SCENE().Ticks(3).Button(HELP).Turns(3).Move({900, 600}).Turns(3).Screenshot("help").Play();
     // The box begins at (300, 159), its text 20 right and 16 below; two rows, two blank ones, four rows.
     constexpr UINT32 Letter = 0xC8C8C8;
-    for (const UINTN Line : {0u, 1u, 4u, 5u, 6u, 7u}) {
-        ExpectOnOneGround(Run.Picture("help"), {"line " + std::to_string(Line), 320, 175 + gRow * Line, 352, gRow,
-                                                Letter, OWN_GROUND});
+    for (const int Line : {0, 1, 4, 5, 6, 7}) {
+        ExpectOnOneGround(Run.Picture("help"),
+                          {"line " + std::to_string(Line), {320, 175 + gRow * Line, 352, gRow}, Letter, OWN_GROUND});
     }
-    ExpectOnOneGround(Run.Picture("help"), {"OK", 484, 381, 32, gRow, Letter, OWN_GROUND});
+    ExpectOnOneGround(Run.Picture("help"), {"OK", {484, 381, 32, gRow}, Letter, OWN_GROUND});
 }
 
 TEST(Looks, TheFormInWhichAFirmwareHandsOutTextsIsNotToBeSeen)
 {
     SCENE Scene;
-    Scene.Ticks(3).Click(800, 150).Ticks(3).Screenshot("page").Click(883, 94).Turns(3).Screenshot("help");
+    Scene.Ticks(3).Tab(9).Ticks(3).Screenshot("page").Button(HELP).Turns(3).Screenshot("help");
     const RUN High = Scene.Play();
     Scene.Options.LowTextPictures = true;
     const RUN Low = Scene.Play();
-    EXPECT_TRUE(High.Picture("page") == Low.Picture("page"));
-    EXPECT_TRUE(High.Picture("help") == Low.Picture("help"));
+    for (const char* Name : {"page", "help"}) {
+        ExpectSamePicture(High.Picture(Name), Low.Picture(Name));
+    }
 }
 
 TEST(Looks, APageShowsItsOwnNodesFromItsFirstVisitOn)
@@ -209,14 +191,14 @@ TEST(Looks, APageShowsItsOwnNodesFromItsFirstVisitOn)
     // Tabs of fans with their curve on; of each the second node's place, told by the node's color around its number.
     const struct {
         const char* Board;
-        int TabX;
-        UINTN NodeX;
-        UINTN NodeY;
-    } Pages[] = {{"full", 420, 487, 397}, {"kind0", 420, 457, 442}, {"full", 520, 457, 442}, {"full", 620, 457, 442}};
+        int Fan;
+        GRID Grid;
+    } Pages[] = {{"full", 5, EIGHT_ROWS}, {"kind0", 5, SIX_ROWS}, {"full", 6, SIX_ROWS}, {"full", 7, SIX_ROWS}};
     for (const auto& Page : Pages) {
-        const RUN Run = SCENE(Page.Board).Ticks(2).Click(Page.TabX, 150).Ticks(2).Screenshot("page").Play();
-        const UINTN InNode = CountColor(Run.Picture("page"), 0x006DF7, Page.NodeX - 15, Page.NodeY - 15, 30, 30);
-        EXPECT_GT(InNode, 100u) << Page.Board << " " << Page.TabX;
-        EXPECT_EQ(CountColor(Run.Picture("page"), 0x006DF7, 382, 262, 391, 241), InNode) << "another page's node";
+        const RUN Run = SCENE(Page.Board).Ticks(2).Tab(Page.Fan).Ticks(2).Screenshot("page").Play();
+        const PLACE Node = NodePlace(Page.Grid, 1);
+        const UINTN InNode = CountColor(Run.Picture("page"), 0x006DF7, {Node.X - 15, Node.Y - 15, 30, 30});
+        EXPECT_GT(InNode, 100u) << Page.Board << " " << Page.Fan;
+        EXPECT_EQ(CountColor(Run.Picture("page"), 0x006DF7, gFrame), InNode) << "another page's node";
     }
 }

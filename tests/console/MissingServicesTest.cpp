@@ -37,16 +37,16 @@ TEST(MissingServices, ARefusalToInitializeIsPassedOver)
 {
     const RUN Run = SCENE().Line("fail Initialize DEVICE_ERROR").Turns(2).Play();
     EXPECT_EQ(Run.Session.Status, EFI_SUCCESS);
-    EXPECT_EQ(Run.Named("Initialize").size(), 1u);
+    EXPECT_EQ(Run.Count("Initialize"), 1u);
 }
 
 TEST(MissingServices, WithoutFontsTheConsoleRunsWithoutTexts)
 {
-    const RUN Run = SCENE().Line("without EFI_HII_FONT_PROTOCOL").Turns(15).Click(600, 570).Play();
+    const RUN Run = SCENE().Line("without EFI_HII_FONT_PROTOCOL").Turns(15).Button(FULL_SPEED).Play();
     EXPECT_EQ(Run.Session.Status, EFI_SUCCESS);
     EXPECT_NE(Run.Session.ErrorText.find("gEfiHiiFontProtocolGuid was not loaded"), std::string::npos);
     EXPECT_TRUE(Run.Named("StringToImage").empty());
-    EXPECT_EQ(Run.Named("SetAllFansFullSpeed").size(), 1u);
+    EXPECT_EQ(Run.Count("SetAllFansFullSpeed"), 1u);
 }
 
 TEST(MissingServices, WithoutThePointersPictureTheStartEndsWithAReport)

@@ -3,36 +3,37 @@
 
 namespace {
 
-struct PLACE {
+struct NAME {
     int Item;
-    UINTN Room;                // characters
-    UINTN TextX, TextY;        // of the first one
-    UINTN X, Y, Width, Height; // what a name may change
+    int Room;     // characters
+    PLACE Text;   // of the first one
+    AREA Around;  // what a name may change
 };
 
-constexpr PLACE gPlaces[] = {
-    {0, 6, 111, 303, 55, 296, 110, 37},    // a source's radio
-    {4, 8, 307, 156, 275, 118, 97, 63},    // a fan's tab
-    {13, 15, 323, 686, 323, 624, 127, 81}, // a voltage's gauge
+constexpr NAME gNames[] = {
+    {0, 6, {111, 303}, {55, 296, 110, 37}}, // a source's radio
+    {4, 8, {307, 156}, Tab(4)},
+    {13, 15, {323, 686}, Gauge(2)},
 };
 
 // The first screen when these items' names have Length characters, or More than there is room for; with neither, none.
-PICTURE FirstScreen(UINTN Length, int More = -1)
+PICTURE FirstScreen(int Length, int More = -1)
 {
     SCENE Scene;
-    for (const PLACE& Place : gPlaces) {
-        const UINTN Count = More < 0 ? Length : Place.Room + static_cast<UINTN>(More);
-        Scene.Line("string " + std::to_string(Place.Item) + " " + (Count == 0 ? "null" : std::string(Count, 'W')));
+    for (const NAME& Name : gNames) {
+        const int Count = More < 0 ? Length : Name.Room + More;
+        const std::string Letters(static_cast<UINTN>(Count), 'W');
+        Scene.Line("string " + std::to_string(Name.Item) + " " + (Count == 0 ? "null" : Letters));
     }
-    return Scene.Turns().Screenshot("s").Turns().Play().Picture("s");
+    return Scene.Turns().Screenshot("s").Play().Picture("s");
 }
 
 // The picture without what names may change.
 PICTURE Rest(PICTURE Picture)
 {
-    for (const PLACE& Place : gPlaces) {
-        for (UINTN Row = Place.Y; Row < Place.Y + Place.Height; Row++) {
-            std::fill_n(Picture.begin() + static_cast<std::ptrdiff_t>(Row * 1024 + Place.X), Place.Width, 0);
+    for (const NAME& Name : gNames) {
+        for (int Row = Name.Around.Y; Row < Name.Around.Y + Name.Around.Height; Row++) {
+            std::fill_n(Picture.begin() + Row * gScreen.Width + Name.Around.X, Name.Around.Width, 0);
         }
     }
     return Picture;
@@ -45,16 +46,17 @@ TEST(Names, OfAnyLengthStayInTheirPlacesAndTooLongOnesAreLeftOut)
     const PICTURE More = FirstScreen(0, 1);
     const PICTURE Most = FirstScreen(59); // 63 with a tab's four blanks
     EXPECT_TRUE(FirstScreen(64) == None);
-    EXPECT_TRUE(Rest(Full) == Rest(None));
-    EXPECT_TRUE(Rest(More) == Rest(None));
-    EXPECT_TRUE(Rest(Most) == Rest(None));
-    for (const PLACE& Place : gPlaces) {
-        SCOPED_TRACE(Place.Item);
-        for (UINTN Letter = 0; Letter < Place.Room; Letter++) {
-            EXPECT_FALSE(SameRectangle(None, Full, Place.TextX + Letter * 8, Place.TextY, 8, 19)) << Letter;
+    for (const PICTURE& Named : {Full, More, Most}) {
+        ExpectSamePicture(Rest(Named), Rest(None));
+    }
+    for (const NAME& Name : gNames) {
+        SCOPED_TRACE(Name.Item);
+        const AREA Text = {Name.Text.X, Name.Text.Y, Name.Room * 8, 19};
+        for (int Letter = 0; Letter < Name.Room; Letter++) {
+            EXPECT_TRUE(Differ(None, Full, Text.Part(8 * Letter, 0, 8, 19))) << Letter;
         }
-        EXPECT_TRUE(SameRectangle(Full, More, Place.TextX, Place.TextY, Place.Room * 8, 19)) << "what fits is shown";
-        EXPECT_TRUE(SameRectangle(Full, Most, Place.TextX, Place.TextY, Place.Room * 8, 19));
+        ExpectSamePicture(Full, More, Text); // what fits is shown
+        ExpectSamePicture(Full, Most, Text);
     }
 }
 

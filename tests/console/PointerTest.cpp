@@ -2,74 +2,52 @@
 
 namespace {
 
-// Full speed is the button at (531, 558), Default the one at (678, 558); each 138 by 26.
-constexpr int gFullSpeedX = 600;
-constexpr int gDefaultX = 745;
-constexpr int gButtonY = 570;
+constexpr PLACE gFullSpeed = Button(FULL_SPEED).Center();
+constexpr PLACE gDefault = Button(DEFAULT).Center();
 
-UINTN FullSpeeds(const RUN& Run) { return Run.Named("SetAllFansFullSpeed").size(); }
-UINTN Defaults(const RUN& Run) { return Run.Named("LoadDefaultFanSettings").size(); }
+UINTN FullSpeeds(const RUN& Run) { return Run.Count("SetAllFansFullSpeed"); }
+UINTN Defaults(const RUN& Run) { return Run.Count("LoadDefaultFanSettings"); }
+
+// A press on Full speed, and what follows it.
+SCENE Pressed() { return SCENE().Move(gFullSpeed).Press().Turns(2); }
 
 TEST(Pointer, APressIsAClickBelow185Milliseconds)
 {
     const struct {
+        UINT64 TimerAtStart;
         UINT64 Held;
         UINTN Clicks;
     } Cases[] = {
-        {0, 1},
-        {184999, 1},
-        {185000, 0},
-        {5000000, 0},
+        {0, 0, 1},
+        {0, 184999, 1},
+        {0, 185000, 0},
+        {0, 5000000, 0},
         // The femtoseconds of a press count in 64 bits: after 18446.744 s they begin anew, 99.3 ms before this release.
-        {18446744173000, 1},
+        {0, 18446744173000, 1},
+        // The timer counts nanoseconds; it goes over its end after 100 ms, in the middle of the press.
+        {0 - 100000000ull, 184999, 1},
+        {0 - 100000000ull, 185000, 0},
     };
     for (const auto& Case : Cases) {
-        SCOPED_TRACE(Case.Held);
-        const RUN Run =
-            SCENE().Move(gFullSpeedX, gButtonY).Press().Turns(3).Release(Case.Held).Turns(3).Play();
-        EXPECT_EQ(FullSpeeds(Run), Case.Clicks);
-    }
-}
-
-TEST(Pointer, APressIsTimedAcrossTheTimersEnd)
-{
-    // The timer counts nanoseconds from near its end; it goes over it after 100 ms, in the middle of each press.
-    for (const auto& [Held, Clicks] : {std::pair<UINT64, UINTN>{184999, 1}, {185000, 0}}) {
-        SCOPED_TRACE(Held);
         SCENE Scene;
-        Scene.Options.TimerAtStart = 0 - 100000000ull;
-        const RUN Run = Scene.Move(gFullSpeedX, gButtonY).Press().Turns(3).Release(Held).Turns(3).Play();
-        EXPECT_EQ(FullSpeeds(Run), Clicks);
+        Scene.Options.TimerAtStart = Case.TimerAtStart;
+        Scene.Move(gFullSpeed).Press().Turns(3).Release(Case.Held).Turns(3);
+        EXPECT_EQ(FullSpeeds(Scene.Play()), Case.Clicks) << Case.Held << " from " << Case.TimerAtStart;
     }
 }
 
 TEST(Pointer, AClickGoesToWhatIsUnderThePointerAtTheRelease)
 {
-    // Slid from one button to another.
-    const RUN Slid = SCENE()
-                         .Move(gFullSpeedX, gButtonY)
-                         .Press()
-                         .Turns(2)
-                         .Line("pointer 745 570")
-                         .Release(50000)
-                         .Turns(2)
-                         .Play();
+    // Slid from one button to another; off the button; from nothing onto a button.
+    const RUN Slid = Pressed().Point(gDefault).Release(50000).Turns(2).Play();
     EXPECT_EQ(FullSpeeds(Slid), 0u);
     EXPECT_EQ(Defaults(Slid), 1u);
-
-    // Off the button: nothing is clicked.
-    const RUN Off =
-        SCENE().Move(gFullSpeedX, gButtonY).Press().Turns(2).Line("pointer 600 20").Release(50000).Turns(2).Play();
+    const RUN Off = Pressed().Point(gAway).Release(50000).Turns(2).Play();
     EXPECT_EQ(FullSpeeds(Off) + Defaults(Off), 0u);
-
-    // From nothing onto a button.
-    const RUN On =
-        SCENE().Move(600, 20).Press().Turns(2).Line("pointer 600 570").Release(50000).Turns(2).Play();
+    const RUN On = SCENE().Move(gAway).Press().Turns(2).Point(gFullSpeed).Release(50000).Turns(2).Play();
     EXPECT_EQ(FullSpeeds(On), 1u);
-
     // The scan after the release works on the position that the release came with.
-    const RUN Late =
-        SCENE().Move(gFullSpeedX, gButtonY).Press().Turns(2).Release(50000).Move(gDefaultX, gButtonY).Turns(2).Play();
+    const RUN Late = Pressed().Release(50000).Move(gDefault).Turns(2).Play();
     EXPECT_EQ(FullSpeeds(Late), 1u);
     EXPECT_EQ(Defaults(Late), 0u);
 }
@@ -78,95 +56,70 @@ TEST(Pointer, AButtonThatComesDownBeforeTheClickIsOverRepeatsIt)
 {
     // Down again in the turn after the release: each scan until it comes up clicks once more, and the press itself
     // isn't seen.
-    const RUN Run = SCENE()
-                        .Move(gFullSpeedX, gButtonY)
-                        .Press()
-                        .Turns(2)
-                        .Release(50000)
-                        .Line("left down")
-                        .Turns(3)
-                        .Line("left up")
-                        .Turns(5)
-                        .Play();
+    const RUN Run = Pressed().Release(50000).Line("left down").Turns(3).Line("left up").Turns(5).Play();
     EXPECT_EQ(FullSpeeds(Run), 4u);
-}
-
-TEST(Pointer, TwoQuickClicksAreTwoClicks)
-{
-    EXPECT_EQ(FullSpeeds(SCENE().Click(gFullSpeedX, gButtonY).Click(gFullSpeedX, gButtonY).Play()), 2u);
+    EXPECT_EQ(FullSpeeds(SCENE().Button(FULL_SPEED).Button(FULL_SPEED).Play()), 2u) << "two quick clicks are two";
 }
 
 TEST(Pointer, AButtonShowsThePointerOverItEvenDuringAPress)
 {
-    // The pointer stands at the button's lower right, so that its picture leaves most of the button free.
     SCENE Scene;
-    Scene.Move(600, 20).Turns().Screenshot("rest").Move(662, 580).Turns().Screenshot("hover");
-    Scene.Press().Turns(2).Screenshot("pressed").Move(600, 20).Turns().Screenshot("left");
-    Scene.Move(662, 580).Turns().Screenshot("back").Release(400000).Turns().Screenshot("released");
-    Scene.Move(600, 20).Turns(2).Screenshot("end").Turns();
-    const RUN Run = Scene.Play();
+    const PLACE Corner = Button(FULL_SPEED).Corner();
+    Scene.Move(gAway).Turns().Screenshot("rest").Hover(Corner).Screenshot("hover").Press().Turns(2).Screenshot("pressed");
+    Scene.Away().Screenshot("left").Hover(Corner).Screenshot("back").Release(400000).Turns().Screenshot("released");
+    const RUN Run = Scene.Away().Screenshot("end").Play();
     EXPECT_EQ(FullSpeeds(Run), 0u);
-
-    const auto Same = [&Run](const char* A, const char* B) {
-        return SameRectangle(Run.Picture(A), Run.Picture(B), 531, 558, 130, 21);
-    };
-    EXPECT_FALSE(Same("rest", "hover"));
-    EXPECT_TRUE(Same("pressed", "hover"));
-    EXPECT_TRUE(Same("left", "rest"));
-    EXPECT_TRUE(Same("back", "hover"));
-    EXPECT_TRUE(Same("released", "hover"));
-    EXPECT_TRUE(Same("end", "rest"));
+    const AREA Seen = Button(FULL_SPEED).BesideCorner();
+    EXPECT_TRUE(Run.Differ("rest", "hover", Seen));
+    for (const char* Name : {"pressed", "back", "released"}) {
+        Run.ExpectSame(Name, "hover", Seen);
+    }
+    Run.ExpectSame("left", "rest", Seen);
+    Run.ExpectSame("end", "rest", Seen);
     // The caption: #767676 at rest, white under the pointer.
-    EXPECT_GT(CountColor(Run.Picture("rest"), 0x767676, 531, 558, 130, 21), 50u);
-    EXPECT_EQ(CountColor(Run.Picture("hover"), 0x767676, 531, 558, 130, 21), 0u);
-    EXPECT_GT(CountColor(Run.Picture("hover"), 0xFFFFFF, 531, 558, 130, 21), 50u);
+    EXPECT_GT(CountColor(Run.Picture("rest"), 0x767676, Seen), 50u);
+    EXPECT_EQ(CountColor(Run.Picture("hover"), 0x767676, Seen), 0u);
+    EXPECT_GT(CountColor(Run.Picture("hover"), 0xFFFFFF, Seen), 50u);
 }
 
-// Left edges of the command buttons that a turn painted.
-std::vector<UINT64> ButtonsPainted(const RUN& Run, UINT64 Turn)
+// The command buttons that a turn painted.
+std::vector<BUTTON> Painted(const RUN& Run, TURN Turn)
 {
-    std::vector<UINT64> Lefts;
-    for (const CALL_LINE& Line : Run.NamedInTurn("Blt", Turn)) {
-        if (Line.Number("y") == 558 && Line.Number("width") == 138 && Line.Number("height") == 26) {
-            Lefts.push_back(Line.Number("x"));
-        }
+    std::vector<BUTTON> Found;
+    for (const BUTTON Which : {FULL_SPEED, DEFAULT, CANCEL}) {
+        Found.insert(Found.end(), Run.Painted(Turn, Button(Which)), Which);
     }
-    return Lefts;
+    return Found;
 }
 
 TEST(Pointer, GoingStraightToAnotherButtonTellsBothInOneStep)
 {
-    using LEFTS = std::vector<UINT64>;
-    const RUN Run = SCENE().Move(gFullSpeedX, gButtonY).Turns().Move(gDefaultX, gButtonY).Turns(4).Play();
-    EXPECT_EQ(ButtonsPainted(Run, 2), LEFTS{531});
-    EXPECT_EQ(ButtonsPainted(Run, 3), LEFTS{});
-    EXPECT_EQ(ButtonsPainted(Run, 4), (LEFTS{531, 678}));
-    EXPECT_EQ(ButtonsPainted(Run, 5), LEFTS{678}) << "the entry is announced once more";
-    EXPECT_EQ(ButtonsPainted(Run, 6), LEFTS{});
+    using BUTTONS = std::vector<BUTTON>;
+    const RUN Run = SCENE().Hover(gFullSpeed).Move(gDefault).Turns(4).Play();
+    EXPECT_EQ(Painted(Run, 2), BUTTONS{FULL_SPEED});
+    EXPECT_EQ(Painted(Run, 3), BUTTONS{});
+    EXPECT_EQ(Painted(Run, 4), (BUTTONS{FULL_SPEED, DEFAULT}));
+    EXPECT_EQ(Painted(Run, 5), BUTTONS{DEFAULT}) << "the entry is announced once more";
+    EXPECT_EQ(Painted(Run, 6), BUTTONS{});
 
     // Gone again by the time of that step: the first is told that it was left, once, and the second nothing.
-    const RUN Gone = SCENE().Move(gFullSpeedX, gButtonY).Turns().Move(gDefaultX, gButtonY).Move(600, 20).Turns(3).Play();
-    EXPECT_EQ(ButtonsPainted(Gone, 4), LEFTS{531});
-    EXPECT_EQ(ButtonsPainted(Gone, 5), LEFTS{});
-    EXPECT_EQ(ButtonsPainted(Gone, 6), LEFTS{});
+    const RUN Gone = SCENE().Hover(gFullSpeed).Move(gDefault).Move(gAway).Turns(3).Play();
+    EXPECT_EQ(Painted(Gone, 4), BUTTONS{FULL_SPEED});
+    EXPECT_EQ(Painted(Gone, 5), BUTTONS{});
+    EXPECT_EQ(Painted(Gone, 6), BUTTONS{});
 }
 
 TEST(Pointer, NothingOutsideAPressOfTheLeftButtonChangesTheBoard)
 {
-    // Across everything, slowly, without a button; then held from nothing, over tabs, boxes and buttons.
+    // Across everything, slowly, without a button; then held from nothing, over two buttons.
     SCENE Scene;
-    for (int Round = 0; Round < 2; Round++) {
-        for (const auto& [X, Y] : std::vector<std::pair<int, int>>{
-                 {300, 150}, {420, 150}, {290, 240}, {60, 310}, {60, 350}, {600, 570}, {745, 570}, {890, 570}, {800, 95}}) {
-            Scene.Move(X, Y).Turns();
-        }
-        Scene.Move(600, 20).Turns();
+    for (const PLACE Place : gPlacesOfUse) {
+        Scene.Hover(Place);
     }
-    Scene.Move(700, 20).Press().Advance(300000).Move(600, 570).Turns().Move(745, 570).Turns().Release().Turns(2);
+    Scene.Away().Press().Advance(300000).Hover(gFullSpeed).Hover(gDefault).Release().Turns(2);
     const RUN Run = Scene.Play();
-    EXPECT_TRUE(Run.AllSettings().empty());
-    EXPECT_EQ(FullSpeeds(Run) + Defaults(Run) + Run.Named("RestoreFanSettings").size(), 0u);
-    EXPECT_TRUE(Run.Named("CreateMessageBox").empty());
+    EXPECT_EQ(Run.Writes(), WRITES{});
+    EXPECT_EQ(FullSpeeds(Run) + Defaults(Run) + Run.Count("RestoreFanSettings") + Run.Count("CreateMessageBox"), 0u);
 }
 
 } // namespace

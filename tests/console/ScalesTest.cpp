@@ -1,173 +1,83 @@
-// The two faces of the scales around the chart, and the labels that light up during a drag.
+// The two faces of the scales around the chart, and the labels that light up during a drag. Where digits and captions stand
+// in either face is in the reference pictures.
 #include "tests/console/ConsoleBench.h"
 
 namespace {
 
-constexpr UINT32 gWhite = 0xFFFFFF;
+constexpr AREA gFoot = {391, 520, 400, 25};   // the panel's foot between the captions, where the temperatures are
+constexpr AREA gLeft = {330, 247, 40, 270};   // of duty or degrees
+constexpr AREA gRight = {800, 251, 33, 260};  // of revolutions
 
-// Digits stand on the panel, with a step or two of the coding beside them.
-bool HasInk(const PICTURE& Picture, UINTN X, UINTN Y, UINTN Width, UINTN Height)
-{
-    for (UINTN Row = Y; Row < Y + Height; Row++) {
-        for (UINTN Column = X; Column < X + Width; Column++) {
-            if ((PixelAt(Picture, Column, Row) >> 8 & 0xFF) > 0x24 + 24) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
+UINTN White(const PICTURE& Picture, const AREA& Area) { return CountColor(Picture, 0xFFFFFF, Area); }
 
-// Labels whose first glyph is 6 wide at X and whose top is Y: ink there, and none in the rows before.
-void ExpectLabel(const PICTURE& Picture, UINTN X, UINTN Y)
+// Whether a label of two digits and nothing else is lit in a scale.
+bool LightsOnly(const PICTURE& Picture, const AREA& Scale, PLACE Label)
 {
-    EXPECT_TRUE(HasInk(Picture, X, Y, 6, 14)) << X << ", " << Y;
-    EXPECT_FALSE(HasInk(Picture, 331, Y - 4, 39, 4)) << X << ", " << Y;
-}
-
-UINTN White(const PICTURE& Picture, UINTN X, UINTN Y, UINTN Width, UINTN Height)
-{
-    return CountColor(Picture, gWhite, X, Y, Width, Height);
-}
-
-// The foot of the panel between the captions, where the temperatures are.
-UINTN WhiteAtFoot(const PICTURE& Picture)
-{
-    return White(Picture, 391, 520, 400, 25);
-}
-
-UINTN WhiteAtLeft(const PICTURE& Picture)
-{
-    return White(Picture, 330, 247, 40, 270);
-}
-
-std::vector<std::string> LastTexts(const RUN& Run, UINT64 Turn, UINTN Count)
-{
-    std::vector<std::string> Texts;
-    for (const CALL_LINE& Call : Run.NamedInTurn("StringToImage", Turn)) {
-        Texts.push_back(Call.Text("text"));
-    }
-    return Texts.size() <= Count ? Texts : std::vector<std::string>(Texts.end() - static_cast<INT64>(Count), Texts.end());
+    const UINTN Lit = White(Picture, {Label.X, Label.Y, 16, 19});
+    return Lit > 0 && Lit == White(Picture, Scale);
 }
 
 TEST(Scales, ChangeTheirFaceForADragAndComeBackExactly)
 {
-    struct {
-        const char* Name;
-        int TabX;
-        int GrabX;
-        int GrabY;
-    } const Pages[] = {{"8 rows", 323, 487, 397}, {"6 rows", 620, 457, 442}, {"thumb", 818, 397, 402}};
-    for (const auto& Page : Pages) {
-        SCOPED_TRACE(Page.Name);
+    for (const auto& [Fan, Grip] : {std::pair{4, NodePlace(EIGHT_ROWS, 1)}, {7, NodePlace(SIX_ROWS, 1)}, {9, ThumbPlace(3)}}) {
+        SCOPED_TRACE(Fan);
         SCENE Scene;
-        Scene.Click(Page.TabX, 150).Move(900, 700).Turns(2).Screenshot("rest");
-        Scene.Move(Page.GrabX, Page.GrabY).Press().Turns(4).Screenshot("drag");
+        Scene.Tab(Fan).Away().Screenshot("rest").Move(Grip).Press().Turns(4).Screenshot("drag");
         // There and back, so that labels have lit up in several places; the clock hasn't come to a tick.
-        for (const auto& [X, Y] : std::vector<std::pair<int, int>>{
-                 {-45, 0}, {60, 60}, {0, 0}, {30, -40}, {0, 80}, {0, 0}}) {
-            Scene.Move(Page.GrabX + X, Page.GrabY + Y).Turns(2);
+        for (const auto& [X, Y] : {std::pair{-45, 0}, {60, 60}, {0, 0}, {30, -40}, {0, 80}, {0, 0}}) {
+            Scene.Hover(Grip.By(X, Y));
         }
-        Scene.Release(1000).Turns().Move(900, 700).Turns(2).Screenshot("back").Turns();
-        const RUN Run = Scene.Play();
-        const PICTURE& Rest = Run.Picture("rest");
-        const PICTURE& Drag = Run.Picture("drag");
-        EXPECT_TRUE(SameRectangle(Rest, Run.Picture("back"), 274, 220, 690, 328));
-
-        // At rest: degrees at the left, revolutions at the right, from 259 to 501.
-        for (const UINTN Y : {282, 305, 328, 351, 377, 400, 426, 450, 474}) {
-            ExpectLabel(Rest, 348, Y);
-            EXPECT_TRUE(HasInk(Rest, 800, Y, 6, 14)) << Y;
-        }
-        ExpectLabel(Rest, 342, 259);
-        ExpectLabel(Rest, 354, 501);
-        // The editor has no scale at the right, and temperatures along its foot, at 391 and each 30 pixels.
-        EXPECT_FALSE(HasInk(Drag, 800, 251, 33, 260));
-        for (UINTN Column = 0; Column < 13; Column++) {
-            EXPECT_TRUE(HasInk(Drag, 391 + 30 * Column, 520, 12, 19)) << Column;
-        }
-        EXPECT_FALSE(SameRectangle(Rest, Drag, 328, 520, 60, 20)); // the captions change places
-        EXPECT_FALSE(SameRectangle(Rest, Drag, 800, 520, 60, 20));
+        const RUN Run = Scene.Release(1000).Turns().Away().Screenshot("back").Play();
+        Run.ExpectSame("rest", "back", gPanel);
+        const auto IsPlain = [&Run](const char* Name, const AREA& Area) {
+            return CountColor(Run.Picture(Name), gPanelGray, Area) == static_cast<UINTN>(Area.Width * Area.Height);
+        };
+        EXPECT_TRUE(IsPlain("rest", gFoot) && !IsPlain("rest", gRight));
+        EXPECT_TRUE(!IsPlain("drag", gFoot) && IsPlain("drag", gRight));
+        EXPECT_TRUE(Run.Differ("rest", "drag", gLeft));
     }
-}
-
-TEST(Scales, StandAtTheRowsOfEitherGrid)
-{
-    SCENE Eight;
-    Eight.Move(487, 397).Press().Turns(4).Screenshot("drag").Release(1000).Turns(2);
-    const RUN RunOfEight = Eight.Play();
-    const UINTN FirstX[] = {342, 336, 348, 336, 348, 336, 348, 336};
-    for (UINTN Row = 0; Row < 8; Row++) {
-        if (Row != 4) { // lit up, in its own place
-            ExpectLabel(RunOfEight.Picture("drag"), FirstX[Row], 276 + 30 * Row);
-        }
-    }
-    SCENE Six;
-    Six.Click(620, 150).Move(457, 442).Press().Turns(4).Screenshot("drag").Release(1000).Turns(2);
-    const RUN RunOfSix = Six.Play();
-    for (UINTN Row = 0; Row < 6; Row++) {
-        if (Row != 4) {
-            ExpectLabel(RunOfSix.Picture("drag"), Row == 0 ? 342 : 348, 281 + 40 * Row);
-        }
-    }
-    // Node 1 stands in row 4 of either: 50% of 8 rows at (346, 390), 60% of 6 rows at (346, 433).
-    EXPECT_GT(White(RunOfEight.Picture("drag"), 346, 390, 16, 19), 0u);
-    EXPECT_EQ(White(RunOfEight.Picture("drag"), 346, 390, 16, 19), WhiteAtLeft(RunOfEight.Picture("drag")));
-    EXPECT_GT(White(RunOfSix.Picture("drag"), 346, 433, 16, 19), 0u);
-    EXPECT_EQ(White(RunOfSix.Picture("drag"), 346, 433, 16, 19), WhiteAtLeft(RunOfSix.Picture("drag")));
 }
 
 TEST(Scales, ALitLabelGoesInOneTurnAndTheNextComesInTheTurnAfter)
 {
     // Node 1 of fan 4 goes from column 3, row 4 to column 4, row 5.
+    const PLACE Node1 = NodePlace(EIGHT_ROWS, 1);
     SCENE Scene;
-    for (int Item : {0, 1, 2, 4, 5, 6, 7, 8, 9, 10}) {
-        Scene.Line("reading " + std::to_string(Item) + " 7");
+    for (const int Item : {0, 1, 2, 4, 5, 6, 7, 8, 9, 10}) {
+        Scene.Reading(Item, 7);
     }
-    Scene.Move(487, 397).Press().Turns(); // the drag begins
-    const UINT64 Begun = Scene.TurnsSoFar;
-    Scene.Turns().Screenshot("first").Move(517, 427);
-    const UINT64 Moved = Scene.TurnsSoFar;
-    Scene.Screenshot("between").Turns().Screenshot("second").Turns(2).Release(1000).Turns(2);
-    const RUN Run = Scene.Play();
-
-    EXPECT_EQ(LastTexts(Run, Begun + 1, 4), (std::vector<std::string>{"55", "55", "50", "50"}));
-    EXPECT_EQ(LastTexts(Run, Moved, 4), (std::vector<std::string>{"  ", "  ", "    ", "    "}));
-    EXPECT_EQ(LastTexts(Run, Moved + 1, 4), (std::vector<std::string>{"60", "60", "37.5", "37.5"}));
+    const TURN First = Scene.Move(Node1).Press().Turns(2).Mark();
+    const TURN Moved = Scene.Screenshot("first").Move(Node1.By(30, 30)).Mark();
+    const RUN Run = Scene.Screenshot("between").Turns().Screenshot("second").Turns(2).Release(1000).Turns(2).Play();
+    const auto LastTexts = [&Run](TURN Turn) {
+        const std::vector<std::string> Texts = Run.Texts(Turn);
+        return std::vector<std::string>(Texts.end() - std::min<INT64>(4, static_cast<INT64>(Texts.size())), Texts.end());
+    };
+    EXPECT_EQ(LastTexts(First), (std::vector<std::string>{"55", "55", "50", "50"}));
+    EXPECT_EQ(LastTexts(Moved), (std::vector<std::string>{"  ", "  ", "    ", "    "}));
+    EXPECT_EQ(LastTexts(Moved + 1), (std::vector<std::string>{"60", "60", "37.5", "37.5"}));
 
     // Column c's label is at (2c + 1) x 15 + 376, row r's ends at 362 and begins at 30r + 270.
-    const PICTURE& First = Run.Picture("first");
-    EXPECT_GT(WhiteAtFoot(First), 0u);
-    EXPECT_EQ(White(First, 481, 520, 16, 19), WhiteAtFoot(First));
-    EXPECT_EQ(White(First, 346, 390, 16, 19), WhiteAtLeft(First));
-    const PICTURE& Between = Run.Picture("between");
-    EXPECT_EQ(WhiteAtFoot(Between), 0u);
-    EXPECT_EQ(WhiteAtLeft(Between), 0u);
-    EXPECT_TRUE(HasInk(Between, 481, 525, 12, 12)); // the digits are back
-    EXPECT_TRUE(HasInk(Between, 348, 396, 12, 12));
-    const PICTURE& Second = Run.Picture("second");
-    EXPECT_GT(WhiteAtFoot(Second), 0u);
-    EXPECT_EQ(White(Second, 511, 520, 16, 19), WhiteAtFoot(Second));
-    EXPECT_EQ(White(Second, 330, 420, 32, 19), WhiteAtLeft(Second));
+    EXPECT_TRUE(LightsOnly(Run.Picture("first"), gFoot, {481, 520}));
+    EXPECT_TRUE(LightsOnly(Run.Picture("first"), gLeft, {346, 390}));
+    EXPECT_EQ(White(Run.Picture("between"), gFoot) + White(Run.Picture("between"), gLeft), 0u);
+    EXPECT_TRUE(LightsOnly(Run.Picture("second"), gFoot, {511, 520}));
+    EXPECT_EQ(White(Run.Picture("second"), {330, 420, 32, 19}), White(Run.Picture("second"), gLeft));
 }
 
 TEST(Scales, AThumbLightsAllTemperaturesAndItsRow)
 {
     SCENE Scene;
-    Scene.Click(818, 150).Move(397, 402).Press().Turns(3);
     // The highlights look before the slider's step does, so they follow a turn later than those of a node.
-    Scene.Screenshot("lit").Move(397, 362).Turns().Screenshot("gone").Turns().Screenshot("lit again").Turns();
-    Scene.Release(1000).Turns(2);
-    const RUN Run = Scene.Play();
-    for (UINTN Column = 0; Column < 13; Column++) {
-        EXPECT_GT(White(Run.Picture("lit"), (2 * Column + 1) * 15 + 376, 520, Column == 12 ? 24 : 16, 19), 0u) << Column;
+    Scene.Tab(9).Move(ThumbPlace(3)).Press().Turns(3).Screenshot("lit").Move(ThumbPlace(4)).Turns().Screenshot("gone");
+    const RUN Run = Scene.Turns().Screenshot("lit again").Turns().Release(1000).Turns(2).Play();
+    for (int Column = 0; Column < 13; Column++) {
+        EXPECT_GT(White(Run.Picture("lit"), {391 + 30 * Column, 520, 16, 19}), 0u) << Column;
     }
-    // Offset 120 is row 3, 70%, at y 393; offset 80 row 2, 80%, at y 353. Between the two the old label is gone.
-    EXPECT_GT(White(Run.Picture("lit"), 346, 393, 16, 19), 0u);
-    EXPECT_EQ(White(Run.Picture("lit"), 346, 393, 16, 19), WhiteAtLeft(Run.Picture("lit")));
-    EXPECT_EQ(WhiteAtLeft(Run.Picture("gone")), 0u);
-    EXPECT_GT(White(Run.Picture("lit again"), 346, 353, 16, 19), 0u);
-    EXPECT_EQ(White(Run.Picture("lit again"), 346, 353, 16, 19), WhiteAtLeft(Run.Picture("lit again")));
+    // 70% at y 393, 80% at 353. Between the two the old label is gone.
+    EXPECT_TRUE(LightsOnly(Run.Picture("lit"), gLeft, {346, 393}));
+    EXPECT_EQ(White(Run.Picture("gone"), gLeft), 0u);
+    EXPECT_TRUE(LightsOnly(Run.Picture("lit again"), gLeft, {346, 353}));
 }
 
 } // namespace

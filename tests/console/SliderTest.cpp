@@ -3,37 +3,25 @@
 
 namespace {
 
-// The slider of fan 9 on the board "full": level 2 of 6, so the thumb's top stands 120 below the control's, at y 382 to
+// The slider of fan 9 on the board "full": level 3 of 6, so the thumb's top stands 120 below the control's, at y 382 to
 // 421; the column runs from x 382 to 411, the band from y 262 to 502.
-constexpr UINTN gSliderX = 382;
-constexpr UINTN gSliderY = 262;
-constexpr UINTN gSliderWidth = 391;
-constexpr UINTN gSliderHeight = 241;
+constexpr PLACE gThumb = ThumbPlace(3);
 
-UINT32 SliderPixel(const PICTURE& Picture, UINTN X, UINTN Y)
+WRITES Levels(int Fan, const std::vector<int>& Written)
 {
-    return PixelAt(Picture, gSliderX + X, gSliderY + Y);
-}
-
-SCENE OnPage9()
-{
-    SCENE Scene;
-    Scene.Click(800, 150);
-    return Scene;
-}
-
-// The record of a fan that has a level alone.
-std::string FixedLevel(int Level)
-{
-    return Record("00 00 00 00 00 00 00 00 00 00 0" + std::to_string(Level));
+    WRITES Expected;
+    for (const int Level : Written) {
+        Expected.push_back(SettingOf(Fan).Level(Level));
+    }
+    return Expected;
 }
 
 TEST(Slider, FollowsThePointerFromItsGrabPointAndStopsAtItsEnds)
 {
     struct {
         int GrabY; // anywhere on the thumb
-        std::vector<std::pair<int, int>> Through;
-        int Written; // level counted from 1
+        std::vector<PLACE> Through;
+        int Written;
     } const Cases[] = {
         {383, {{397, 303}}, 5},               // 80 up: two rows, whatever the grab point
         {420, {{397, 340}}, 5},               // the same from the thumb's foot
@@ -53,113 +41,61 @@ TEST(Slider, FollowsThePointerFromItsGrabPointAndStopsAtItsEnds)
         {402, {{397, 442}, {381, 300}}, 6},   // and their neighbours don't: 120 - 102, nearest to 0
         {402, {{397, 442}, {413, 300}}, 6},
     };
-    SCENE Scene = OnPage9();
-    std::vector<std::string> Expected;
+    SCENE Scene;
+    Scene.Tab(9);
+    std::vector<int> Expected;
     for (const auto& Case : Cases) {
-        Scene.Drag(397, Case.GrabY, Case.Through).Key("c"); // Cancel puts the thumb back
-        Expected.push_back("9:" + FixedLevel(Case.Written));
+        Scene.Drag({397, Case.GrabY}, Case.Through).Key("c"); // Cancel puts the thumb back
+        Expected.push_back(Case.Written);
     }
-    EXPECT_EQ(Scene.Play().AllSettings(), Expected);
+    EXPECT_EQ(Scene.Play().Writes(), Levels(9, Expected));
 }
 
 TEST(Slider, SnapsToTheNearestRowAndFromTheMiddleToTheLowerOne)
 {
-    SCENE Scene = OnPage9();
-    Scene.Drag(397, 402, {{397, 402 - 20}}).Key("c"); // offset 100: the middle of the rows at 80 and 120
-    Scene.Drag(397, 402, {{397, 402 - 21}}).Key("c"); // offset 99
-    Scene.Drag(397, 402, {{397, 402 + 19}}).Key("c"); // offset 139
-    Scene.Drag(397, 402, {{397, 402 + 20}});          // offset 140
-    EXPECT_EQ(Scene.Play().Settings(9),
-              (std::vector<std::string>{FixedLevel(3), FixedLevel(4), FixedLevel(3), FixedLevel(2)}));
+    SCENE Scene;
+    Scene.Tab(9);
+    for (const int Y : {-20, -21, 19, 20}) { // offset 100: the middle of the rows at 80 and 120; 99, 139, 140
+        Scene.Drag(gThumb, {gThumb.By(0, Y)}).Key("c");
+    }
+    EXPECT_EQ(Scene.Play().Writes(), Levels(9, {3, 4, 3, 2}));
 }
 
 TEST(Slider, TakesTheLastDragsOffsetWhenLetGoBeforeItsFirstStep)
 {
-    SCENE Scene = OnPage9();
-    // No drag so far: offset 0, the top level. A short press ends a drag like a long one.
-    Scene.Move(397, 402).Press().Turns().Release(50000).Turns(2);
-    Scene.Key("c");
-    // The other slider's drag leaves offset 160; fan 10 stands at level 4 of 0 to 5, its thumb at y 302 to 341.
-    Scene.Click(900, 150).Drag(397, 322, {{397, 442}});
-    Scene.Click(800, 150).Move(397, 402).Press().Turns().Release(50000).Turns(2);
-    EXPECT_EQ(Scene.Play().AllSettings(), (std::vector<std::string>{"9:" + FixedLevel(6), "10:" + FixedLevel(2),
-                                                                    "9:" + FixedLevel(2)}));
+    // No drag so far: offset 0, the top level. A short press ends a drag like a long one. Then the other slider's drag
+    // leaves offset 160.
+    SCENE Scene;
+    Scene.Tab(9).Move(gThumb).Press().Turns().Release(50000).Turns(2).Key("c").Tab(10).Thumb(2);
+    Scene.Tab(9).Move(gThumb).Press().Turns().Release(50000).Turns(2);
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{SettingOf(9).Level(6), SettingOf(10).Level(2), SettingOf(9).Level(2)}));
 }
 
-TEST(Slider, ThePictureShowsGridColumnAndGuideLineDuringTheDragAndThePlainPanelAtRest)
+TEST(Slider, LeavesNoGridAndNoLinesBehind)
 {
-    SCENE Scene = OnPage9();
-    Scene.Move(900, 700).Turns(2).Screenshot("rest");
-    Scene.Move(397, 402).Press().Turns(2).Move(397, 412).Turns().Screenshot("drag"); // offset 130
-    Scene.Turns().Release(10000).Turns().Move(900, 700).Turns(2).Screenshot("dropped").Turns();
-    const RUN Run = Scene.Play();
-    EXPECT_EQ(Run.Settings(9), std::vector<std::string>{FixedLevel(3)}); // 130 is nearest to 120
-
-    const PICTURE& Rest = Run.Picture("rest");
-    const PICTURE& Drag = Run.Picture("drag");
-    // At rest all is panel but the thumb's block.
-    EXPECT_EQ(CountColor(Rest, 0x242424, gSliderX, gSliderY, gSliderWidth, 120), gSliderWidth * 120);
-    EXPECT_EQ(CountColor(Rest, 0x242424, gSliderX + 30, gSliderY, gSliderWidth - 30, gSliderHeight),
-              (gSliderWidth - 30) * gSliderHeight);
-    EXPECT_EQ(CountColor(Rest, 0x242424, gSliderX, gSliderY + 160, gSliderWidth, 81), gSliderWidth * 81);
-    EXPECT_EQ(SliderPixel(Rest, 15, 140), 0xE8EAEBu); // the thumb's bright line, 20 below its top
-    EXPECT_TRUE(SameRectangle(Rest, Run.Picture("dropped"), gSliderX, gSliderY, gSliderWidth, gSliderHeight));
-
-    constexpr UINT32 Red = 0xFF4324;
-    constexpr UINT32 Line = 0x242424;
-    constexpr UINT32 Cell = 0x2C2C2C;
-    constexpr UINT32 TintedCell = 0x56302A; // 80% of 44, 44, 44 and 20% of 255, 67, 36
-    constexpr UINT32 TintedLine = 0x4F2A24; // 80% of 36, 36, 36 and the same
-    // The border is 99% of the colour over 1% of the tinted ground: 253, 66, 36 on either.
-    struct {
-        UINTN X;
-        UINTN Y;
-        UINT32 Color;
-    } const Pixels[] = {
-        {45, 20, Cell}, {60, 20, Line}, {61, 20, Line}, {62, 20, Cell}, {45, 40, Line}, {45, 41, Line}, {45, 42, Cell},
-        {390, 20, Line}, {45, 240, Line},
-        {15, 20, TintedCell}, {1, 20, TintedLine}, {2, 20, TintedCell}, {15, 40, TintedLine}, {15, 41, TintedLine},
-        {15, 42, TintedCell}, {28, 20, TintedCell}, {30, 20, Line},
-        // The guide line 20 below the thumb's top, across the whole width; the thumb lies over it.
-        {30, 150, Red}, {200, 150, Red}, {390, 150, Red}, {200, 149, Cell}, {200, 151, Cell},
-    };
-    for (const auto& Pixel : Pixels) {
-        EXPECT_EQ(SliderPixel(Drag, Pixel.X, Pixel.Y), Pixel.Color) << Pixel.X << ", " << Pixel.Y;
-    }
-    EXPECT_EQ(SliderPixel(Drag, 0, 20), 0xFD4224u);  // ground 4F2A24
-    EXPECT_EQ(SliderPixel(Drag, 29, 20), 0xFD4224u); // ground 56302A
-    EXPECT_EQ(SliderPixel(Drag, 5, 150), 0xE8EAEBu); // the thumb's bright line
+    SCENE Scene;
+    Scene.Tab(9).Away().Screenshot("rest").Move(gThumb).Press().Turns(2).Move(gThumb.By(0, 10)).Turns().Screenshot("drag");
+    const RUN Run = Scene.Turns().Release(10000).Turns().Away().Screenshot("dropped").Play();
+    EXPECT_EQ(Run.Writes(), Levels(9, {3})); // 130 is nearest to 120
+    EXPECT_TRUE(Run.Differ("rest", "drag", gFrame.Part(200, 0, 100, 241)));
+    Run.ExpectSame("rest", "dropped", gFrame);
 }
 
 TEST(Slider, OfAPageWithACurveTakesADragOnlyWhileTheBoxIsOff)
 {
-    // Fan 7 comes up checked; its slider stands at level 2, hidden. With the box off it is live, and keeps the nodes.
+    // Fan 7 comes up checked; its slider stands at level 3, hidden. With the box off it is live, and keeps the nodes.
     SCENE Scene;
-    Scene.Click(600, 150);
-    Scene.Drag(397, 402, {{397, 362}});
-    Scene.Click(296, 242);
-    Scene.Drag(397, 402, {{397, 362}});
-    Scene.Click(296, 242);
-    Scene.Drag(397, 362, {{397, 322}});
-    EXPECT_EQ(Scene.Play().AllSettings(), (std::vector<std::string>{
-                                              "7:" + Record("01 07 05 03 01 01 02 04 06 00 03"), // the tab
-                                              "7:" + Record("00 07 05 03 01 01 02 04 06 00 03"), // unchecked
-                                              "7:" + Record("00 07 05 03 01 01 02 04 06 00 04"), // dropped
-                                              "7:" + Record("01 07 05 03 01 01 02 04 06 00 04"), // checked
-                                          }));
+    Scene.Tab(7).Thumb(4).Box().Thumb(4).Box().Drag(ThumbPlace(4), {ThumbPlace(5)});
+    const WRITE Fan7 = SettingOf(7);
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{Fan7, Fan7.Off(), Fan7.Off().Level(4), Fan7.Level(4)}));
 }
 
 TEST(Slider, OfAPageThatOnlyHoldsItsLevelIsNeverReached)
 {
+    // Fan 6: neither while it is checked nor, with neither frame nor slider live, afterwards.
     SCENE Scene;
-    Scene.Click(500, 150); // fan 6: checked
-    Scene.Drag(397, 402, {{397, 362}});
-    Scene.Click(296, 242); // unchecked: neither frame nor slider is live
-    Scene.Drag(397, 402, {{397, 362}});
-    EXPECT_EQ(Scene.Play().AllSettings(), (std::vector<std::string>{
-                                              "6:" + Record("01 07 05 03 01 01 02 04 06 00 03"),
-                                              "6:" + Record("00 07 05 03 01 01 02 04 06 00 03"),
-                                          }));
+    Scene.Tab(6).Thumb(4).Box().Thumb(4);
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{SettingOf(6), SettingOf(6).Off()}));
 }
 
 } // namespace

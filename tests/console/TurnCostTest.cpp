@@ -7,23 +7,9 @@ namespace {
 
 constexpr UINT64 gMebibyte = 1024 * 1024;
 
-struct BLOCK {
-    UINT64 X, Y, Width, Height;
-    auto operator<=>(const BLOCK&) const = default;
-};
+using BLOCKS = std::vector<AREA>;
 
-std::ostream& operator<<(std::ostream& Out, const BLOCK& Block)
-{
-    return Out << Block.Width << " by " << Block.Height << " at (" << Block.X << ", " << Block.Y << ")";
-}
-
-using BLOCKS = std::vector<BLOCK>;
-
-BLOCK PointerAt(UINT64 X, UINT64 Y) { return {X, Y, 16, 24}; }
-BLOCK TemperatureNumber(UINT64 Source) { return {181, 304 + 37 * Source, 40, 19}; }
-BLOCK FanNumber(UINT64 Fan) { return {281 + 99 * Fan, 189, 40, 19}; }
-BLOCK Gauge(UINT64 Number) { return {69 + 127 * Number, 624, 127, 81}; }
-constexpr BLOCK gChart = {382, 262, 391, 241}; // and so is the frame
+AREA PointerAt(PLACE Place) { return {Place.X, Place.Y, 16, 24}; }
 
 SCENE SceneWithPool()
 {
@@ -32,18 +18,7 @@ SCENE SceneWithPool()
     return Scene;
 }
 
-BLOCKS BlocksOf(const std::vector<CALL_LINE>& Blts)
-{
-    BLOCKS Blocks;
-    for (const CALL_LINE& Line : Blts) {
-        Blocks.push_back({Line.Number("x"), Line.Number("y"), Line.Number("width"), Line.Number("height")});
-    }
-    return Blocks;
-}
-
-BLOCKS BlocksInTurn(const RUN& Run, UINT64 Turn) { return BlocksOf(Run.NamedInTurn("Blt", Turn)); }
-
-std::multiset<UINT64> AllocationsInTurn(const RUN& Run, UINT64 Turn)
+std::multiset<UINT64> AllocationsInTurn(const RUN& Run, TURN Turn)
 {
     std::multiset<UINT64> Sizes;
     for (const CALL_LINE& Line : Run.NamedInTurn("AllocatePool", Turn)) {
@@ -53,11 +28,11 @@ std::multiset<UINT64> AllocationsInTurn(const RUN& Run, UINT64 Turn)
 }
 
 // The pictures of a turn's texts, 8 by 19 pixels a character.
-std::multiset<UINT64> TextPictures(const RUN& Run, UINT64 Turn)
+std::multiset<UINT64> TextPictures(const RUN& Run, TURN Turn)
 {
     std::multiset<UINT64> Sizes;
-    for (const CALL_LINE& Line : Run.NamedInTurn("StringToImage", Turn)) {
-        Sizes.insert(Line.Text("text").size() * 8 * 19 * 4);
+    for (const std::string& Text : Run.Texts(Turn)) {
+        Sizes.insert(Text.size() * 8 * 19 * 4);
     }
     return Sizes;
 }
@@ -65,11 +40,10 @@ std::multiset<UINT64> TextPictures(const RUN& Run, UINT64 Turn)
 void ExpectNothingTwice(const RUN& Run, UINT64 First, UINT64 Last)
 {
     for (UINT64 Turn = First; Turn <= Last; Turn++) {
-        std::set<BLOCK> Seen;
-        for (const BLOCK& Block : BlocksInTurn(Run, Turn)) {
-            if (Block.Width != 16 || Block.Height != 24) { // the pointer goes with every block
-                EXPECT_TRUE(Seen.insert(Block).second) << Block << " twice in turn " << Turn;
-            }
+        std::set<AREA> Seen;
+        for (const AREA& Block : Run.Blocks(Turn)) {
+            const bool IsPointer = Block.Width == 16 && Block.Height == 24; // it goes with every block
+            EXPECT_TRUE(IsPointer || Seen.insert(Block).second) << Block.X << ", " << Block.Y << " twice in turn " << Turn;
         }
     }
 }
@@ -78,25 +52,21 @@ TEST(TurnCost, AtRestATurnSendsTheNumbersThatAreDueAndNothingElse)
 {
     // In the first round the pointer still moves away from where the start has drawn it.
     const RUN Run = SceneWithPool().Turns(28).Play();
-    const BLOCK Pointer = PointerAt(0, 0);
-    const BLOCKS Due[14] = {
-        {TemperatureNumber(0), Pointer, FanNumber(0), Pointer}, {},
-        {TemperatureNumber(1), Pointer, FanNumber(1), Pointer}, {},
-        {TemperatureNumber(2), Pointer, FanNumber(2), Pointer}, {},
-        {FanNumber(3), Pointer}, {},
-        {FanNumber(4), Pointer}, {},
-        {FanNumber(5), Pointer}, {},
-        {FanNumber(6), Pointer}, {},
-    };
+    const AREA Pointer = PointerAt({0, 0});
+    const BLOCKS Due[14] = {{SourceNumber(0), FanNumber(4)}, {}, {SourceNumber(1), FanNumber(5)}, {},
+                            {SourceNumber(2), FanNumber(6)}, {}, {FanNumber(7)}, {}, {FanNumber(8)}, {},
+                            {FanNumber(9)}, {}, {FanNumber(10)}, {}};
     for (UINT64 Turn = 15; Turn <= 28; Turn++) {
         SCOPED_TRACE(Turn);
-        EXPECT_EQ(BlocksInTurn(Run, Turn), Due[Turn - 15]);
         // Each number takes its text's picture and the box that it is laid in; a turn without a number takes nothing.
-        std::multiset<UINT64> Expected = TextPictures(Run, Turn);
-        for (size_t Number = 0; Number < Due[Turn - 15].size() / 2; Number++) {
-            Expected.insert(40 * 19 * 4);
+        BLOCKS Blocks;
+        std::multiset<UINT64> Allocations = TextPictures(Run, Turn);
+        for (const AREA& Number : Due[Turn - 15]) {
+            Blocks.insert(Blocks.end(), {Number, Pointer});
+            Allocations.insert(40 * 19 * 4);
         }
-        EXPECT_EQ(AllocationsInTurn(Run, Turn), Expected);
+        EXPECT_EQ(Run.Blocks(Turn), Blocks);
+        EXPECT_EQ(AllocationsInTurn(Run, Turn), Allocations);
     }
     ExpectNothingTwice(Run, 1, 28);
 }
@@ -108,18 +78,18 @@ TEST(TurnCost, ATickSendsTheChartOnceAndEverySecondOneAGaugeToo)
         Scene.Turns().Ticks(); // in even turns, which have no readout
     }
     const RUN Run = Scene.Play();
-    const BLOCK Pointer = PointerAt(0, 0);
-    for (UINT64 Tick = 1; Tick <= 24; Tick++) {
+    const AREA Pointer = PointerAt({0, 0});
+    for (int Tick = 0; Tick < 24; Tick++) {
         SCOPED_TRACE(Tick);
-        const UINT64 Step = (Tick - 1) % 14 + 1;
-        BLOCKS Due = {gChart, Pointer};
-        if (Step % 2 == 1) {
-            Due.insert(Due.end(), {Gauge(Step / 2), Pointer});
+        const TURN Turn = 2 * static_cast<UINT64>(Tick + 1);
+        BLOCKS Due = {gFrame, Pointer};
+        if (Tick % 2 == 0) {
+            Due.insert(Due.end(), {Gauge(Tick % 14 / 2), Pointer});
         }
-        EXPECT_EQ(BlocksInTurn(Run, 2 * Tick), Due);
+        EXPECT_EQ(Run.Blocks(Turn), Due);
         // The chart needs no pool; a gauge takes the picture of its value.
-        EXPECT_EQ(AllocationsInTurn(Run, 2 * Tick), TextPictures(Run, 2 * Tick));
-        EXPECT_LE(AllocationsInTurn(Run, 2 * Tick).size(), Step % 2);
+        EXPECT_EQ(AllocationsInTurn(Run, Turn), TextPictures(Run, Turn));
+        EXPECT_LE(AllocationsInTurn(Run, Turn).size(), Tick % 2 == 0 ? 1u : 0u);
     }
     ExpectNothingTwice(Run, 1, 48);
 }
@@ -127,12 +97,14 @@ TEST(TurnCost, ATickSendsTheChartOnceAndEverySecondOneAGaugeToo)
 TEST(TurnCost, ATurnOfADragSendsTheFrameOnceAndTakesNoPool)
 {
     // The drag begins in turn 3 and draws from turn 4 on; turns of odd numbers have readouts.
+    const PLACE Node1 = NodePlace(EIGHT_ROWS, 1);
+    const PLACE Next = Node1.By(5, 4);
+    const PLACE Last = Node1.By(10, 8);
     SCENE Scene = SceneWithPool();
-    Scene.Move(487, 397).Press().Turns(3).Move(492, 401).Turns(2).Move(497, 405).Turns(2).Release(300000).Turns(2);
-    const RUN Run = Scene.Play();
-    EXPECT_EQ(BlocksInTurn(Run, 6), (BLOCKS{PointerAt(487, 397), gChart, PointerAt(492, 401)})); // off, frame, on
-    EXPECT_EQ(BlocksInTurn(Run, 8), (BLOCKS{gChart, PointerAt(492, 401)}));
-    EXPECT_EQ(BlocksInTurn(Run, 10), (BLOCKS{gChart, PointerAt(497, 405)})); // the readout of turn 9 moved it
+    const RUN Run = Scene.Move(Node1).Press().Turns(3).Hover(Next).Turns().Hover(Last).Turns().Release(300000).Turns(2).Play();
+    EXPECT_EQ(Run.Blocks(6), (BLOCKS{PointerAt(Node1), gFrame, PointerAt(Next)})); // off, frame, on
+    EXPECT_EQ(Run.Blocks(8), (BLOCKS{gFrame, PointerAt(Next)}));
+    EXPECT_EQ(Run.Blocks(10), (BLOCKS{gFrame, PointerAt(Last)})); // the readout of turn 9 moved it
     for (const UINT64 Turn : {6, 8, 10}) {
         EXPECT_EQ(AllocationsInTurn(Run, Turn).size(), 0u) << "turn " << Turn;
     }
@@ -141,10 +113,9 @@ TEST(TurnCost, ATurnOfADragSendsTheFrameOnceAndTakesNoPool)
 
 TEST(TurnCost, AStartSendsEachBlockAsOftenAsItsOrderAsks)
 {
-    SCENE Scene;
-    const RUN Run = Scene.Turns().Play();
-    std::map<std::pair<UINT64, UINT64>, UINT64> Count;
-    for (const BLOCK& Block : BlocksInTurn(Run, 0)) {
+    const RUN Run = SCENE().Turns().Play();
+    std::map<std::pair<int, int>, UINT64> Count;
+    for (const AREA& Block : Run.Blocks(0)) {
         Count[{Block.Width, Block.Height}]++;
     }
     // The outline of the page on top, twice, as its selection is signalled twice: the panel's top row; the 7 tabs' edges

@@ -16,16 +16,12 @@ struct SCENARIO {
     const char* Name;
     const char* Board;
     UINT8 Generation;
-    const char* Script;
+    std::string Script;
     UINTN ComparedRows = gDisplayHeight; // of the display, from the top
 };
 
-// The boards and generations; a short use of everything follows the start, so that what a failure left out is used.
-extern const SCENARIO gStarts[];
-extern const UINTN gStartCount;
-// Uses of one control or page each, after a start without failures.
-extern const SCENARIO gUses[];
-extern const UINTN gUseCount;
+// A start of each board and generation, followed by a short use of everything, so that what a failure left out is used; and
+// uses of one control or page each, after a start without failures.
 const SCENARIO& FindScenario(const std::string& Name);
 
 // What a run with a failure must show all the same: see Judge.

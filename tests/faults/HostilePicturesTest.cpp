@@ -13,7 +13,7 @@
 #pragma GCC diagnostic pop
 
 #include "platform/board/ArtworkPack.h"
-#include "platform/host/Session.h"
+#include "tests/console/ConsoleBench.h"
 
 namespace {
 
@@ -75,21 +75,18 @@ BYTES PictureLike(const BYTES& Stored, int Width, int Height)
 }
 
 // Everything that has a picture is entered, pressed, dragged and painted anew.
-constexpr const char* gUse =
-    "pointer 512 400\ntick 3\n"
-    "pointer 420 150\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
-    "pointer 800 150\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
-    "pointer 397 400\nturn\nleft down\nturn 3\npointer 397 320\nturn 2\nadvance 200000\nleft up\nturn 3\n"
-    "pointer 320 150\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
-    "pointer 397 457\nturn\nleft down\nturn 3\npointer 430 430\nturn 2\nadvance 200000\nleft up\nturn 3\n"
-    "pointer 296 242\nturn 2\nleft down\nturn 2\nadvance 100000\nleft up\nturn 3\n"
-    "pointer 1023 767\nturn 2\npointer 0 0\nturn 2\ntick 3\n";
+std::string Use()
+{
+    SCENE Scene;
+    Scene.Hover({512, 400}).Ticks(3).Tab(5).Tab(9).Thumb(5).Tab(4).Node(0, {1, -1}).Box();
+    return Scene.Hover({1023, 767}).Hover({0, 0}).Ticks(3).Script;
+}
 
 VOID Play(const std::vector<SECTION>& Sections)
 {
     const BYTES Pack = WritePack(Sections);
     SESSION_OPTIONS Options;
-    Options.Script = gUse;
+    Options.Script = Use();
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
     Options.ArtworkPack = Pack.data();
     Options.ArtworkPackSize = Pack.size();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/host/Session.h"
+#include "tests/console/Places.h"
 
 namespace {
 
@@ -57,22 +58,18 @@ POOL_LOOK LookAtPool()
 // A person who is everywhere, never rests and never leaves.
 VOID SOAK::Act()
 {
-    static constexpr INT64 Places[][2] = {{600, 570}, {741, 570}, {894, 570}, {320, 150}, {420, 150}, {520, 150},
-                                          {620, 150}, {720, 150}, {800, 150}, {900, 150}, {296, 242}, {71, 312},
-                                          {71, 349},  {71, 386},  {397, 457}, {487, 397}, {577, 337}, {667, 277},
-                                          {397, 400}, {805, 94},  {887, 94}};
     POINTER_STATE& Pointer = gBoot->Pointer.State;
     switch (Draw(16)) {
     case 0:
     case 1:
     case 2: {
-        const auto& Place = Places[Draw(std::size(Places))];
-        Pointer.X = Place[0];
-        Pointer.Y = Place[1];
+        const PLACE& Place = gPlacesOfUse[Draw(std::size(gPlacesOfUse))];
+        Pointer.X = Place.X;
+        Pointer.Y = Place.Y;
         break;
     }
     case 3: // anywhere but on Exit
-        Pointer.X = static_cast<INT64>(Draw(925));
+        Pointer.X = static_cast<INT64>(Draw(static_cast<UINT64>(Button(EXIT).X)));
         Pointer.Y = static_cast<INT64>(Draw(768));
         break;
     case 4:
