@@ -18,11 +18,11 @@ constexpr UINT32 gMostHeld = 16384;
 
 constexpr UINT32 Smaller(UINT32 A, UINT32 B) { return A < B ? A : B; }
 constexpr UINT32 Larger(UINT32 A, UINT32 B) { return A > B ? A : B; }
-constexpr UINT64 PixelsOf(const AREA& Area)
+constexpr UINT64 PixelsOf(const PANEL_AREA& Area)
 {
     return static_cast<UINT64>(Area.Right - Area.Left) * (Area.Bottom - Area.Top);
 }
-constexpr AREA Around(const AREA& A, const AREA& B)
+constexpr PANEL_AREA Around(const PANEL_AREA& A, const PANEL_AREA& B)
 {
     return {Smaller(A.Left, B.Left), Smaller(A.Top, B.Top), Larger(A.Right, B.Right), Larger(A.Bottom, B.Bottom)};
 }
@@ -39,7 +39,7 @@ DISPLAY_LAYER* LayerOf(EFI_GRAPHICS_OUTPUT_PROTOCOL* Graphics) { return reinterp
 PIXEL* PictureRow(const DISPLAY_LAYER* Layer, UINTN Row) { return Layer->Picture + Row * gPictureWidth; }
 
 // Sends a part of the picture to the display.
-EFI_STATUS Send(const DISPLAY_LAYER* Layer, const AREA& Changed)
+EFI_STATUS Send(const DISPLAY_LAYER* Layer, const PANEL_AREA& Changed)
 {
     const PLACEMENT& Place = Layer->Place;
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Firmware = Layer->Firmware;
@@ -48,7 +48,7 @@ EFI_STATUS Send(const DISPLAY_LAYER* Layer, const AREA& Changed)
                              Place.X + Changed.Left, Place.Y + Changed.Top, Changed.Right - Changed.Left,
                              Changed.Bottom - Changed.Top, gPictureWidth * sizeof(PIXEL));
     }
-    const AREA Target = AreaOnPanel(Place, Changed);
+    const PANEL_AREA Target = AreaOnPanel(Place, Changed);
     const UINTN Width = Target.Right - Target.Left;
     const UINT32 RowsAtOnce = Place.Multiple == 0 ? gStripRows : gStripRows - gStripRows % Place.Multiple;
     EFI_STATUS Status = EFI_SUCCESS;
@@ -67,16 +67,16 @@ EFI_STATUS SendHeld(DISPLAY_LAYER* Layer)
     if (Layer->Held.Right == 0) {
         return EFI_SUCCESS;
     }
-    const AREA Held = Layer->Held;
+    const PANEL_AREA Held = Layer->Held;
     Layer->Held = {};
     return Send(Layer, Held);
 }
 
 // Takes note of a changed part of the picture: gathers it with what is held back, or sends both.
-EFI_STATUS TakeChange(DISPLAY_LAYER* Layer, const AREA& Changed)
+EFI_STATUS TakeChange(DISPLAY_LAYER* Layer, const PANEL_AREA& Changed)
 {
     if (PixelsOf(Changed) <= gFewPixels) {
-        const AREA Together = Layer->Held.Right == 0 ? Changed : Around(Layer->Held, Changed);
+        const PANEL_AREA Together = Layer->Held.Right == 0 ? Changed : Around(Layer->Held, Changed);
         if (PixelsOf(Together) <= gMostHeld) {
             Layer->Held = Together;
             return EFI_SUCCESS;
@@ -91,7 +91,7 @@ EFI_STATUS TakeChange(DISPLAY_LAYER* Layer, const AREA& Changed)
 }
 
 // Widens Changed by the part of a row that differs from what is shown, and writes the row.
-VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UINTN Width, AREA* Changed)
+VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UINTN Width, PANEL_AREA* Changed)
 {
     PIXEL* Old = PictureRow(Layer, Row) + Left;
     UINTN First = 0;
@@ -106,12 +106,12 @@ VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UI
         Behind--;
     }
     __builtin_memmove(Old + First, New + First, (Behind - First) * sizeof(PIXEL));
-    const AREA Part = {static_cast<UINT32>(Left + First), static_cast<UINT32>(Row), static_cast<UINT32>(Left + Behind),
+    const PANEL_AREA Part = {static_cast<UINT32>(Left + First), static_cast<UINT32>(Row), static_cast<UINT32>(Left + Behind),
                        static_cast<UINT32>(Row + 1)};
     *Changed = Changed->Right == 0 ? Part : Around(*Changed, Part);
 }
 
-VOID Fill(DISPLAY_LAYER* Layer, PIXEL Color, UINTN X, UINTN Y, UINTN Width, UINTN Height, AREA* Changed)
+VOID Fill(DISPLAY_LAYER* Layer, PIXEL Color, UINTN X, UINTN Y, UINTN Width, UINTN Height, PANEL_AREA* Changed)
 {
     PIXEL Row[gPictureWidth];
     for (UINTN At = 0; At < Width; At++) {
@@ -142,7 +142,7 @@ EFI_STATUS LayerBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, PIXEL* Buffer, EFI_GRAPH
     };
 
     Layer->Busy = true;
-    AREA Changed = {};
+    PANEL_AREA Changed = {};
     switch (Operation) {
     case EfiBltVideoFill:
         Fill(Layer, *Buffer, DestinationX, DestinationY, Width, Height, &Changed);

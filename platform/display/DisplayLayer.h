@@ -26,7 +26,7 @@ struct DISPLAY_LAYER {
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Firmware; // what shows the picture, in the mode that it is in
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Picture; // the frame buffer, 1024 by 768
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Strip;   // room for scaled rows; null where nothing is scaled
-    AREA Held;          // changed pixels that aren't sent yet; empty: Right is 0
+    PANEL_AREA Held;          // changed pixels that aren't sent yet; empty: Right is 0
     volatile bool Busy; // an operation is under way: a timer's flush has to wait
 };
 

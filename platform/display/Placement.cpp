@@ -48,7 +48,7 @@ PLACEMENT PlacePicture(UINT32 PanelWidth, UINT32 PanelHeight)
     return Place;
 }
 
-AREA AreaOnPanel(const PLACEMENT& Place, const AREA& InPicture)
+PANEL_AREA AreaOnPanel(const PLACEMENT& Place, const PANEL_AREA& InPicture)
 {
     return {.Left = Place.X + FirstShowing(InPicture.Left, gPictureWidth, Place.Width),
             .Top = Place.Y + FirstShowing(InPicture.Top, gPictureHeight, Place.Height),

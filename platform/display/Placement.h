@@ -20,7 +20,7 @@ struct PLACEMENT {
 };
 
 // A rectangle, right and bottom edge not included.
-struct AREA {
+struct PANEL_AREA {
     UINT32 Left;
     UINT32 Top;
     UINT32 Right;
@@ -31,7 +31,7 @@ struct AREA {
 PLACEMENT PlacePicture(UINT32 PanelWidth, UINT32 PanelHeight);
 
 // The pixels of the display that show any of that part of the picture.
-AREA AreaOnPanel(const PLACEMENT& Place, const AREA& InPicture);
+PANEL_AREA AreaOnPanel(const PLACEMENT& Place, const PANEL_AREA& InPicture);
 
 // The pixel of the picture that stands at a pixel of the display; outside the picture the nearest one. This is how a
 // finger or a pen on the display is turned into a place of the pointer.

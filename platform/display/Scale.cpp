@@ -4,7 +4,7 @@ namespace {
 
 using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 
-VOID EnlargeRows(const PIXEL* Picture, const PLACEMENT& Place, const AREA& Target, PIXEL* Pixels)
+VOID EnlargeRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Target, PIXEL* Pixels)
 {
     const UINT32 Multiple = Place.Multiple;
     const UINTN Width = Target.Right - Target.Left;
@@ -56,7 +56,7 @@ UINT32 ShareOf(const COVER& Cover, UINT32 Index, UINT32 Length)
     return Index == 0 ? Cover.FirstShare : Index + 1 == Cover.Count ? Cover.LastShare : Length;
 }
 
-VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const AREA& Target, PIXEL* Pixels)
+VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Target, PIXEL* Pixels)
 {
     constexpr UINT64 Whole = static_cast<UINT64>(gPictureWidth) * gPictureHeight;
     for (UINT32 Row = Target.Top - Place.Y; Row < Target.Bottom - Place.Y; Row++) {
@@ -86,7 +86,7 @@ VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const AREA& Target, P
 
 } // namespace
 
-VOID ScaleRows(const PIXEL* Picture, const PLACEMENT& Place, const AREA& Target, PIXEL* Pixels)
+VOID ScaleRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Target, PIXEL* Pixels)
 {
     if (Place.Multiple != 0) {
         EnlargeRows(Picture, Place, Target, Pixels);

@@ -8,5 +8,5 @@
 // writes them to Pixels, row after row without gaps. In whole multiples each pixel of the picture becomes a square.
 // Fitted down, a pixel of the display is the mean of the part of the picture that it covers, by area: strokes get paler
 // and none is left out, which keeps small letters legible.
-VOID ScaleRows(const EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Picture, const PLACEMENT& Place, const AREA& Target,
+VOID ScaleRows(const EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Target,
                EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Pixels);

@@ -62,6 +62,17 @@ EFI_STATUS EVENTS::Create(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notif
     return EFI_SUCCESS;
 }
 
+UINT64 EVENTS::Now()
+{
+    if (!StandsInTurns) {
+        return mClock->Nanoseconds() / 100;
+    }
+    if (TurnBegan == 0) {
+        TurnBegan = mClock->Microseconds();
+    }
+    return TurnBegan * 10;
+}
+
 EFI_STATUS EVENTS::SetTimer(EFI_EVENT Event, EFI_TIMER_DELAY Type, UINT64 TriggerTime)
 {
     EVENT_RECORD* Record = Find(Event);

@@ -32,6 +32,11 @@ struct EVENT_RECORD {
 };
 
 struct EVENTS {
+    // For a window, whose input is recorded: timers are due by the time at which a turn began, and not by moments within it
+    // that a record can't tell. All that comes before the first turn happens when the first timer was set.
+    bool StandsInTurns = false;
+    UINT64 TurnBegan = 0; // microseconds of the clock; 0: no timer was set yet
+
     EVENTS(CLOCK* TheClock, COMPLAINTS* Where) : mClock(TheClock), mComplaints(Where) {}
     EVENTS(const EVENTS&) = delete;
     EVENTS& operator=(const EVENTS&) = delete;
@@ -70,7 +75,7 @@ private:
     VOID QueueSignalled(KEY Key, EVENT_RECORD& Record);
     VOID RunQueued();
     VOID SignalDueTimers();
-    UINT64 Now() const { return mClock->Nanoseconds() / 100; }
+    UINT64 Now();
 
     CLOCK* mClock;
     COMPLAINTS* mComplaints;

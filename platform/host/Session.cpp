@@ -161,6 +161,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Boot->Crossing.Listener = {.BeginTurn = OnTurn, .Stalled = Options.Window ? OnStall : nullptr, .Context = this};
     Boot->Pool.FillLimit = Options.PoolFillLimit;
     Boot->Pool.TraceOwners = Options.TracePool;
+    Boot->Events.StandsInTurns = Options.Window;
     const EFI_STATUS Status = Boot->InstallBoard();
     if (EfiError(Status)) {
         return Fail("the board's services can't be installed: " + FormatStatus(Status));

@@ -35,8 +35,13 @@ VOID WINDOW_DRIVER::BeginTurn(BOOT& Boot)
     for (const EFI_INPUT_KEY& Key : mInput.Keys) {
         Boot.Consoles.Keys.push_back(Key);
     }
+    // The first turn is still at the time of the timers, as when the record is played: a start-up takes no time then.
+    if (mBegun) {
+        Boot.Events.TurnBegan = Boot.Clock.Microseconds();
+    }
+    mBegun = true;
     if (mRecorder != nullptr && !mInput.Closed) {
-        RecordTurn(mRecorder, Boot.Clock.Microseconds(), mInput);
+        RecordTurn(mRecorder, Boot.Events.TurnBegan, mInput);
     }
 }
 

@@ -28,4 +28,5 @@ private:
     WINDOW* mWindow = nullptr;
     RECORDER* mRecorder = nullptr;
     WINDOW_INPUT mInput = {};
+    bool mBegun = false; // there was a turn
 };

@@ -254,7 +254,7 @@ TEST(PanelPlace, IsWhereAFingerPoints)
     const PLACEMENT Places[] = {PlacePicture(3840, 2160), PlacePicture(800, 600), PlacePicture(1366, 768)};
     for (const PLACEMENT& Place : Places) {
         for (const UINT32 At : {0u, 1u, 333u, 511u, 766u, 767u}) {
-            const AREA Pixel = AreaOnPanel(Place, {At, At, At + 1, At + 1});
+            const PANEL_AREA Pixel = AreaOnPanel(Place, {At, At, At + 1, At + 1});
             INT64 X = -1;
             INT64 Y = -1;
             PictureAt(Place, (Pixel.Left + Pixel.Right) / 2, (Pixel.Top + Pixel.Bottom) / 2, &X, &Y);
