@@ -7,9 +7,20 @@ TEST(Buttons, DoTheirOwnWorkFirstThenTheActionThenTheLegend)
     // The button's own event, then those of the action and of the legend; on a page that has no box to signal anything.
     SCENE Scene;
     const TURN Click = Scene.Tab(9).Button(FULL_SPEED).Mark();
-    EXPECT_EQ(Scene.Play().OrderInTurn(Click, {"SignalEvent", "SetAllFansFullSpeed"}),
+    const RUN Run = Scene.Play();
+    EXPECT_EQ(Run.OrderInTurn(Click, {"SignalEvent", "SetAllFansFullSpeed"}),
               (std::vector<std::string>{"SignalEvent", "SignalEvent", "SignalEvent", "SetAllFansFullSpeed"}))
         << "both signals wait until the button has done with the click";
+    // Button and action run at TPL_NOTIFY, the legend at TPL_CALLBACK.
+    std::vector<UINT64> Levels;
+    for (const CALL_LINE& Signal : Run.NamedInTurn("SignalEvent", Click)) {
+        for (const CALL_LINE& Made : Run.InTurn(0)) {
+            if (Made.Call.starts_with("CreateEvent") && Made.Text("event") == Signal.Text("event")) {
+                Levels.push_back(Made.Number("tpl"));
+            }
+        }
+    }
+    EXPECT_EQ(Levels, (std::vector<UINT64>{16, 16, 8}));
 }
 
 TEST(Buttons, ReachTheirCommands)

@@ -211,10 +211,10 @@ const PICTURE& RUN::Picture(const std::string& Name) const
     return Found->second;
 }
 
-void RUN::ExpectSame(const std::string& A, const std::string& B, const AREA& Area, const std::source_location& Where) const
+void RUN::ExpectSame(const std::string& A, const std::string& B, const AREA& Area, const char* File, int Line) const
 {
-    const testing::ScopedTrace Names(Where.file_name(), static_cast<int>(Where.line()), "\"" + A + "\", \"" + B + "\"");
-    ExpectSamePicture(Picture(A), Picture(B), Area, Where);
+    const testing::ScopedTrace Names(File, Line, "\"" + A + "\", \"" + B + "\"");
+    ExpectSamePicture(Picture(A), Picture(B), Area, File, Line);
 }
 
 bool Differ(const PICTURE& A, const PICTURE& B, const AREA& Area)
@@ -223,11 +223,11 @@ bool Differ(const PICTURE& A, const PICTURE& B, const AREA& Area)
     return FindDifference(A, B, Area, &First);
 }
 
-void ExpectSamePicture(const PICTURE& A, const PICTURE& B, const AREA& Area, const std::source_location& Where)
+void ExpectSamePicture(const PICTURE& A, const PICTURE& B, const AREA& Area, const char* File, int Line)
 {
     PLACE First;
     if (FindDifference(A, B, Area, &First)) {
-        ADD_FAILURE_AT(Where.file_name(), static_cast<int>(Where.line()))
+        ADD_FAILURE_AT(File, Line)
             << "the pictures differ, first at (" << First.X << ", " << First.Y << "): " << std::hex << PixelAt(A, First)
             << " and " << PixelAt(B, First) << "; " << KeepBoth(A, B);
     }

@@ -13,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <source_location>
 #include <string>
 #include <vector>
 
@@ -64,7 +63,7 @@ WRITES WritesOf(const std::vector<CALL_LINE>& Calls);
 
 // Fails the test where two pictures differ: tells the first such pixel, and leaves both as PNG.
 void ExpectSamePicture(const PICTURE& A, const PICTURE& B, const AREA& Area = gScreen,
-                       const std::source_location& Where = std::source_location::current());
+                       const char* File = __builtin_FILE(), int Line = __builtin_LINE());
 bool Differ(const PICTURE& A, const PICTURE& B, const AREA& Area = gScreen);
 
 struct RUN {
@@ -97,7 +96,7 @@ struct RUN {
     const PICTURE& Picture(const std::string& Name) const;
     // See ExpectSamePicture.
     void ExpectSame(const std::string& A, const std::string& B, const AREA& Area = gScreen,
-                    const std::source_location& Where = std::source_location::current()) const;
+                    const char* File = __builtin_FILE(), int Line = __builtin_LINE()) const;
     bool Differ(const std::string& A, const std::string& B, const AREA& Area = gScreen) const
     {
         return ::Differ(Picture(A), Picture(B), Area);
