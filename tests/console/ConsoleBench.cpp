@@ -253,6 +253,7 @@ SCENE::SCENE(const std::string& Board)
 {
     Options.Board = Board;
     Options.KeepTrace = true;
+    Options.LowTextPictures = true; // filling whole ones would take most of a scene
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
 }
 
