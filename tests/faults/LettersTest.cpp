@@ -38,6 +38,8 @@ constexpr PAGE gPages[] = {
     {"Fan10", "full", 10, false, 397, 322, 397, 362, 4, 3},
 };
 
+void PrintTo(const PAGE& Page, std::ostream* Out) { *Out << Page.Name; } // else a test's name has addresses in it
+
 // A gesture's turns, the last of them at rest, and how often it writes. A drag writes if something was picked up: a letter
 // before that may have taken it away.
 struct GESTURE {
