@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 #include "platform/board/FloatMath.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 struct PIXEL_FIRMWARE {
     EFI_BOOT_SERVICES BootServices = {};

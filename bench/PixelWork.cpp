@@ -5,7 +5,7 @@
 
 #include "bench/Work.h"
 #include "controls/LineChart.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 
 namespace {
 

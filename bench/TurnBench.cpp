@@ -24,7 +24,7 @@
 #include "platform/host/ImageLoader.h"
 #include "shell/Main.h"
 #include "support/Identifiers.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 
 #if __has_include(<valgrind/callgrind.h>)
 #include <valgrind/callgrind.h>

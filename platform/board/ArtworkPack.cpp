@@ -1,7 +1,7 @@
 #include "platform/board/ArtworkPack.h"
 
 #include "platform/board/ArtworkSections.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 struct ARTWORK_OVERRIDE {
     UINT32 Instance;

@@ -1,22 +1,13 @@
 #include "platform/board/ArtworkServices.h"
 #include "platform/board/ArtworkSections.h"
 
-static bool IsSameGuid(const EFI_GUID& A, const EFI_GUID& B)
-{
-    bool Same = A.Data1 == B.Data1 && A.Data2 == B.Data2 && A.Data3 == B.Data3;
-    for (UINTN Index = 0; Index < sizeof(A.Data4); Index++) {
-        Same = Same && A.Data4[Index] == B.Data4[Index];
-    }
-    return Same;
-}
-
 static EFI_STATUS CopySection(const EFI_GUID* FileGuid, UINT8 SectionType, const UINT32* Instance, VOID** Data,
                               UINTN* Size)
 {
     UINT8 File = 0;
-    if (IsSameGuid(*FileGuid, gArtworkFileGuid)) {
+    if (SameGuid(*FileGuid, gArtworkFileGuid)) {
         File = ARTWORK_FILE_MAIN;
-    } else if (IsSameGuid(*FileGuid, gCursorFileGuid)) {
+    } else if (SameGuid(*FileGuid, gCursorFileGuid)) {
         File = ARTWORK_FILE_CURSOR;
     } else {
         return EFI_NOT_FOUND;

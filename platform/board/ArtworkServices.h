@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/board/ArtworkPool.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 extern IMAGE_LOOKUP_PROTOCOL gBoardImageLookup;
 extern IMAGE_SECTION_PROTOCOL gBoardImageSection;

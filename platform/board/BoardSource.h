@@ -8,7 +8,7 @@
 // board has, and FanItem 4 to 10, whether the board has that fan or not: Default and Cancel read some that aren't there.
 #pragma once
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 struct BOARD_SOURCE {
     UINT32 Present; // bit n: item n exists; fixed from the moment when the services are installed

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/board/ArtworkPool.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 extern IMAGE_DECODER_PROTOCOL gBoardImageDecoder;
 

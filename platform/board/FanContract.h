@@ -2,7 +2,7 @@
 // column and the duty of a level.
 #pragma once
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 // How a fan can be set, which follows from its item and, for item 5, from the kind.
 enum FAN_CONTROL : UINT8 {

@@ -1,7 +1,7 @@
 // Straight lines into a buffer of pixels.
 #pragma once
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 // Draws from (X0, Y0) to (X1, Y1), both ends included, into a buffer of BufferWidth by BufferHeight pixels without gaps
 // between its rows. What lies outside the buffer is left out; coordinates count as signed, so an end may lie above or

@@ -1,18 +1,14 @@
 #include "platform/board/MessageBox.h"
 
 #include "platform/board/ConsoleDisplay.h"
+#include "shell/contract/Screen.h"
 #include "uefi/Hii.h"
 
 namespace {
 
-using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
-
-constexpr UINTN gScreenWidth = 1024;
-constexpr UINTN gScreenHeight = 768;
-
-// A character cell of the system font; characters of the East Asian scripts take two.
-constexpr UINTN gCellWidth = 8;
-constexpr UINTN gCellHeight = 19;
+// Characters of the East Asian scripts take two cells.
+constexpr UINTN gCellWidth = gCharacterWidth;
+constexpr UINTN gCellHeight = gCharacterHeight;
 
 constexpr UINTN gMarginX = 20;       // between the box's edge and its text
 constexpr UINTN gMarginTop = 16;

@@ -5,7 +5,7 @@
 // caller's and stay where they are until DrawMessageBox has returned; after it no string is looked at any more.
 #pragma once
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "uefi/SystemTable.h"
 
 // Where the display, the font and pool are looked for; null ends their use.

@@ -4,8 +4,6 @@
 
 namespace {
 
-using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
-
 constexpr UINTN gPictureBytes = static_cast<UINTN>(gPictureWidth) * gPictureHeight * sizeof(PIXEL);
 constexpr UINT32 gStripRows = 64; // panel rows a Blt of scaled pixels; more than any multiple
 

@@ -4,10 +4,10 @@
 // every other. A smaller one shows all of it, fitted down with its proportions kept.
 #pragma once
 
-#include "uefi/Base.h"
+#include "shell/contract/Screen.h"
 
-constexpr UINT32 gPictureWidth = 1024;
-constexpr UINT32 gPictureHeight = 768;
+constexpr UINT32 gPictureWidth = gScreenWidth;
+constexpr UINT32 gPictureHeight = gScreenHeight;
 
 struct PLACEMENT {
     UINT32 PanelWidth; // the display, in its own pixels

@@ -2,8 +2,6 @@
 
 namespace {
 
-using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
-
 VOID EnlargeRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Target, PIXEL* Pixels)
 {
     const UINT32 Multiple = Place.Multiple;

@@ -6,6 +6,7 @@
 #include "platform/board/BootScreen.h"
 #include "platform/board/SimulatedBoard.h"
 #include "platform/host/FirmwareTables.h"
+#include "uefi/LoadedImage.h"
 
 BOOT* gBoot = nullptr;
 
@@ -138,8 +139,6 @@ EFI_HANDLE BOOT::BeginStart()
     Crossing.BeginStart(Trace);
     EFI_HANDLE Image = nullptr;
     // A loaded image has a protocol that says so; nobody here asks for more of it than that it is there.
-    constexpr EFI_GUID LoadedImageGuid = {
-        0x5B1B31A1, 0x9562, 0x11D2, {0x8E, 0x3F, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
-    (void)Handles.Install(&Image, &LoadedImageGuid, nullptr);
+    (void)Handles.Install(&Image, &gEfiLoadedImageProtocolGuid, nullptr);
     return Image;
 }

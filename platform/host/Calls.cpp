@@ -468,7 +468,7 @@ VOID CONSOLE_TABLES::CoverSystemTable(EFI_SYSTEM_TABLE* Table)
 VOID* CONSOLE_TABLES::CoverInterface(const EFI_GUID& Guid, VOID* Interface)
 {
     for (const COVERED_PROTOCOL& Protocol : gProtocols) {
-        if (SameGuids(*Protocol.Guid, Guid)) {
+        if (SameGuid(*Protocol.Guid, Guid)) {
             return Protocol.Cover(*this, Interface);
         }
     }

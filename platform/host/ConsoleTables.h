@@ -4,7 +4,7 @@
 
 #include <tuple>
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "uefi/CpuArch.h"
 #include "uefi/Hii.h"
 #include "uefi/SystemTable.h"

@@ -8,7 +8,7 @@
 
 #include "platform/host/Calls.h"
 #include "platform/host/Trace.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 // Told of turns and stalls; either function may be null.
 struct TURN_LISTENER {

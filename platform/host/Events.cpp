@@ -106,7 +106,7 @@ EFI_STATUS EVENTS::Signal(EFI_EVENT Event)
     } else if (!Record->Signalled) {
         std::vector<KEY> Members;
         for (const auto& [Key, Member] : mEvents) {
-            if (Member.HasGroup && SameGuids(Member.Group, Record->Group)) {
+            if (Member.HasGroup && SameGuid(Member.Group, Record->Group)) {
                 Members.push_back(Key);
             }
         }

@@ -23,7 +23,7 @@ EFI_STATUS HANDLES::Install(EFI_HANDLE* Handle, const EFI_GUID* Guid, VOID* Inte
     }
     std::vector<PROTOCOL_ON_HANDLE>& Protocols = mHandles[*Handle];
     for (const PROTOCOL_ON_HANDLE& Protocol : Protocols) {
-        if (SameGuids(Protocol.Guid, *Guid)) {
+        if (SameGuid(Protocol.Guid, *Guid)) {
             return EFI_INVALID_PARAMETER;
         }
     }
@@ -38,7 +38,7 @@ EFI_STATUS HANDLES::Uninstall(EFI_HANDLE Handle, const EFI_GUID* Guid, VOID* Int
         return EFI_INVALID_PARAMETER;
     }
     const auto Protocol = std::find_if(Owner->second.begin(), Owner->second.end(), [&](const PROTOCOL_ON_HANDLE& At) {
-        return SameGuids(At.Guid, *Guid) && At.Interface == Interface;
+        return SameGuid(At.Guid, *Guid) && At.Interface == Interface;
     });
     if (Protocol == Owner->second.end()) {
         return EFI_NOT_FOUND;
@@ -121,7 +121,7 @@ const PROTOCOL_ON_HANDLE* HANDLES::FindOn(EFI_HANDLE Handle, const EFI_GUID& Gui
         return nullptr;
     }
     for (const PROTOCOL_ON_HANDLE& Protocol : Owner->second) {
-        if (SameGuids(Protocol.Guid, Guid)) {
+        if (SameGuid(Protocol.Guid, Guid)) {
             return &Protocol;
         }
     }
@@ -136,5 +136,5 @@ PROTOCOL_ON_HANDLE* HANDLES::FindOn(EFI_HANDLE Handle, const EFI_GUID& Guid)
 bool HANDLES::IsHidden(const EFI_GUID& Guid) const
 {
     return std::any_of(mHidden.begin(), mHidden.end(),
-                       [&](const EFI_GUID& Hidden) { return SameGuids(Hidden, Guid); });
+                       [&](const EFI_GUID& Hidden) { return SameGuid(Hidden, Guid); });
 }

@@ -136,8 +136,6 @@ std::string FormatGuid(const EFI_GUID& Guid)
     return Text;
 }
 
-bool SameGuids(const EFI_GUID& A, const EFI_GUID& B) { return std::memcmp(&A, &B, sizeof(EFI_GUID)) == 0; }
-
 std::string FormatHex(const void* Data, size_t Size)
 {
     static const char Digits[] = "0123456789abcdef";

@@ -14,8 +14,6 @@ std::u16string ToUtf16(std::string_view Text);
 
 // The upper-case 8-4-4-4-12 form.
 std::string FormatGuid(const EFI_GUID& Guid);
-bool SameGuids(const EFI_GUID& A, const EFI_GUID& B);
-
 std::string FormatHex(const void* Data, size_t Size);
 // Pairs of hex digits, blanks between pairs allowed. False for anything else.
 bool ParseHexBytes(std::string_view Text, std::vector<UINT8>* Bytes);

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/host/Crossing.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "uefi/SystemTable.h"
 
 enum SCRIPT_VERB : UINT8 {

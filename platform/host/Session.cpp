@@ -7,24 +7,11 @@
 #include "platform/board/hooks/FanHooks.h"
 #include "platform/host/HostText.h"
 #include "platform/host/WindowDriver.h"
+#include "uefi/Shell.h"
 
 namespace {
 
 volatile sig_atomic_t gStopRequested = 0;
-
-constexpr EFI_GUID gShellParametersGuid = {
-    0x752F3136, 0x4E16, 0x4FDC, {0xA2, 0x2A, 0xE5, 0xF4, 0x68, 0x12, 0xF4, 0xCA}};
-
-constexpr EFI_GUID gShellGuid = {
-    0x6302D008, 0x7F9B, 0x4F30, {0x87, 0xAC, 0x60, 0xC9, 0xFE, 0xF5, 0xDA, 0x4E}};
-
-struct EFI_SHELL_PARAMETERS_PROTOCOL {
-    CHAR16** Argv;
-    UINTN Argc;
-    VOID* StdIn;
-    VOID* StdOut;
-    VOID* StdErr;
-};
 
 // Every slot of the shell's own protocol: this shell does nothing but hand over arguments.
 EFI_STATUS RefuseShellCall() { return EFI_UNSUPPORTED; }
@@ -54,13 +41,13 @@ struct SHELL_COMMAND {
     }
     VOID Install(HANDLES& Handles, EFI_HANDLE Image)
     {
-        (void)Handles.Install(&mShellHandle, &gShellGuid, Shell);
-        (void)Handles.Install(&Image, &gShellParametersGuid, &Protocol);
+        (void)Handles.Install(&mShellHandle, &gEfiShellProtocolGuid, Shell);
+        (void)Handles.Install(&Image, &gEfiShellParametersProtocolGuid, &Protocol);
     }
     VOID Uninstall(HANDLES& Handles, EFI_HANDLE Image)
     {
-        (void)Handles.Uninstall(mShellHandle, &gShellGuid, Shell);
-        (void)Handles.Uninstall(Image, &gShellParametersGuid, &Protocol);
+        (void)Handles.Uninstall(mShellHandle, &gEfiShellProtocolGuid, Shell);
+        (void)Handles.Uninstall(Image, &gEfiShellParametersProtocolGuid, &Protocol);
     }
 
 private:

@@ -11,8 +11,6 @@ namespace {
 using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 
 constexpr EFI_HII_OUT_FLAGS gNeededFlags = EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK;
-constexpr UINT32 EFI_FONT_INFO_SYS_FORE_COLOR = 0x08;
-constexpr UINT32 EFI_FONT_INFO_SYS_BACK_COLOR = 0x10;
 constexpr PIXEL gSystemForeground = {0x98, 0x98, 0x98, 0};
 constexpr PIXEL gSystemBackground = {0, 0, 0, 0};
 

@@ -14,7 +14,7 @@ constexpr UINT32 gKnownAttributes = gAccessAttributes | EFI_VARIABLE_NON_VOLATIL
 const VARIABLE* VARIABLES::Find(const CHAR16* Name, const EFI_GUID& Vendor) const
 {
     for (const VARIABLE& Variable : mVariables) {
-        if (Variable.Name == Name && SameGuids(Variable.Vendor, Vendor)) {
+        if (Variable.Name == Name && SameGuid(Variable.Vendor, Vendor)) {
             return &Variable;
         }
     }

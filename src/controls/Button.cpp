@@ -3,8 +3,12 @@
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/Text.h"
+#include "gui/core/Drag.h"
 #include "support/Identifiers.h"
-#include "support/Library.h"
+#include "support/Lists.h"
+#include "support/Pool.h"
+#include "support/Report.h"
+#include "support/Strings.h"
 
 // How the caption of each frame is rendered. The key is the colour around the letters, which stays out.
 struct CAPTION_LOOK {
@@ -244,3 +248,36 @@ EFI_STATUS OnButtonReset(EFI_EVENT, VOID* Context)
     TargetButton(static_cast<BTN_COMPONENT*>(Context), 1);
     return EFI_SUCCESS;
 }
+
+SCAN_RESULT ScanButton(const GUI_COMPONENT* Component)
+{
+    if (Component->Enabled != 1) {
+        return SCAN_NEXT;
+    }
+    const bool Member = Component->Kind == _RADIO_BTN_COMPONENT;
+    switch (gGuiCore->MouseState) {
+    case NOEVENT:
+        return SCAN_STOP;
+    case L_HOLD:
+        if (gDragLock == 0) {
+            gGuiCore->MouseState = NOEVENT; // the press is taken; the scan goes on and sees the new state
+        }
+        return SCAN_NEXT;
+    case L_CLICK:
+        if (Member) {
+            SignalComponent(Component);
+            return SCAN_STOP;
+        }
+        SignalIfAny(Component->PrimaryEvent);
+        return SCAN_STOP;
+    default:
+        return SCAN_NEXT;
+    }
+}
+
+
+const COMPONENT_CLASS gButtonClass = {
+    .Kind = _BTN_COMPONENT,
+    .Scan = ScanButton,
+    .HoverOf = [](const VOID* Owner) { return static_cast<const BTN_COMPONENT*>(Owner)->HoverHandler; },
+};

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 
 constexpr UINT32 gButtonFrameCount = 4;
 constexpr UINT32 gButtonEventCount = 5;
@@ -92,3 +92,8 @@ EFI_STATUS OnButtonReset(EFI_EVENT Event, VOID* Context);
 
 // The button's logic on the target fields of the GUI; called by the two functions above. Always EFI_NOT_FOUND.
 EFI_STATUS ButtonDispatch();
+
+// What press and click do to a button, of a page bar's too: a held press is taken, a click signals the first event, a
+// member's click both.
+SCAN_RESULT ScanButton(const GUI_COMPONENT* Component);
+extern const COMPONENT_CLASS gButtonClass;

@@ -4,8 +4,12 @@
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
 #include "graphics/Text.h"
+#include "gui/core/Drag.h"
 #include "support/Identifiers.h"
-#include "support/Library.h"
+#include "support/Lists.h"
+#include "support/Pool.h"
+#include "support/Report.h"
+#include "support/Strings.h"
 #include "support/Print.h"
 
 constexpr UINT32 gFrameCount = 4;
@@ -360,3 +364,53 @@ VOID DrawCheckBox(INT32 Frame, CHECK_BOX_COMPONENT* Box)
     (void)PasteBlt(Picture.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
     (void)ComposeScreen(gGuiCore, Picture.Data, Rect.X, Rect.Y, Rect.Width, Rect.Height);
 }
+
+static SCAN_RESULT ScanCheckBox(const GUI_COMPONENT* Component)
+{
+    if (Component->Enabled == 0) {
+        gGuiCore->HitId = 0;
+        return SCAN_NEXT;
+    }
+    if (Component->Enabled != 1) {
+        return SCAN_NEXT;
+    }
+    if (gGuiCore->MouseState == NOEVENT) {
+        return SCAN_STOP;
+    }
+    if (gGuiCore->MouseState == L_CLICK && Component->Active == 1) {
+        SignalComponent(Component);
+        return SCAN_STOP;
+    }
+    return SCAN_NEXT;
+}
+
+SCAN_RESULT ScanRadio(const GUI_COMPONENT* Component)
+{
+    if (Component->Enabled != 1) {
+        return SCAN_NEXT;
+    }
+    switch (gGuiCore->MouseState) {
+    case NOEVENT:
+        return SCAN_STOP;
+    case L_HOLD:
+        if (gDragLock != 0) {
+            return SCAN_NEXT;
+        }
+        gGuiCore->MouseState = L_CLICK;
+        SignalComponent(Component);
+        gGuiCore->MouseState = NOEVENT;
+        return SCAN_STOP;
+    case L_CLICK:
+        SignalComponent(Component);
+        return SCAN_STOP;
+    default:
+        return SCAN_NEXT;
+    }
+}
+
+
+const COMPONENT_CLASS gCheckBoxClass = {
+    .Kind = _CHECK_BOX_COMPONENT,
+    .Scan = ScanCheckBox,
+    .HoverOf = [](const VOID* Owner) { return static_cast<const CHECK_BOX_COMPONENT*>(Owner)->HoverHandler; },
+};

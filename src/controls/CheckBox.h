@@ -8,7 +8,7 @@
 #pragma once
 
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 
 // Frames of the picture, from its top.
 enum CHECK_BOX_FRAME : INT32 {
@@ -102,3 +102,8 @@ VOID CheckBoxStep();
 
 // Paints one frame, 0 to 3, with the caption over it. Nothing for a null box or a frame that isn't there.
 VOID DrawCheckBox(INT32 Frame, CHECK_BOX_COMPONENT* Box);
+
+extern const COMPONENT_CLASS gCheckBoxClass;
+// What press and click do to a box that is a page bar's member: it acts on the press, with the click state set only for the
+// length of the signalling.
+SCAN_RESULT ScanRadio(const GUI_COMPONENT* Component);

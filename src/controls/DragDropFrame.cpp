@@ -7,7 +7,8 @@
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
-#include "support/Library.h"
+#include "support/Pool.h"
+#include "support/Report.h"
 #include "support/Print.h"
 
 constexpr UINT8 gPanelByte = 0x24;       // every byte of gPanelColor
@@ -301,3 +302,13 @@ EFI_STATUS OnDragDropRefresh(EFI_EVENT, VOID* Context)
     RepaintDragDropFrame(static_cast<DRAGDROP_COMPONENT*>(Context));
     return EFI_NOT_FOUND;
 }
+
+static SCAN_RESULT ScanNode(const GUI_COMPONENT* Component)
+{
+    if (gGuiCore->MouseState == NOEVENT && Component->Enabled == 1) {
+        return SCAN_STOP;
+    }
+    return ScanHeldPart(Component, static_cast<const DRAGDROP_COMPONENT*>(Component->Owner)->Id);
+}
+
+const COMPONENT_CLASS gNodeClass = {.Kind = _DRAGDROP_COMPONENT, .Scan = ScanNode, .HoverOf = nullptr};

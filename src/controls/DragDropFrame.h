@@ -10,9 +10,9 @@
 // The record belongs to the caller. DragDropFrameDispatch runs in every turn of the main loop.
 #pragma once
 
-#include "controls/DragReport.h"
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
+#include "gui/core/Drag.h"
+#include "gui/core/GUICore.h"
 
 constexpr UINT8 gNoActiveNode = 4; // ActiveNode while no node is in hand
 
@@ -102,3 +102,6 @@ EFI_STATUS OnDragDropEvent(EFI_EVENT Event, VOID* Context);
 
 // One step of the drag under way, if there is one. Its status carries no information.
 EFI_STATUS DragDropFrameDispatch();
+
+// A node's: it answers to the held button while its frame is on the page, and not to the pointer alone.
+extern const COMPONENT_CLASS gNodeClass;

@@ -1,7 +1,7 @@
 #include "controls/GridImage.h"
 
 #include "graphics/GraphicProtocol.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 
 constexpr UINT32 gGridLineWidth = 2;
 constexpr UINT8 gTintPercent = 20;

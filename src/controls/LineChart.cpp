@@ -2,8 +2,9 @@
 
 #include "controls/SharedPicture.h"
 #include "graphics/GraphicProtocol.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+#include "support/Report.h"
 
 constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
 constexpr UINT32 gGridLineCount = 10;
@@ -126,12 +127,6 @@ static VOID FreeChart(LINE_CHART* Chart)
     FreePool(Chart);
 }
 
-static bool RectOnScreen(const GUI_RECT* Rect)
-{
-    return Rect->Width > 0 && Rect->Height > 0 && Rect->Width <= gScreenWidth && Rect->Height <= gScreenHeight &&
-           Rect->X <= gScreenWidth - Rect->Width && Rect->Y <= gScreenHeight - Rect->Height;
-}
-
 static bool BuildChart(LINE_CHART* Chart)
 {
     Chart->Temperature.Maximum = gTemperatureMaximum;
@@ -155,7 +150,7 @@ EFI_STATUS CreateLineChart(LINE_CHART** Chart, const GUI_RECT* Rect, const EFI_G
                            const EFI_GUID* TemperatureGuid)
 {
     *Chart = nullptr;
-    if (!RectOnScreen(Rect)) {
+    if (!RectOnScreen(Rect->X, Rect->Y, Rect->Width, Rect->Height)) {
         REPORT("No place (CreateLineChart)");
         return EFI_INVALID_PARAMETER;
     }

@@ -9,8 +9,8 @@
 
 #include "graphics/Kernels.h"
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
-#include "shell/Services.h"
+#include "gui/core/GUICore.h"
+#include "shell/contract/Services.h"
 
 struct LINE_CHART_SERIES {
     EFI_GUID VariableGuid; // vendor of the firmware variable that keeps the samples

@@ -4,9 +4,9 @@
 #include "controls/GridImage.h"
 #include "controls/Slider.h"
 #include "graphics/GraphicProtocol.h"
-#include "gui/PointerEngine.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "gui/core/Listeners.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 UINT8 gDragging = 0;
 DRAG_REPORT gFrameDragReport = {};
@@ -146,11 +146,6 @@ EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
     return EFI_NOT_FOUND;
 }
 
-static INT64 Limit(INT64 Value, INT64 Least, INT64 Most)
-{
-    return Value < Least ? Least : Value > Most ? Most : Value;
-}
-
 // The limits of the node in hand for the top left corner of its picture, in frame coordinates.
 struct PLACE_LIMITS {
     INT64 MinX;
@@ -206,28 +201,33 @@ static POINT DragPlace(const DRAGDROP_COMPONENT* Frame)
     return {gDragFrameX, gDragFrameY};
 }
 
-static VOID BeginNodeDrag(DRAGDROP_COMPONENT* Frame)
+static UINT8* NodeDragStarted(VOID* Control)
 {
-    Frame->DragStarted = 1;
-    gDragging = 1;
-    gDragStartX = gGuiCore->PointerX;
-    gDragStartY = gGuiCore->PointerY;
-    gDragBase = RestingPlace(Frame, Frame->Nodes[Frame->ActiveNode]);
-    (void)FireDragDropListeners(L_HOLD);
+    auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
+    return FrameIsWhole(Frame) && Frame->ActiveNode < gNoActiveNode ? &Frame->DragStarted : nullptr;
 }
 
-static VOID MoveNodeDrag(DRAGDROP_COMPONENT* Frame)
+static VOID HoldNode(VOID* Control)
 {
-    gDragLock = 1;
+    auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
+    SetDragDropNodeLimits(Frame);
+    if (Frame->DragStarted == 0) {
+        gDragBase = RestingPlace(Frame, Frame->Nodes[Frame->ActiveNode]);
+    }
+}
+
+static VOID MoveHeldNode(VOID* Control)
+{
+    auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
     const POINT Place = DragPlace(Frame);
     gDragFrameX = Place.X;
     gDragFrameY = Place.Y;
     DrawDragDropDrag(Frame, Place);
 }
 
-static VOID EndNodeDrag(DRAGDROP_COMPONENT* Frame)
+static VOID DropNode(VOID* Control)
 {
-    gDragLock = 0;
+    auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
     // A press too short for a drag leaves the node where it was.
     if (gGuiCore->MouseState != L_CLICK) {
         POINT Place = {gDragFrameX, gDragFrameY};
@@ -240,46 +240,21 @@ static VOID EndNodeDrag(DRAGDROP_COMPONENT* Frame)
     }
     RepaintDragDropFrame(Frame);
     Frame->ActiveNode = gNoActiveNode;
-    ClearTarget();
-    gDragStartX = 0;
-    gDragStartY = 0;
-    gFrameDragReport.RelX = 0;
-    gFrameDragReport.RelY = 0;
-    gFrameDragReport.AbsX = 0;
-    gFrameDragReport.AbsY = 0;
-    (void)FireDragDropListeners(L_HOLD_TO_RELEASE);
-    if (Frame->DragStarted == 1) {
-        Frame->DragStarted = 0;
-        gDragging = 0;
-    }
 }
 
 EFI_STATUS DragDropFrameDispatch()
 {
-    DRAGDROP_COMPONENT* Frame = nullptr;
-    if (gGuiCore->TargetKind == _DRAGDROP_COMPONENT) {
-        Frame = static_cast<DRAGDROP_COMPONENT*>(gGuiCore->Target);
-    }
-    if (Frame == nullptr || !FrameIsWhole(Frame) || Frame->ActiveNode >= gNoActiveNode) {
-        gDragging = 0;
-        return EFI_NOT_FOUND;
-    }
-    switch (gGuiCore->MouseState) {
-    case L_HOLD:
-        SetDragDropNodeLimits(Frame);
-        if (Frame->DragStarted == 0) {
-            BeginNodeDrag(Frame);
-        } else {
-            MoveNodeDrag(Frame);
-        }
-        break;
-    case NOEVENT:
-    case L_HOLD_TO_RELEASE:
-    case L_CLICK:
-        EndNodeDrag(Frame);
-        break;
-    default:
-        break;
-    }
-    return EFI_NOT_FOUND;
+    static constexpr DRAG_BEATS Beats = {
+        .Kind = _DRAGDROP_COMPONENT,
+        .UnderWay = &gDragging,
+        .StartX = &gDragStartX,
+        .StartY = &gDragStartY,
+        .Report = &gFrameDragReport,
+        .Started = NodeDragStarted,
+        .Hold = HoldNode,
+        .Move = MoveHeldNode,
+        .Drop = DropNode,
+        .Fire = FireDragDropListeners,
+    };
+    return StepDrag(Beats);
 }

@@ -2,7 +2,7 @@
 
 #include "controls/GridImage.h"
 #include "graphics/GraphicProtocol.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 
 namespace {
 

@@ -7,8 +7,9 @@
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
-#include "gui/PointerEngine.h"
-#include "support/Library.h"
+#include "gui/core/Listeners.h"
+#include "support/Pool.h"
+#include "support/Report.h"
 #include "support/Print.h"
 
 constexpr UINT32 gThumbSection = 26;
@@ -279,11 +280,6 @@ static VOID PaintSliderDrag(SLIDER_COMPONENT* Slider, INT64 Offset)
     ReportSliderDrag(Slider, Offset);
 }
 
-static INT64 Limit(INT64 Value, INT64 Least, INT64 Most)
-{
-    return Value < Least ? Least : Value > Most ? Most : Value;
-}
-
 // Works out gSliderOffset from the pointer. On the exact lines around the column, and beyond the band at its sides, the
 // offset stays.
 static VOID FollowPointer(const SLIDER_COMPONENT* Slider, INT64 DeltaY)
@@ -305,19 +301,19 @@ static VOID FollowPointer(const SLIDER_COMPONENT* Slider, INT64 DeltaY)
     }
 }
 
-static VOID BeginSliderDrag(SLIDER_COMPONENT* Slider)
+static UINT8* SliderDragStarted(VOID* Control) { return &static_cast<SLIDER_COMPONENT*>(Control)->Dragging; }
+
+static VOID HoldThumb(VOID* Control)
 {
-    Slider->Dragging = 1;
-    gSliderDragging = 1;
-    gSliderDragStartX = gGuiCore->PointerX;
-    gSliderDragStartY = gGuiCore->PointerY;
-    gSliderDragStart = static_cast<INT64>(Slider->ThumbRect.Y) - Slider->Rect.Y;
-    (void)FireSliderListeners(L_HOLD);
+    const auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
+    if (Slider->Dragging == 0) {
+        gSliderDragStart = static_cast<INT64>(Slider->ThumbRect.Y) - Slider->Rect.Y;
+    }
 }
 
-static VOID MoveSliderDrag(SLIDER_COMPONENT* Slider)
+static VOID MoveHeldThumb(VOID* Control)
 {
-    gDragLock = 1;
+    auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
     const GUI_RECT& Rect = Slider->Rect;
     const GUI_RECT& Thumb = Slider->ThumbRect;
     const INT64 DeltaX = gGuiCore->PointerX - gSliderDragStartX;
@@ -333,47 +329,39 @@ static VOID MoveSliderDrag(SLIDER_COMPONENT* Slider)
     PaintSliderDrag(Slider, gSliderOffset);
 }
 
-static VOID EndSliderDrag(SLIDER_COMPONENT* Slider)
+static VOID DropThumb(VOID* Control)
 {
-    gDragLock = 0;
+    auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
     (void)SetSliderPosition(Slider, static_cast<UINT16>(gSliderOffset));
     (void)RefreshSlider(Slider);
+    // Unlike a node, a thumb is no longer in hand when the listeners are told.
     if (Slider->Dragging == 1) {
         Slider->Dragging = 0;
         gSliderDragging = 0;
     }
-    gSliderDragStartX = 0;
-    gSliderDragStartY = 0;
-    ClearTarget();
-    gSliderDragReport.RelX = 0;
-    gSliderDragReport.RelY = 0;
-    gSliderDragReport.AbsX = 0;
-    gSliderDragReport.AbsY = 0;
-    (void)FireSliderListeners(L_HOLD_TO_RELEASE);
 }
 
 EFI_STATUS SliderStep()
 {
-    if (gGuiCore->TargetKind != _SLIDER_COMPONENT || gGuiCore->Target == nullptr) {
-        gSliderDragging = 0;
-        return EFI_NOT_FOUND;
-    }
-    SLIDER_COMPONENT* Slider = static_cast<SLIDER_COMPONENT*>(gGuiCore->Target);
-    switch (gGuiCore->MouseState) {
-    case L_HOLD:
-        if (Slider->Dragging == 0) {
-            BeginSliderDrag(Slider);
-        } else {
-            MoveSliderDrag(Slider);
-        }
-        break;
-    case NOEVENT:
-    case L_HOLD_TO_RELEASE:
-    case L_CLICK:
-        EndSliderDrag(Slider);
-        break;
-    default:
-        break;
-    }
-    return EFI_NOT_FOUND;
+    static constexpr DRAG_BEATS Beats = {
+        .Kind = _SLIDER_COMPONENT,
+        .UnderWay = &gSliderDragging,
+        .StartX = &gSliderDragStartX,
+        .StartY = &gSliderDragStartY,
+        .Report = &gSliderDragReport,
+        .Started = SliderDragStarted,
+        .Hold = HoldThumb,
+        .Move = MoveHeldThumb,
+        .Drop = DropThumb,
+        .Fire = FireSliderListeners,
+    };
+    return StepDrag(Beats);
 }
+
+const COMPONENT_CLASS gThumbClass = {
+    .Kind = _SLIDER_COMPONENT,
+    .Scan = [](const GUI_COMPONENT* Component) {
+        return ScanHeldPart(Component, static_cast<const SLIDER_COMPONENT*>(Component->Owner)->FrameId);
+    },
+    .HoverOf = [](const VOID* Owner) { return static_cast<const SLIDER_COMPONENT*>(Owner)->HoverHandler; },
+};

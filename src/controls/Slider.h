@@ -8,9 +8,9 @@
 // The record belongs to the caller; CreateSlider fills it. SliderStep runs in every turn of the main loop.
 #pragma once
 
-#include "controls/DragReport.h"
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
+#include "gui/core/Drag.h"
+#include "gui/core/GUICore.h"
 
 struct _SLIDER_COMPONENT {
     GUI_RECT Rect;
@@ -71,3 +71,6 @@ EFI_STATUS OnSliderEvent(EFI_EVENT Event, VOID* Context);
 
 // One step of the drag under way, if there is one. Always EFI_NOT_FOUND.
 EFI_STATUS SliderStep();
+
+// A thumb's: it answers to the held button while its slider is on the page.
+extern const COMPONENT_CLASS gThumbClass;

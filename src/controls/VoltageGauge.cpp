@@ -2,8 +2,10 @@
 
 #include "graphics/GraphicProtocol.h"
 #include "graphics/Text.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+#include "support/Report.h"
+#include "support/Strings.h"
 
 constexpr UINT32 gGaugeY = 624;
 constexpr INT32 gGaugeWidth = 127;

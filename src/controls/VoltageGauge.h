@@ -4,7 +4,7 @@
 #pragma once
 
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 
 struct VOLTAGE_GAUGE {
     UINT64 X;

@@ -2,10 +2,10 @@
 
 #include "fan/FanPage.h"
 #include "graphics/GraphicProtocol.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 #include "gui/PageBar.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 namespace {
 

@@ -6,8 +6,9 @@
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
 #include "graphics/Text.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+#include "support/Strings.h"
 
 namespace {
 

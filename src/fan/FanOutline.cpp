@@ -1,8 +1,8 @@
 #include "fan/FanOutline.h"
 
 #include "fan/FanPage.h"
-#include "gui/GUICore.h"
-#include "shell/Board.h"
+#include "gui/core/GUICore.h"
+#include "shell/contract/Board.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include "controls/Button.h"
 #include "graphics/Palette.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 // ShowFanPageFrame of each page, in the order of gFanPage: the select action of the page's entry in gFanPageBar. Each
 // knows its tab and takes nothing from its arguments. It erases all outlines and draws that of its tab and the panel.

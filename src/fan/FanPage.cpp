@@ -9,8 +9,10 @@
 #include "graphics/GraphicProtocol.h"
 #include "gui/PageBar.h"
 #include "gui/PointerEngine.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "gui/core/Listeners.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+#include "support/Strings.h"
 #include "support/Print.h"
 
 namespace {

@@ -16,7 +16,7 @@
 #include "controls/LineChart.h"
 #include "controls/Slider.h"
 #include "graphics/Palette.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 enum FAN_PAGE_LAYOUT : UINT8 {
     FAN_LAYOUT_NONE = 0,      // the fan has no page

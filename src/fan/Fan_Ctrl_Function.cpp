@@ -2,9 +2,8 @@
 
 #include "controls/Labels.h"
 #include "graphics/Artwork.h"
-#include "gui/GUICore.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "gui/core/GUICore.h"
+#include "shell/contract/Board.h"
 
 namespace {
 
@@ -38,21 +37,13 @@ FAN_CURVE CurveOfFrame(const DRAGDROP_COMPONENT& Frame)
     return Curve;
 }
 
-bool PointerIsInside(const GUI_RECT& Rect)
-{
-    const INT64 X = gGuiCore->PointerX;
-    const INT64 Y = gGuiCore->PointerY;
-    return X >= Rect.X && X < static_cast<INT64>(Rect.X) + Rect.Width && Y >= Rect.Y &&
-           Y < static_cast<INT64>(Rect.Y) + Rect.Height;
-}
-
 // --- The occasions on which a page writes ---
 
 // The box's functions also run when the page's tab is selected. On a page without a slider the pointer tells the two
 // apart, and only a click on the box writes; the other pages write their setting once more.
 EFI_STATUS WriteFromBox(const FAN_PAGE* Page, UINT8 CurveOn)
 {
-    if (Page->Layout == FAN_LAYOUT_CURVE8 && (Page->CheckBox == nullptr || !PointerIsInside(Page->CheckBox->Rect))) {
+    if (Page->Layout == FAN_LAYOUT_CURVE8 && (Page->CheckBox == nullptr || !PointInRect(Page->CheckBox->Rect, gGuiCore->PointerX, gGuiCore->PointerY))) {
         return EFI_NOT_FOUND;
     }
     FAN_SETTING Record;

@@ -1,15 +1,13 @@
 #include "graphics/Artwork.h"
 
-#include "gui/GUICore.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "gui/core/GUICore.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+#include "support/Report.h"
 
 namespace {
 
 constexpr CHAR8 gSourcePath[] = "graphics\\Artwork.cpp";
-
-// No picture of the catalogue is larger than the screen; a decoder's word for anything beyond this isn't taken.
-constexpr UINT32 gLargestSide = 4096;
 
 // What a service left in its outputs when it failed isn't ours to free.
 EFI_STATUS GiveNothing(EFI_STATUS Status, VOID** Data, UINTN* Size)
@@ -20,11 +18,6 @@ EFI_STATUS GiveNothing(EFI_STATUS Status, VOID** Data, UINTN* Size)
 }
 
 } // namespace
-
-bool PlausibleSize(UINT32 Width, UINT32 Height)
-{
-    return Width > 0 && Height > 0 && Width <= gLargestSide && Height <= gLargestSide;
-}
 
 EFI_STATUS FindImageFile(const EFI_GUID* FileGuid, UINT32 Instance, VOID** Data, UINTN* Size)
 {

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "graphics/Palette.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 // The stored bytes of section Instance of the file, in a pool buffer that the caller frees, and their number. Instance 0
 // means the whole file; EFI_NO_MEDIA with a report line when it is there under neither section type.
@@ -18,10 +18,6 @@ EFI_STATUS LoadJpegBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, U
 
 // The same for a BMP section. Gives the status of the step that failed.
 EFI_STATUS LoadBmpBlt(UINT32 Instance, const EFI_GUID* FileGuid, PIXEL** Out, UINT32* Width, UINT32* Height);
-
-// Whether a decoder's word for a picture's size is taken: neither side 0, and neither beyond anything that the catalogue
-// could hold.
-bool PlausibleSize(UINT32 Width, UINT32 Height);
 
 // A new tight buffer of Width x Height pixels cut from the left of a picture whose rows are SrcStride pixels apart.
 // Without pool: a report line, the allocation's status, Out unchanged.

@@ -2,7 +2,8 @@
 
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
-#include "support/Library.h"
+#include "support/Pool.h"
+#include "support/Report.h"
 
 const CHAR16* const gBltFontGlyphs[] = {u"0", u"1", u"2", u"3", u"4",      u"5", u"6",   u"7",
                                         u"8", u"9", u"-", u".", u"\u00F8", u"C", nullptr};

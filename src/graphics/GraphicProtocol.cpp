@@ -1,7 +1,7 @@
 #include "graphics/GraphicProtocol.h"
 
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 
 #include "graphics/Kernels.h"
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 
 // Copies a Width x Height block into a 1024-wide surface with its top left corner at (X, Y). EFI_OUT_OF_RESOURCES, and
 // nothing copied, when X is 1024 or more or Y is 768 or more. A block that reaches beyond the right or bottom edge is

@@ -1,7 +1,7 @@
 #include "graphics/KeptPicture.h"
 
 #include "graphics/GraphicProtocol.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 
 VOID ShowPicture(const PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN Y)
 {

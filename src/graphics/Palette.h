@@ -1,9 +1,8 @@
 // The fixed colours of the system. Each is one pixel with its reserved byte 0, in the order blue, green, red.
 #pragma once
 
-#include "uefi/GraphicsOutput.h"
+#include "shell/contract/Screen.h"
 
-using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
 
 constexpr UINTN gNodeCount = 4;
 

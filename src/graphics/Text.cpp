@@ -2,8 +2,10 @@
 
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+#include "support/Report.h"
+#include "support/Strings.h"
 #include "uefi/Hii.h"
 
 namespace {

@@ -6,10 +6,7 @@
 #pragma once
 
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
-
-constexpr UINT32 gCharacterWidth = 8;
-constexpr UINT32 gCharacterHeight = 19;
+#include "gui/core/GUICore.h"
 
 enum DRAW_STRING_MODE : UINT8 {
     DRAW_STRING_VIDEO = 3,  // straight to the display, opaque, not to Screen

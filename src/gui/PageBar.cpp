@@ -2,7 +2,8 @@
 
 #include "gui/PageBarMembers.h"
 #include "support/Identifiers.h"
-#include "support/Library.h"
+#include "support/Lists.h"
+#include "support/Pool.h"
 #include "support/Print.h"
 
 PAGE_BAR* gFanPageBar = nullptr;

@@ -8,7 +8,7 @@
 
 #include "controls/Button.h"
 #include "controls/CheckBox.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 
 struct PAGE_BAR_LIST {
     LIST_ENTRY Head;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "gui/PageBar.h"
-#include "support/Library.h"
+#include "support/Lists.h"
 
 inline PAGE_BAR_ENTRY* EntryOf(LIST_ENTRY* Link)
 {

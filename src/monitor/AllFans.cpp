@@ -2,7 +2,7 @@
 
 #include "fan/FanPage.h"
 #include "fan/Fan_Ctrl_Function.h"
-#include "shell/Board.h"
+#include "shell/contract/Board.h"
 
 namespace {
 

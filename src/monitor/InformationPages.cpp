@@ -1,8 +1,8 @@
 #include "monitor/InformationPages.h"
 
 #include "graphics/GraphicProtocol.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "monitor/Readouts.h"
 
 #include "graphics/Text.h"
-#include "gui/GUICore.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "gui/core/GUICore.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "controls/VoltageGauge.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 // Items 11 to 17; null for a voltage that isn't present.
 extern VOLTAGE_GAUGE* gVoltageGauge[gVoltageItemCount];

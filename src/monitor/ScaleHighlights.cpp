@@ -3,9 +3,9 @@
 #include "controls/DragDropFrame.h"
 #include "controls/Slider.h"
 #include "graphics/Text.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 #include "monitor/Scales.h"
-#include "support/Library.h"
+#include "support/Strings.h"
 
 namespace {
 

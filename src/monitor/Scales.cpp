@@ -2,8 +2,8 @@
 
 #include "fan/FanPage.h"
 #include "graphics/GraphicProtocol.h"
-#include "gui/GUICore.h"
-#include "support/Library.h"
+#include "gui/core/GUICore.h"
+#include "support/Strings.h"
 
 namespace {
 

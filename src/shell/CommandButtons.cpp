@@ -2,11 +2,11 @@
 
 #include "controls/Button.h"
 #include "fan/FanLegend.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 #include "monitor/AllFans.h"
 #include "monitor/InformationPages.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 namespace {
 

@@ -1,19 +1,10 @@
 #include "shell/Ventaraframe.h"
 
-#include "controls/VoltageGauge.h"
-#include "fan/FanLegend.h"
-#include "fan/FanPage.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
-#include "graphics/Text.h"
-#include "gui/InitialPage.h"
-#include "gui/PointerEngine.h"
-#include "monitor/Captions.h"
-#include "monitor/Readouts.h"
-#include "monitor/Scales.h"
-#include "shell/Board.h"
-#include "shell/CommandButtons.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+#include "support/Report.h"
 
 SCREEN_FRAME* gScreenFrame = nullptr;
 
@@ -30,17 +21,6 @@ constexpr UINT32 gFrameInstance = 4;
 // Size of the plain frame that stands in for a missing picture: it covers every fixed element.
 constexpr UINT32 gPlainFrameWidth = 916;
 constexpr UINT32 gPlainFrameHeight = 670;
-
-constexpr UINT32 gGaugeCaptionX = 69;
-constexpr UINT32 gGaugeCaptionY = 600;
-
-constexpr UINT32 gTemperatureUnitX = 221;
-constexpr UINT32 gTemperatureUnitY[gTemperatureItemCount] = {304, 341, 378};
-constexpr CHAR16 gTemperatureUnit[] = u"\u00F8C";
-
-constexpr UINT32 gFanUnitX[gFanItemCount] = {321, 420, 519, 618, 717, 816, 915};
-constexpr UINT32 gFanUnitY = 189;
-constexpr CHAR16 gFanUnit[] = u" RPM";
 
 struct CORNER {
     UINT32 Instance;
@@ -188,22 +168,6 @@ VOID FreeFrame(SCREEN_FRAME* Frame)
     }
 }
 
-VOID DrawText(UINT32 X, UINT32 Y, const CHAR16* Text, const PIXEL& Color, const PIXEL& Ground)
-{
-    (void)DrawString(X, Y, Text, DRAW_STRING_KEYED, &Color, &Ground, gGuiCore);
-}
-
-BTN_COMPONENT* TabOfFan(UINT8 ItemId)
-{
-    const FAN_PAGE* Page = FindFanPage(ItemId);
-    return Page == nullptr ? nullptr : Page->Tab;
-}
-
-CHECK_BOX_COMPONENT* RadioOfSource(UINT8 ItemId)
-{
-    return gTemperatureRadio[ItemId];
-}
-
 } // namespace
 
 VOID CreateScreenFrame(const EFI_GUID* FileGuid)
@@ -257,40 +221,4 @@ VOID FreeScreenFrame()
 {
     FreeFrame(gScreenFrame);
     gScreenFrame = nullptr;
-}
-
-VOID PaintFirstScreen()
-{
-    for (UINTN I = 0; I < gVoltageItemCount; I++) {
-        (void)DrawVoltageGauge(gVoltageGauge[I], 1, I == gVoltageItemCount - 1 ? 1 : 0);
-    }
-    PaintScalesIdle();
-    PaintCaptionsIdle();
-    SelectInitialPage({TabOfFan, RadioOfSource});
-    PaintCommandButtons();
-
-    CHAR16* Caption = gHwService->GetItemString(gHwService, STRING_GAUGE_CAPTION);
-    DrawText(gGaugeCaptionX, gGaugeCaptionY, Caption, gHeadingColor, gHeadingBackColor);
-    FreePool(Caption);
-
-    CHAR16* Title = gHwService->GetItemString(gHwService, STRING_PANEL_TITLE);
-    if (Title != nullptr) {
-        (void)StringToBlt(&gHeadingColor, &gPanelColor, &gPanelTitle, &gPanelTitleWidth, &gPanelTitleHeight, Title);
-    }
-    DrawText(gPanelTitleX, gPanelTitleY, Title, gHeadingColor, gHeadingBackColor);
-    FreePool(Title);
-
-    for (UINTN Source = 0; Source < gTemperatureItemCount; Source++) {
-        if (gItemPresent[gFirstTemperatureItem + Source] == 1) {
-            DrawText(gTemperatureUnitX, gTemperatureUnitY[Source], gTemperatureUnit, gLabelColor, gLabelBackColor);
-        }
-    }
-    for (UINTN Fan = 0; Fan < gFanItemCount; Fan++) {
-        if (gItemPresent[gFirstFanItem + Fan] == 1) {
-            DrawText(gFanUnitX[Fan], gFanUnitY, gFanUnit, gLabelColor, gLabelBackColor);
-        }
-    }
-    (void)CreateFanLegend();
-    AddDragDropListener(RefreshFanLegend, L_HOLD_TO_RELEASE);
-    AddSliderListener(RefreshFanLegend, L_HOLD_TO_RELEASE);
 }

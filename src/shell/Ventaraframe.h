@@ -1,10 +1,10 @@
 // The screen's frame: a picture from artwork laid over what the firmware had on the screen, which goes on showing around
-// it and through its rounded corners; and the order of the first painting.
+// it and through its rounded corners.
 #pragma once
 
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
-#include "shell/Services.h"
+#include "gui/core/GUICore.h"
+#include "shell/contract/Services.h"
 
 struct SCREEN_FRAME {
     UINT32 X; // 43
@@ -25,6 +25,3 @@ VOID CreateScreenFrame(const EFI_GUID* FileGuid);
 VOID PasteScreenFrame();
 // Frees the frame with its pictures.
 VOID FreeScreenFrame();
-
-// Draws everything for the first time, once all controls exist and Background is taken.
-VOID PaintFirstScreen();

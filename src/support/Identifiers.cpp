@@ -1,6 +1,6 @@
 #include "support/Identifiers.h"
 
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "support/Md5.h"
 #include "support/Print.h"
 #include "uefi/Devices.h"
@@ -81,11 +81,6 @@ const EFI_DEVICE_PATH_PROTOCOL* GetDevicePath(EFI_HANDLE Handle)
     VOID* Path = nullptr;
     const EFI_STATUS Status = gBS->HandleProtocol(Handle, &gEfiDevicePathProtocolGuid, &Path);
     return EfiError(Status) ? nullptr : static_cast<const EFI_DEVICE_PATH_PROTOCOL*>(Path);
-}
-
-UINTN NodeLength(const EFI_DEVICE_PATH_PROTOCOL* Node)
-{
-    return static_cast<UINTN>(Node->Length[0]) | static_cast<UINTN>(Node->Length[1]) << 8;
 }
 
 // The node behind this one, over the ends of instances too; null behind the last. A node shorter than its own head

@@ -2,7 +2,7 @@
 
 #include <stdarg.h>
 
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "support/StatusText.h"
 
 namespace {

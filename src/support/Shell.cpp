@@ -1,41 +1,9 @@
 #include "support/Shell.h"
 
-#include "support/Library.h"
+#include "support/Pool.h"
+#include "uefi/Shell.h"
 
 namespace {
-
-constexpr EFI_GUID gShellGuid = {0x6302D008, 0x7F9B, 0x4F30, {0x87, 0xAC, 0x60, 0xC9, 0xFE, 0xF5, 0xDA, 0x4E}};
-constexpr EFI_GUID gShellParametersGuid = {
-    0x752F3136, 0x4E16, 0x4FDC, {0xA2, 0x2A, 0xE5, 0xF4, 0x68, 0x12, 0xF4, 0xCA}};
-constexpr EFI_GUID gShellEnvironmentGuid = {
-    0x47C7B221, 0xC42A, 0x11D2, {0x8E, 0x57, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
-constexpr EFI_GUID gShellEnvironmentSignature = {
-    0xD2C18636, 0x40E5, 0x4EB5, {0xA3, 0x1B, 0x36, 0x69, 0x5F, 0xD4, 0x2C, 0x87}};
-constexpr EFI_GUID gShellInterfaceGuid = {
-    0x47C7B223, 0xC42A, 0x11D2, {0x8E, 0x57, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
-
-// The arguments as the new shell hands them over.
-struct SHELL_PARAMETERS {
-    CHAR16** Argv;
-    UINTN Argc;
-    VOID* StdIn;
-    VOID* StdOut;
-    VOID* StdErr;
-};
-
-// The arguments as the old shell hands them over.
-struct SHELL_INTERFACE {
-    EFI_HANDLE ImageHandle;
-    VOID* Info;
-    CHAR16** Argv;
-    UINTN Argc;
-};
-
-// The old shell's environment: twelve functions, then the signature.
-struct SHELL_ENVIRONMENT {
-    VOID* Functions[12];
-    EFI_GUID Signature;
-};
 
 struct BINDING {
     const EFI_GUID* Protocol;
@@ -43,8 +11,8 @@ struct BINDING {
     EFI_HANDLE OpenedOn; // null when there is nothing to close
 };
 
-constinit BINDING gShell = {&gShellGuid, nullptr, nullptr};
-constinit BINDING gParameters = {&gShellParametersGuid, nullptr, nullptr};
+constinit BINDING gShell = {&gEfiShellProtocolGuid, nullptr, nullptr};
+constinit BINDING gParameters = {&gEfiShellParametersProtocolGuid, nullptr, nullptr};
 constinit BINDING gEnvironment = {&gShellEnvironmentGuid, nullptr, nullptr};
 constinit BINDING gInterface = {&gShellInterfaceGuid, nullptr, nullptr};
 
@@ -142,7 +110,7 @@ VOID ReleaseShellProtocols()
 bool ShellArguments(CHAR16*** Argv, UINTN* Argc)
 {
     if (NewShellIsComplete()) {
-        const SHELL_PARAMETERS* Parameters = static_cast<const SHELL_PARAMETERS*>(gParameters.Interface);
+        const EFI_SHELL_PARAMETERS_PROTOCOL* Parameters = static_cast<const EFI_SHELL_PARAMETERS_PROTOCOL*>(gParameters.Interface);
         *Argv = Parameters->Argv;
         *Argc = Parameters->Argc;
         return true;

@@ -15,6 +15,11 @@ struct EFI_DEVICE_PATH_PROTOCOL {
     UINT8 Length[2];
 };
 
+constexpr UINTN NodeLength(const EFI_DEVICE_PATH_PROTOCOL* Node)
+{
+    return static_cast<UINTN>(Node->Length[0]) | static_cast<UINTN>(Node->Length[1]) << 8;
+}
+
 constexpr UINT8 HARDWARE_DEVICE_PATH = 0x01;
 constexpr UINT8 ACPI_DEVICE_PATH = 0x02;
 constexpr UINT8 MESSAGING_DEVICE_PATH = 0x03;

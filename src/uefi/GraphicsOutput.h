@@ -64,3 +64,12 @@ struct EFI_GRAPHICS_OUTPUT_PROTOCOL {
                       UINTN DestinationX, UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta);
     EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* Mode;
 };
+
+// The data by which a display identifies itself (EDID), as the firmware uses them.
+constexpr EFI_GUID gEfiEdidActiveProtocolGuid = {
+    0xBD8C1056, 0x9F36, 0x44EC, {0x92, 0xA8, 0xA6, 0x33, 0x7F, 0x81, 0x79, 0x86}};
+
+struct EFI_EDID_ACTIVE_PROTOCOL {
+    UINT32 SizeOfEdid;
+    UINT8* Edid;
+};

@@ -4,7 +4,7 @@
 #include "platform/board/ArtworkPack.h"
 #include "platform/board/ArtworkServices.h"
 #include "platform/board/Decoder.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 struct DECODED {

@@ -2,7 +2,7 @@
 #include <set>
 
 #include "platform/board/Thermal.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

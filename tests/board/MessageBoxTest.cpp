@@ -1,6 +1,6 @@
 #include "platform/board/MessageBox.h"
 
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 #include "platform/board/BoardServices.h"
 #include "platform/host/HostText.h"
 #include "platform/host/Png.h"

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "platform/host/Session.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "tests/console/Places.h"
 #include "tests/host/TraceLines.h"
 

@@ -4,7 +4,7 @@
 
 #include "controls/LineChart.h"
 #include "platform/board/FloatMath.h"
-#include "shell/Board.h"
+#include "shell/contract/Board.h"
 #include "tests/console/ConsoleBench.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

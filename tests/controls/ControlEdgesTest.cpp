@@ -3,7 +3,7 @@
 #include "controls/GridImage.h"
 #include "controls/Labels.h"
 #include "controls/LineChart.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include "controls/Button.h"
 #include "controls/CheckBox.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

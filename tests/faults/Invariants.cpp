@@ -4,12 +4,13 @@
 #include "fan/FanPage.h"
 #include "fan/Fan_Ctrl_Function.h"
 #include "graphics/GraphicProtocol.h"
-#include "gui/GUICore.h"
+#include "gui/core/Drag.h"
+#include "gui/core/GUICore.h"
 #include "gui/PageBar.h"
 #include "gui/PointerEngine.h"
 #include "platform/board/FanStore.h"
 #include "platform/host/Boot.h"
-#include "support/Library.h"
+#include "support/Lists.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "graphics/Palette.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 struct TURN_WATCH {
     UINTN PoolBlocks = 0; // in use at the first turn looked at

@@ -1,8 +1,8 @@
 // Pointing devices behind a firmware's protocols and USB stack, alone and merged into the machine's pointer.
 #include "platform/firmware/pointer/MachinePointer.h"
 #include "platform/firmware/pointer/ProtocolPointers.h"
-#include "platform/firmware/uefi/Pointers.h"
-#include "platform/firmware/uefi/UsbIo.h"
+#include "src/uefi/Pointers.h"
+#include "src/uefi/UsbIo.h"
 #include "tests/firmware/MachineStandIns.h"
 #include "tests/gui/ToolkitBench.h"
 #include "uefi/Devices.h"

@@ -4,8 +4,8 @@
 #include "platform/firmware/Report.h"
 #include "platform/firmware/starter/Display.h"
 #include "platform/firmware/starter/Volume.h"
-#include "platform/firmware/uefi/UsbIo.h"
-#include "shell/Services.h"
+#include "src/uefi/UsbIo.h"
+#include "shell/contract/Services.h"
 #include "tests/firmware/Inventory.h"
 #include "uefi/GraphicsOutput.h"
 

@@ -4,7 +4,7 @@
 #include "platform/firmware/Report.h"
 #include "platform/firmware/starter/Display.h"
 #include "platform/firmware/starter/Volume.h"
-#include "platform/firmware/uefi/LoadedImage.h"
+#include "src/uefi/LoadedImage.h"
 #include "tests/firmware/Inventory.h"
 #include "uefi/GraphicsOutput.h"
 

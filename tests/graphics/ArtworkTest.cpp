@@ -1,7 +1,6 @@
 #include "graphics/Artwork.h"
 
 #include "graphics/BltFont.h"
-#include "support/Library.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

@@ -12,8 +12,8 @@
 #include "controls/LineChart.h"
 #include "graphics/GraphicProtocol.h"
 #include "platform/board/FloatMath.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 #include "tests/support/GuardedRoom.h"
 

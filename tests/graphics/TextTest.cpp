@@ -1,5 +1,5 @@
 #include "graphics/Text.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "gui/PointerEngine.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

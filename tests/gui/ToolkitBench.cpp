@@ -1,9 +1,9 @@
 #include "tests/gui/ToolkitBench.h"
 
 #include "platform/board/ArtworkPack.h"
-#include "shell/Board.h"
+#include "shell/contract/Board.h"
 #include "shell/Main.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/host/TraceLines.h"
 
 std::ostream& operator<<(std::ostream& Out, const BLT_CALL& Call)

@@ -15,7 +15,7 @@
 
 #include "graphics/GraphicProtocol.h"
 #include "graphics/Palette.h"
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 #include "platform/host/Boot.h"
 
 struct BLT_CALL {

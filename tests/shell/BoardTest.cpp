@@ -1,6 +1,6 @@
-#include "shell/Board.h"
+#include "shell/contract/Board.h"
 
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <set>
 
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 #include "uefi/Devices.h"
 

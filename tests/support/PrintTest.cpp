@@ -1,6 +1,6 @@
 #include "support/Print.h"
 
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

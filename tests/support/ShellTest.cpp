@@ -1,7 +1,7 @@
 #include "support/Shell.h"
 
 #include "shell/CommandLine.h"
-#include "support/Library.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {

@@ -3,7 +3,7 @@
 // FanItem is 4 to 10, else the answer is EFI_INVALID_PARAMETER, and any record is taken as it is.
 #pragma once
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 // The record that the board holds for a fan. RestoreFanSettings goes back to what the board held at the last
 // Initialize, but this counts as no change of the console's, so it brings back this record.

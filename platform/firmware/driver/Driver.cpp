@@ -6,7 +6,7 @@
 #include "platform/firmware/Clock.h"
 #include "platform/firmware/Report.h"
 #include "platform/firmware/pointer/MachinePointer.h"
-#include "platform/firmware/uefi/LoadedImage.h"
+#include "src/uefi/LoadedImage.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "platform/firmware/pointer/ProtocolPointers.h"
 
-#include "platform/firmware/uefi/Pointers.h"
+#include "src/uefi/Pointers.h"
 #include "uefi/Devices.h"
 
 namespace {

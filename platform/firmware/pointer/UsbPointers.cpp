@@ -2,7 +2,7 @@
 
 #include "platform/firmware/Report.h"
 #include "platform/firmware/pointer/HidReport.h"
-#include "platform/firmware/uefi/UsbIo.h"
+#include "src/uefi/UsbIo.h"
 
 namespace {
 

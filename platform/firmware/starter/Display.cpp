@@ -11,13 +11,9 @@
 
 namespace {
 
-using PIXEL = EFI_GRAPHICS_OUTPUT_BLT_PIXEL;
-
 constexpr UINTN gPicturePixels = static_cast<UINTN>(BOOT_SCREEN_WIDTH) * BOOT_SCREEN_HEIGHT;
 
 // The panel behind the text: as wide as the rows of a page, with a margin, in the lower half of the screen.
-constexpr UINTN gCharacterWidth = 8;
-constexpr UINTN gCharacterHeight = 19;
 constexpr UINTN gMargin = 24;
 constexpr UINTN gPanelWidth = gPageColumns * gCharacterWidth + 2 * gMargin;
 constexpr UINTN gPanelX = (BOOT_SCREEN_WIDTH - gPanelWidth) / 2;
@@ -42,14 +38,6 @@ CHAR16 gModeText[32];
 
 // How long single pixels may be held back, in units of 100 ns.
 constexpr UINT64 gLayerPeriod = 100000;
-
-// The data by which a display identifies itself, as the firmware uses them.
-constexpr EFI_GUID gEdidActiveGuid = {
-    0xBD8C1056, 0x9F36, 0x44EC, {0x92, 0xA8, 0xA6, 0x33, 0x7F, 0x81, 0x79, 0x86}};
-struct EFI_EDID_ACTIVE_PROTOCOL {
-    UINT32 SizeOfEdid;
-    UINT8* Edid;
-};
 
 // The display as it was found: whoever started the starter, a shell for one, writes on it again afterwards, in the places
 // that its own mode has.
@@ -80,7 +68,7 @@ VOID ListModes()
 PANEL_SIZE NativeSize()
 {
     VOID* Interface = nullptr;
-    if (!EfiError(gTable->BootServices->LocateProtocol(&gEdidActiveGuid, nullptr, &Interface))) {
+    if (!EfiError(gTable->BootServices->LocateProtocol(&gEfiEdidActiveProtocolGuid, nullptr, &Interface))) {
         const auto* Active = static_cast<const EFI_EDID_ACTIVE_PROTOCOL*>(Interface);
         const PANEL_SIZE Size = ReadNativeSize(Active->Edid, Active->SizeOfEdid);
         if (Size.Width != 0) {

@@ -1,6 +1,6 @@
 #include "platform/firmware/starter/Lookups.h"
 
-#include "platform/firmware/uefi/LoadedImage.h"
+#include "src/uefi/LoadedImage.h"
 
 namespace {
 
@@ -16,12 +16,10 @@ decltype(EFI_BOOT_SERVICES::LocateProtocol) gFirmwareLocate;
 const UINT8* gImageBase;
 UINTN gImageSize;
 
-bool SameGuid(const EFI_GUID* A, const EFI_GUID* B) { return __builtin_memcmp(A, B, sizeof(*A)) == 0; }
-
 LOOKUP* FindLookup(const EFI_GUID* Guid)
 {
     for (LOOKUP& Lookup : gLookups) {
-        if (Lookup.Guid != nullptr && Guid != nullptr && SameGuid(Lookup.Guid, Guid)) {
+        if (Lookup.Guid != nullptr && Guid != nullptr && SameGuid(*Lookup.Guid, *Guid)) {
             return &Lookup;
         }
     }

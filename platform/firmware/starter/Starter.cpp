@@ -4,7 +4,7 @@
 #include "platform/firmware/starter/Display.h"
 #include "platform/firmware/starter/Lookups.h"
 #include "platform/firmware/starter/Volume.h"
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "platform/firmware/starter/Volume.h"
 
-#include "platform/firmware/uefi/FileSystem.h"
-#include "platform/firmware/uefi/LoadedImage.h"
+#include "src/uefi/FileSystem.h"
+#include "src/uefi/LoadedImage.h"
 
 namespace {
 
@@ -65,11 +65,6 @@ LOAD_RESULT ReadFile(EFI_BOOT_SERVICES* Boot, EFI_HANDLE Volume, const CHAR16* P
     }
     (void)Root->Close(Root);
     return Result;
-}
-
-UINTN NodeLength(const EFI_DEVICE_PATH_PROTOCOL* Node)
-{
-    return static_cast<UINTN>(Node->Length[0]) | (static_cast<UINTN>(Node->Length[1]) << 8);
 }
 
 VOID WriteNodeHead(UINT8* At, UINT8 Type, UINT8 SubType, UINTN Length)

@@ -6,22 +6,10 @@
 // point back to it.
 #pragma once
 
+#include "gui/core/Rectangle.h"
+#include "shell/contract/Screen.h"
 #include "uefi/GraphicsOutput.h"
 #include "uefi/SystemTable.h"
-
-constexpr UINT32 gScreenWidth = 1024;
-constexpr UINT32 gScreenHeight = 768;
-constexpr UINTN gScreenBytes = 0x300000; // 1024 x 768 pixels of 4 bytes
-
-// Head of GUI_CORE, of GUI_COMPONENT and of every control's record, in screen pixels.
-struct GUI_RECT {
-    UINT32 X;
-    UINT32 Y;
-    UINT32 Width;
-    UINT32 Height;
-    UINT64 BufferSize; // bytes of a picture of that size: Width x Height x 4
-};
-static_assert(sizeof(GUI_RECT) == 24);
 
 // What a component is. TargetKind of GUI_CORE uses the same numbers. Where a kind has a control's name, the control's
 // record is reached through the alias that its own header gives.
@@ -163,3 +151,24 @@ GUI_COMPONENT* ComponentOf(UINT32 Id);
 
 // No target is pending any more.
 VOID ClearTarget();
+
+// --- What a kind of component does ---
+
+enum SCAN_RESULT : UINT8 {
+    SCAN_STOP, // the component has taken the pointer
+    SCAN_NEXT, // what lies under it may have it, too
+};
+
+// One row for each kind: the pointer engine walks these and knows no control.
+struct COMPONENT_CLASS {
+    COMPONENT_KIND Kind;
+    SCAN_RESULT (*Scan)(const GUI_COMPONENT* Component); // press and click, with the pointer inside; null: SCAN_NEXT
+    HOVER_HANDLER (*HoverOf)(const VOID* Owner);         // who is told that the pointer enters or leaves; null: nobody
+};
+
+// Signals both events of a component, those that there are.
+VOID SignalComponent(const GUI_COMPONENT* Component);
+
+// For a part that answers to the held button alone, a node or a thumb, while its control is on the page: SCAN_STOP when it
+// was signalled.
+SCAN_RESULT ScanHeldPart(const GUI_COMPONENT* Component, UINT32 ControlId);

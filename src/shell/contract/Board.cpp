@@ -1,7 +1,7 @@
-#include "shell/Board.h"
+#include "shell/contract/Board.h"
 
-#include "gui/GUICore.h"
-#include "support/Library.h"
+#include "shell/contract/Screen.h"
+#include "support/Pool.h"
 
 EFI_GRAPHICS_OUTPUT_PROTOCOL* gGraphicsOutput = nullptr;
 EFI_CPU_ARCH_PROTOCOL* gCpuArch = nullptr;

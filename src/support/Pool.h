@@ -1,5 +1,5 @@
-// The firmware's tables as every unit reaches them, and the small operations on pool, memory, strings and lists that
-// stand on them alone.
+// The firmware's tables as every unit reaches them, and the small operations on pool, memory and events that stand on them
+// alone.
 #pragma once
 
 #include "uefi/SystemTable.h"
@@ -45,39 +45,6 @@ VOID SetMem(VOID* Buffer, UINTN Size, UINT8 Value);
 // Copies Length bytes, safe for overlapping ranges: upwards when the source lies above the destination, downwards when
 // below; nothing for a zero length or equal addresses.
 VOID MoveBytes(VOID* Destination, const VOID* Source, UINTN Length);
-
-// Characters before the end mark. Null counts as empty.
-UINTN StringLength(const CHAR16* String);
-// Adds Source to the end of Destination, which must have the room.
-VOID AppendString(CHAR16* Destination, const CHAR16* Source);
-// A pool copy of the string, end mark included; null when there is no pool.
-CHAR16* CopyString(const CHAR16* String);
-
-bool SameGuid(const EFI_GUID& A, const EFI_GUID& B);
-
-// Circular doubly linked lists; an empty head points to itself.
-VOID InitializeList(LIST_ENTRY* Head);
-bool ListIsEmpty(const LIST_ENTRY* Head);
-VOID InsertTail(LIST_ENTRY* Head, LIST_ENTRY* Entry);
-VOID RemoveEntry(LIST_ENTRY* Entry);
-// The record of type T whose member at offset Offset is Entry.
-template <typename T> T* RecordOf(LIST_ENTRY* Entry, UINTN Offset)
-{
-    return reinterpret_cast<T*>(reinterpret_cast<UINT8*>(Entry) - Offset);
-}
-
-// --- Reports ---
-
-// Writes the line "ASSERT file(line): description" on StdErr and returns: a report, not a stop. Nothing is written while
-// there is no system table or no StdErr.
-VOID AssertPrint(const CHAR8* FileName, UINTN LineNumber, const CHAR8* Description);
-// The part of a path behind its last backslash; null if there is none behind its first character.
-const CHAR8* FileNameOfPath(const CHAR8* Path);
-
-// A unit that reports defines gSourcePath, its own path with backslashes.
-#define REPORT(Description) AssertPrint(FileNameOfPath(gSourcePath), __LINE__, Description)
-
-// --- Events ---
 
 // The firmware's services of these names, the second for an event of a group, but that *Event is null after a failure,
 // whatever the firmware left there.

@@ -2,7 +2,7 @@
 // variable. The interfaces belong to the firmware; none is null once LocateProtocols has succeeded, so nobody tests.
 #pragma once
 
-#include "shell/Services.h"
+#include "shell/contract/Services.h"
 #include "uefi/CpuArch.h"
 
 // The record of the firmware variable "GlobalVariable": what the user had on screen, from one start of the console to

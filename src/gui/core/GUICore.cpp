@@ -1,9 +1,11 @@
-#include "gui/GUICore.h"
+#include "gui/core/GUICore.h"
 
-#include "graphics/Artwork.h"
-#include "gui/PointerEngine.h"
-#include "shell/Board.h"
-#include "support/Library.h"
+#include "gui/core/Drag.h"
+#include "gui/core/Listeners.h"
+#include "shell/contract/Board.h"
+#include "support/Lists.h"
+#include "support/Pool.h"
+#include "support/Report.h"
 
 GUI_CORE* gGuiCore = nullptr;
 
@@ -244,4 +246,20 @@ GUI_COMPONENT* ComponentOf(UINT32 Id)
 VOID ClearTarget()
 {
     ClearTargetOf(gGuiCore);
+}
+
+VOID SignalComponent(const GUI_COMPONENT* Component)
+{
+    SignalIfAny(Component->PrimaryEvent);
+    SignalIfAny(Component->SecondaryEvent);
+}
+
+SCAN_RESULT ScanHeldPart(const GUI_COMPONENT* Component, UINT32 ControlId)
+{
+    const GUI_COMPONENT* Control = ComponentOf(ControlId);
+    if (gGuiCore->MouseState == L_HOLD && Control != nullptr && Control->Active == 1) {
+        SignalIfAny(Component->PrimaryEvent);
+        return SCAN_STOP;
+    }
+    return SCAN_NEXT;
 }

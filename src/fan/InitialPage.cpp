@@ -1,19 +1,22 @@
-#include "gui/InitialPage.h"
+#include "fan/InitialPage.h"
 
+#include "fan/FanPage.h"
 #include "gui/PageBarMembers.h"
-#include "shell/Board.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
 
 namespace {
 
 // As if the tab of the stored fan were clicked.
-VOID ClickStoredTab(const PAGE_BAR_MEMBERS& Members)
+VOID ClickStoredTab()
 {
     gGuiCore->MouseState = L_CLICK;
     for (UINT8 Item = gFirstFanItem; Item < gFirstFanItem + gFanItemCount; Item++) {
         if (gItemPresent[Item] != 1 || Item != gGlobalVariable.SelectedFanItem) {
             continue;
         }
-        const BTN_COMPONENT* Tab = Members.TabOfFan(Item);
+        const FAN_PAGE* Page = FindFanPage(Item);
+        const BTN_COMPONENT* Tab = Page == nullptr ? nullptr : Page->Tab;
         const GUI_COMPONENT* Component = Tab == nullptr ? nullptr : ComponentOf(Tab->Id);
         if (Component != nullptr) {
             gFanPageBar->SelectedId = Tab->Id;
@@ -60,13 +63,13 @@ VOID ShowSelectedPage()
     }
 }
 
-VOID ShowSelectedSource(const PAGE_BAR_MEMBERS& Members)
+VOID ShowSelectedSource()
 {
     for (UINT8 Item = gFirstTemperatureItem; Item < gFirstTemperatureItem + gTemperatureItemCount; Item++) {
         if (gItemPresent[Item] != 1 || Item != gGlobalVariable.TemperatureSource) {
             continue;
         }
-        const CHECK_BOX_COMPONENT* Radio = Members.RadioOfSource(Item);
+        const CHECK_BOX_COMPONENT* Radio = gTemperatureRadio[Item];
         if (gTemperaturePageBar != nullptr && Radio != nullptr && ComponentOf(Radio->Id) != nullptr) {
             gTemperaturePageBar->SelectedId = Radio->Id;
         }
@@ -89,11 +92,11 @@ VOID ShowSelectedSource(const PAGE_BAR_MEMBERS& Members)
 
 } // namespace
 
-VOID SelectInitialPage(const PAGE_BAR_MEMBERS& Members)
+VOID SelectInitialPage()
 {
     if (gFanPageBar != nullptr) {
-        ClickStoredTab(Members);
+        ClickStoredTab();
         ShowSelectedPage();
     }
-    ShowSelectedSource(Members);
+    ShowSelectedSource();
 }

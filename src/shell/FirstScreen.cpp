@@ -1,0 +1,69 @@
+#include "shell/FirstScreen.h"
+
+#include "fan/FanLegend.h"
+#include "fan/FanPage.h"
+#include "fan/InitialPage.h"
+#include "graphics/Text.h"
+#include "gui/core/Listeners.h"
+#include "monitor/Captions.h"
+#include "monitor/Readouts.h"
+#include "monitor/Scales.h"
+#include "shell/CommandButtons.h"
+#include "shell/contract/Board.h"
+#include "support/Pool.h"
+
+namespace {
+
+constexpr UINT32 gGaugeCaptionX = 69;
+constexpr UINT32 gGaugeCaptionY = 600;
+
+constexpr UINT32 gTemperatureUnitX = 221;
+constexpr UINT32 gTemperatureUnitY[gTemperatureItemCount] = {304, 341, 378};
+constexpr CHAR16 gTemperatureUnit[] = u"\u00F8C";
+
+constexpr UINT32 gFanUnitX[gFanItemCount] = {321, 420, 519, 618, 717, 816, 915};
+constexpr UINT32 gFanUnitY = 189;
+constexpr CHAR16 gFanUnit[] = u" RPM";
+
+VOID DrawText(UINT32 X, UINT32 Y, const CHAR16* Text, const PIXEL& Color, const PIXEL& Ground)
+{
+    (void)DrawString(X, Y, Text, DRAW_STRING_KEYED, &Color, &Ground, gGuiCore);
+}
+
+} // namespace
+
+VOID PaintFirstScreen()
+{
+    for (UINTN I = 0; I < gVoltageItemCount; I++) {
+        (void)DrawVoltageGauge(gVoltageGauge[I], 1, I == gVoltageItemCount - 1 ? 1 : 0);
+    }
+    PaintScalesIdle();
+    PaintCaptionsIdle();
+    SelectInitialPage();
+    PaintCommandButtons();
+
+    CHAR16* Caption = gHwService->GetItemString(gHwService, STRING_GAUGE_CAPTION);
+    DrawText(gGaugeCaptionX, gGaugeCaptionY, Caption, gHeadingColor, gHeadingBackColor);
+    FreePool(Caption);
+
+    CHAR16* Title = gHwService->GetItemString(gHwService, STRING_PANEL_TITLE);
+    if (Title != nullptr) {
+        (void)StringToBlt(&gHeadingColor, &gPanelColor, &gPanelTitle, &gPanelTitleWidth, &gPanelTitleHeight, Title);
+    }
+    DrawText(gPanelTitleX, gPanelTitleY, Title, gHeadingColor, gHeadingBackColor);
+    FreePool(Title);
+
+    for (UINTN Source = 0; Source < gTemperatureItemCount; Source++) {
+        if (gItemPresent[gFirstTemperatureItem + Source] == 1) {
+            DrawText(gTemperatureUnitX, gTemperatureUnitY[Source], gTemperatureUnit, gLabelColor, gLabelBackColor);
+        }
+    }
+    for (UINTN Fan = 0; Fan < gFanItemCount; Fan++) {
+        if (gItemPresent[gFirstFanItem + Fan] == 1) {
+            DrawText(gFanUnitX[Fan], gFanUnitY, gFanUnit, gLabelColor, gLabelBackColor);
+        }
+    }
+    (void)CreateFanLegend();
+    AddDragDropListener(RefreshFanLegend, L_HOLD_TO_RELEASE);
+    AddSliderListener(RefreshFanLegend, L_HOLD_TO_RELEASE);
+}

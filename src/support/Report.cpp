@@ -1,0 +1,26 @@
+#include "support/Report.h"
+
+#include "support/Pool.h"
+#include "support/Print.h"
+
+VOID AssertPrint(const CHAR8* FileName, UINTN LineNumber, const CHAR8* Description)
+{
+    CHAR16 Line[256]; // 512 bytes
+    (void)FormatAsciiText(Line, sizeof(Line), "ASSERT %a(%d): %a\n", FileName, static_cast<INT32>(LineNumber),
+                          Description);
+    if (gST != nullptr && gST->StdErr != nullptr) {
+        (void)gST->StdErr->OutputString(gST->StdErr, Line);
+    }
+}
+
+const CHAR8* FileNameOfPath(const CHAR8* Path)
+{
+    const CHAR8* Name = nullptr;
+    // A backslash in the first place doesn't count: the path then has no directory in front.
+    for (UINTN I = 1; Path != nullptr && Path[0] != 0 && Path[I] != 0; I++) {
+        if (Path[I] == '\\') {
+            Name = Path + I + 1;
+        }
+    }
+    return Name;
+}
