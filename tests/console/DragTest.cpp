@@ -46,6 +46,21 @@ TEST(Drag, ANodeOfSixRowsKeepsToItsNeighboursToo)
                       SettingOf(7).Node(1, {0, 1}).Node(3, {6, 0})}));
 }
 
+TEST(Drag, APressCarriedStraightOverSomethingToClickStaysADrag)
+{
+    // The pointer is there in the very turn in which the drag begins, and the thing follows it from there.
+    const auto Carry = [](SCENE& Scene, PLACE From, PLACE Over, CELL By) {
+        Scene.Move(From).Press().Move(Over).Move(Over.By(30 * By.Column, 40 * By.Row)).Turns();
+        return Scene.Release(400000).Turns(2).Play().Writes();
+    };
+    for (const PLACE Over : {Button(FULL_SPEED).Center(), Source(1).Center()}) {
+        SCENE Node;
+        EXPECT_EQ(Carry(Node, gNode1, Over, {1, 0}), (WRITES{DroppedFan4(1, {1, 0})}));
+    }
+    SCENE Thumb;
+    EXPECT_EQ(Carry(Thumb.Tab(9), ThumbPlace(3), Source(1).Center(), {0, -1}), (WRITES{SettingOf(9).Level(4)}));
+}
+
 TEST(Drag, ANodeFallsIntoTheCellUnderItsPicturesCentre)
 {
     // The press is off the node's centre in the first two drags: the grab point doesn't matter. Node 1's centre starts at

@@ -33,6 +33,9 @@ EFI_STATUS StepDrag(const DRAG_BEATS& Beats)
         if (Beats.Hold != nullptr) {
             Beats.Hold(Control);
         }
+        // From the first turn on: a button that the pointer reaches in the next one would take the held press away, and the
+        // thing would drop where the last drag ended.
+        gDragLock = 1;
         if (*Started == 0) {
             *Started = 1;
             *Beats.UnderWay = 1;
@@ -40,7 +43,6 @@ EFI_STATUS StepDrag(const DRAG_BEATS& Beats)
             *Beats.StartY = gGuiCore->PointerY;
             (void)Beats.Fire(L_HOLD);
         } else {
-            gDragLock = 1;
             Beats.Move(Control);
         }
         break;
