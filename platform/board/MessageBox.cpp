@@ -70,12 +70,18 @@ template <typename T> T* LocateService(const EFI_GUID& Guid)
     return static_cast<T*>(Interface);
 }
 
-// Where the console draws.
+// Where the console draws, and with which font.
 EFI_GRAPHICS_OUTPUT_PROTOCOL* LocateDisplay()
 {
     const auto* Layer = LocateService<CONSOLE_DISPLAY>(gConsoleDisplayGuid);
     return Layer != nullptr ? Layer->Graphics
                             : LocateService<EFI_GRAPHICS_OUTPUT_PROTOCOL>(gEfiGraphicsOutputProtocolGuid);
+}
+
+const EFI_HII_FONT_PROTOCOL* LocateFont()
+{
+    const auto* Layer = LocateService<CONSOLE_DISPLAY>(gConsoleDisplayGuid);
+    return Layer != nullptr ? Layer->Font : LocateService<EFI_HII_FONT_PROTOCOL>(gEfiHiiFontProtocolGuid);
 }
 
 UINTN Larger(UINTN A, UINTN B) { return A > B ? A : B; }
@@ -176,7 +182,7 @@ VOID DrawButtonOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& S
 VOID DrawRow(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const TEXT_ROW& Row, const PIXEL& Background, UINTN X, UINTN Y,
              UINTN Width, UINTN Height)
 {
-    const EFI_HII_FONT_PROTOCOL* Font = LocateService<EFI_HII_FONT_PROTOCOL>(gEfiHiiFontProtocolGuid);
+    const EFI_HII_FONT_PROTOCOL* Font = LocateFont();
     if (Font == nullptr || Row.Blank || Width == 0 || Height == 0) {
         return;
     }

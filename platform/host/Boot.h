@@ -45,7 +45,7 @@ struct BOOT_OPTIONS {
     UINT64 TimerAtStart = 0; // what the CPU's timer shows when the machine is switched on
     UINT64 TimerPeriod = 1000000; // femtoseconds of one of its ticks
     UINT64 CountAtStart = 0; // and the monotonic count
-    bool LowTextPictures = false; // see TextImage.h
+    bool LowTextPictures = false; // see platform/board/TextService.h
     PANEL Panel = {};             // the display; the console sees 1024 by 768 whatever it is
 };
 

@@ -1,7 +1,7 @@
 #include "platform/host/FirmwareProtocols.h"
 
+#include "platform/board/TextService.h"
 #include "platform/host/Boot.h"
-#include "platform/host/TextImage.h"
 
 namespace {
 
@@ -28,11 +28,23 @@ EFI_STATUS GetTimerValue(EFI_CPU_ARCH_PROTOCOL*, UINT32 Index, UINT64* Value, UI
     return EFI_SUCCESS;
 }
 
+VOID* AllocateForText(UINTN Size)
+{
+    VOID* Block = nullptr;
+    (void)gBoot->Pool.AllocateZeroed(Size, __builtin_return_address(0), &Block);
+    return Block;
+}
+
+VOID FreeForText(VOID* Block) { (void)gBoot->Pool.Free(Block, __builtin_return_address(0)); }
+
 EFI_STATUS StringToImage(const EFI_HII_FONT_PROTOCOL*, EFI_HII_OUT_FLAGS Flags, const CHAR16* String,
                          const EFI_FONT_DISPLAY_INFO* Information, EFI_IMAGE_OUTPUT** Image, UINTN, UINTN,
                          EFI_HII_ROW_INFO** Rows, UINTN* RowCount, UINTN*)
 {
-    return RenderString(*gBoot, Flags, String, Information, Image, Rows, RowCount);
+    const TEXT_MEANS Means = {.Allocate = AllocateForText,
+                              .Free = FreeForText,
+                              .WideHeight = gBoot->Options().LowTextPictures ? 0u : gWideImageHeight};
+    return RenderText(Means, Flags, String, Information, Image, Rows, RowCount);
 }
 
 // Members of the font protocol's family: present on every board, and nobody here calls them.

@@ -83,7 +83,7 @@ bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Chan
     if (Change->Absolute) {
         const UINT32 Width = static_cast<UINT32>(Pointer->Width);
         const UINT32 Height = static_cast<UINT32>(Pointer->Height);
-        const CONSOLE_DISPLAY Plain = {nullptr, Width, Height, 0, 0, Width, Height};
+        const CONSOLE_DISPLAY Plain = {nullptr, nullptr, Width, Height, 0, 0, Width, Height};
         const CONSOLE_DISPLAY& Panel = gLayer != nullptr ? *gLayer : Plain;
         Pointer->X = PlaceUnder(Change->X, Panel.PanelWidth, Panel.X, Panel.Width, Pointer->Width);
         Pointer->Y = PlaceUnder(Change->Y, Panel.PanelHeight, Panel.Y, Panel.Height, Pointer->Height);

@@ -2,6 +2,7 @@
 
 #include "platform/board/BootScreen.h"
 #include "platform/board/ConsoleDisplay.h"
+#include "platform/board/TextService.h"
 #include "platform/display/DisplayLayer.h"
 #include "platform/firmware/Report.h"
 #include "platform/firmware/starter/Lookups.h"
@@ -112,6 +113,7 @@ VOID CloseLayer()
 {
     EFI_BOOT_SERVICES* Boot = gTable->BootServices;
     ReplaceLookup(&gEfiGraphicsOutputProtocolGuid, nullptr);
+    ReplaceLookup(&gEfiHiiFontProtocolGuid, nullptr);
     if (gLayerTimer != nullptr) {
         (void)Boot->CloseEvent(gLayerTimer);
         gLayerTimer = nullptr;
@@ -124,28 +126,71 @@ VOID CloseLayer()
     gLayer = nullptr;
 }
 
-// Puts the layer between where the mode needs it.
+VOID* AllocateForText(UINTN Size)
+{
+    VOID* Block = nullptr;
+    if (EfiError(gTable->BootServices->AllocatePool(EfiBootServicesData, Size, &Block))) {
+        return nullptr;
+    }
+    gTable->BootServices->SetMem(Block, Size, 0);
+    return Block;
+}
+
+VOID FreeForText(VOID* Block) { (void)gTable->BootServices->FreePool(Block); }
+
+EFI_STATUS StringToImage(const EFI_HII_FONT_PROTOCOL*, EFI_HII_OUT_FLAGS Flags, const CHAR16* String,
+                         const EFI_FONT_DISPLAY_INFO* Information, EFI_IMAGE_OUTPUT** Image, UINTN, UINTN,
+                         EFI_HII_ROW_INFO** Rows, UINTN* RowCount, UINTN*)
+{
+    // Low pictures: to clear 800 by 600 pixels for a number takes longer than the number.
+    return RenderText({.Allocate = AllocateForText, .Free = FreeForText, .WideHeight = 0}, Flags, String, Information,
+                      Image, Rows, RowCount);
+}
+
+constexpr EFI_HII_FONT_PROTOCOL gOwnFont = {
+    .StringToImage = StringToImage, .StringIdToImage = nullptr, .GetGlyph = nullptr, .GetFontInfo = nullptr};
+
+// The firmware's font, or our own where it has none that shows a degree sign.
+const EFI_HII_FONT_PROTOCOL* ChooseFont()
+{
+    VOID* Interface = nullptr;
+    const bool Found = !EfiError(gTable->BootServices->LocateProtocol(&gEfiHiiFontProtocolGuid, nullptr, &Interface));
+    const auto* Font = static_cast<const EFI_HII_FONT_PROTOCOL*>(Interface);
+    return Found && ShowsDegreeSign(Font, FreeForText) ? Font : &gOwnFont;
+}
+
+// Puts the layer between where the mode needs it, and our font where the firmware's won't do.
 DISPLAY_RESULT OpenLayer()
 {
-    if (!NeedsDisplayLayer(gGraphics->Mode)) {
-        return DISPLAY_READY;
-    }
     EFI_BOOT_SERVICES* Boot = gTable->BootServices;
-    if (EfiError(OpenDisplayLayer(Boot, gGraphics, &gLayer))) {
+    if (NeedsDisplayLayer(gGraphics->Mode) && EfiError(OpenDisplayLayer(Boot, gGraphics, &gLayer))) {
         return DISPLAY_NO_MEMORY;
     }
-    gConsoleDisplay = {.Graphics = &gLayer->Graphics, .PanelWidth = gLayer->Place.PanelWidth,
-                       .PanelHeight = gLayer->Place.PanelHeight, .X = gLayer->Place.X, .Y = gLayer->Place.Y,
-                       .Width = gLayer->Place.Width, .Height = gLayer->Place.Height};
-    // Without a timer, or without the board's own look-up, a pixel comes late or a message box isn't scaled.
+    const EFI_HII_FONT_PROTOCOL* Font = ChooseFont();
+    Report(Font == &gOwnFont ? "ventara: font of our own\n" : "ventara: font of the firmware\n");
+    if (gLayer == nullptr && Font != &gOwnFont) {
+        return DISPLAY_READY;
+    }
+    const PLACEMENT Place = gLayer != nullptr ? gLayer->Place : PlacePicture(gPictureWidth, gPictureHeight);
+    gConsoleDisplay = {.Graphics = gLayer != nullptr ? &gLayer->Graphics : gGraphics, .Font = Font,
+                       .PanelWidth = Place.PanelWidth, .PanelHeight = Place.PanelHeight, .X = Place.X, .Y = Place.Y,
+                       .Width = Place.Width, .Height = Place.Height};
+    // Without it a message box isn't scaled and has the firmware's letters.
     (void)Boot->InstallProtocolInterface(&gConsoleDisplayHandle, &gConsoleDisplayGuid, EFI_NATIVE_INTERFACE,
                                          &gConsoleDisplay);
+    if (Font == &gOwnFont) {
+        ReplaceLookup(&gEfiHiiFontProtocolGuid, const_cast<EFI_HII_FONT_PROTOCOL*>(Font));
+    }
+    if (gLayer == nullptr) {
+        return DISPLAY_READY;
+    }
+    ReplaceLookup(&gEfiGraphicsOutputProtocolGuid, &gLayer->Graphics);
+    // Without a timer a pixel comes late.
     if (!EfiError(Boot->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnLayerTimer, nullptr, &gLayerTimer))) {
         (void)Boot->SetTimer(gLayerTimer, TimerPeriodic, gLayerPeriod);
     } else {
         gLayerTimer = nullptr;
     }
-    ReplaceLookup(&gEfiGraphicsOutputProtocolGuid, &gLayer->Graphics);
     return DISPLAY_READY;
 }
 
@@ -183,21 +228,6 @@ VOID SendPicture()
 {
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Shown = gLayer != nullptr ? &gLayer->Graphics : gGraphics;
     (void)Shown->Blt(Shown, gPicture, EfiBltBufferToVideo, 0, 0, 0, 0, BOOT_SCREEN_WIDTH, BOOT_SCREEN_HEIGHT, 0);
-}
-
-VOID DrawRow(EFI_HII_FONT_PROTOCOL* Font, const CHAR16* Text, UINTN X, UINTN Y)
-{
-    EFI_FONT_DISPLAY_INFO Info = {
-        .ForegroundColor = gTextPixel,
-        .BackgroundColor = gPanelPixel,
-        .FontInfoMask = EFI_FONT_INFO_SYS_FONT | EFI_FONT_INFO_SYS_SIZE | EFI_FONT_INFO_SYS_STYLE,
-        .FontInfo = {.FontStyle = 0, .FontSize = 0, .FontName = {0}},
-    };
-    EFI_IMAGE_OUTPUT Output = {
-        .Width = BOOT_SCREEN_WIDTH, .Height = BOOT_SCREEN_HEIGHT, .Image = {.Bitmap = gPicture}};
-    EFI_IMAGE_OUTPUT* Target = &Output;
-    (void)Font->StringToImage(Font, EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_OUT_FLAG_CLIP, Text, &Info, &Target, X, Y,
-                              nullptr, nullptr, nullptr);
 }
 
 VOID PrintPage(const PAGE* Page)
@@ -268,13 +298,10 @@ VOID ShowBootScreen()
 
 VOID ShowPage(const PAGE* Page)
 {
-    VOID* Interface = nullptr;
-    if (!gReady ||
-        EfiError(gTable->BootServices->LocateProtocol(&gEfiHiiFontProtocolGuid, nullptr, &Interface))) {
+    if (!gReady) {
         PrintPage(Page);
         return;
     }
-    auto* Font = static_cast<EFI_HII_FONT_PROTOCOL*>(Interface);
     PaintBootScreen(gPicture);
     UINTN Height = Page->RowCount * gCharacterHeight + 2 * gMargin;
     UINTN Top = gPanelBottom - Height;
@@ -284,9 +311,8 @@ VOID ShowPage(const PAGE* Page)
         }
     }
     for (UINTN Row = 0; Row < Page->RowCount; Row++) {
-        if (Page->Rows[Row][0] != 0) {
-            DrawRow(Font, Page->Rows[Row], gPanelX + gMargin, Top + gMargin + Row * gCharacterHeight);
-        }
+        DrawText(gPicture, BOOT_SCREEN_WIDTH, BOOT_SCREEN_HEIGHT, gPanelX + gMargin,
+                 Top + gMargin + Row * gCharacterHeight, Page->Rows[Row], gTextPixel, gPanelPixel);
     }
     SendPicture();
 }

@@ -9,7 +9,7 @@ constexpr UINT32 gScreenWidth = 1024;
 constexpr UINT32 gScreenHeight = 768;
 constexpr UINTN gScreenBytes = 0x300000; // 1024 x 768 pixels of 4 bytes
 
-// A character of the firmware's font, in pixels.
+// A character of the texts' font, in pixels.
 constexpr UINT32 gCharacterWidth = 8;
 constexpr UINT32 gCharacterHeight = 19;
 

@@ -1,4 +1,4 @@
-#include "platform/host/SystemFont.h"
+#include "platform/board/SystemFont.h"
 
 #include <cstring>
 

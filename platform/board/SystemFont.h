@@ -1,4 +1,4 @@
-// The system font of the hosted firmware: an upright bitmap font with cells 8 pixels wide and 19 high, made at build
+// The font of the package: an upright bitmap font with cells 8 pixels wide and 19 high, made at build
 // time from a packaged console font.
 #pragma once
 
