@@ -1,17 +1,13 @@
 #include "platform/host/Png.h"
 
 #include <cstdio>
+#include <vector>
 
-// Static copies: whoever else in the program decodes with stb_image has a copy with a cut of its own. Checkers are given
-// the declarations alone: what they would find inside isn't ours to mend.
+// A static copy. Checkers are given the declarations alone: what they would find inside isn't ours to mend.
 #ifndef __clang_analyzer__
-#define STB_IMAGE_STATIC
-#define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #endif
-#define STBI_ONLY_PNG
-#define STBI_NO_FAILURE_STRINGS
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"
 #pragma GCC diagnostic ignored "-Wsign-conversion"
@@ -19,7 +15,6 @@
 #pragma GCC diagnostic ignored "-Wshadow"
 #pragma GCC diagnostic ignored "-Wunused-function"
 #pragma GCC diagnostic ignored "-Wmissing-field-initializers"
-#include <stb/stb_image.h>
 #include <stb/stb_image_write.h>
 #pragma GCC diagnostic pop
 
@@ -63,25 +58,4 @@ bool WritePng(const char* Path, const UINT32* Pixels, unsigned Width, unsigned H
                                                 gChannels, Bytes.data(), static_cast<int>(Width) * gChannels) != 0;
     // A full disk may show only when the file is closed, which stb's own file writer doesn't look at.
     return std::fclose(Output.File) == 0 && Encoded && Output.Whole;
-}
-
-bool ReadPng(const char* Path, std::vector<UINT32>* Pixels, unsigned* Width, unsigned* Height)
-{
-    int FileWidth = 0;
-    int FileHeight = 0;
-    int FileChannels = 0;
-    stbi_uc* Bytes = stbi_load(Path, &FileWidth, &FileHeight, &FileChannels, gChannels);
-    if (Bytes == nullptr) {
-        return false;
-    }
-    const size_t Count = static_cast<size_t>(FileWidth) * static_cast<size_t>(FileHeight);
-    Pixels->resize(Count);
-    for (size_t Index = 0; Index < Count; Index++) {
-        const stbi_uc* Pixel = Bytes + Index * gChannels;
-        (*Pixels)[Index] = UINT32{Pixel[0]} << 16 | UINT32{Pixel[1]} << 8 | Pixel[2];
-    }
-    *Width = static_cast<unsigned>(FileWidth);
-    *Height = static_cast<unsigned>(FileHeight);
-    stbi_image_free(Bytes);
-    return true;
 }

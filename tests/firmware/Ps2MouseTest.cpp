@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <utility>
 
 namespace {
 
@@ -17,7 +18,7 @@ struct CONTROLLER {
     bool MouseHere = true;
     bool Reporting = false;
     bool NextIsForMouse = false;
-    UINT8 WantedArgument = 0; // the command whose argument comes next
+    bool WantsArgument = false; // of the command before
     UINT8 Buttons = 0;
     UINTN Questions = 0;
     UINTN KeyboardBytesRead = 0;
@@ -51,13 +52,12 @@ struct CONTROLLER {
             return;
         }
         Send({0xFA});
-        if (WantedArgument != 0) {
-            WantedArgument = 0;
+        if (std::exchange(WantsArgument, false)) {
             return;
         }
         switch (Byte) {
         case 0xE8:
-            WantedArgument = Byte;
+            WantsArgument = true;
             break;
         case 0xEB:
             Questions++;
@@ -84,10 +84,7 @@ UINT8 ReadTestPort(UINT16 Port)
         return 0xFF;
     }
     if (Port == 0x64) {
-        if (gController->Output.empty()) {
-            return 0x14;
-        }
-        return gController->Output.front().FromMouse ? 0x35 : 0x15;
+        return gController->Output.empty() ? 0x14 : gController->Output.front().FromMouse ? 0x35 : 0x15;
     }
     if (gController->Output.empty()) {
         return 0;
@@ -152,7 +149,7 @@ class Ps2Mouse : public testing::Test {
     UINT8 Right = 0;
 };
 
-TEST_F(Ps2Mouse, WaysGoRightAndDownAndButtonsFollow)
+TEST_F(Ps2Mouse, WaysGoRightAndDownAndButtonsFollowEvenWhereAWayOverflowed)
 {
     StartAndSetUp();
     Controller.Move(20, -7); // the mouse counts upwards
@@ -164,6 +161,10 @@ TEST_F(Ps2Mouse, WaysGoRightAndDownAndButtonsFollow)
     Poll();
     EXPECT_EQ(Right, 1);
     EXPECT_EQ(Left, 0);
+    Controller.Send({0x49, 0xFF, 0x00});
+    Poll();
+    EXPECT_EQ(X, -230);
+    EXPECT_EQ(Left, 1);
 }
 
 TEST_F(Ps2Mouse, APressAndItsReleaseAreSeenByTwoPolls)
@@ -191,15 +192,6 @@ TEST_F(Ps2Mouse, BytesOfTheKeyboardAreLeftForItsDriver)
     Controller.Output.pop_front(); // its driver comes
     Run(10);
     EXPECT_EQ(X, 5);
-}
-
-TEST_F(Ps2Mouse, AWayThatOverflowedMovesNothingButItsButtonsCount)
-{
-    StartAndSetUp();
-    Controller.Send({0x49, 0xFF, 0x00});
-    Poll();
-    EXPECT_EQ(X, 0);
-    EXPECT_EQ(Left, 1);
 }
 
 // Each row loses bytes of a press or of its release; no way may be left with the button down that isn't.
@@ -269,9 +261,14 @@ TEST_F(Ps2Mouse, AButtonThatIsHeldStaysDownThroughTheQuestions)
     EXPECT_GE(Controller.Questions, 3u);
 }
 
-TEST_F(Ps2Mouse, AMouseThatIsPulledOutHasNoButtonDownAndIsFoundAgain)
+TEST_F(Ps2Mouse, AMouseThatComesLateIsFoundAndPulledOutHasNoButtonDownAndIsFoundAgain)
 {
-    StartAndSetUp();
+    Controller.MouseHere = false;
+    StartPs2Mouse(&Mouse, Now);
+    Run(3000);
+    Controller.MouseHere = true;
+    Run(2000);
+    ASSERT_TRUE(Controller.Reporting);
     Controller.Press(1);
     Run(50);
     Controller.MouseHere = false;
@@ -301,16 +298,6 @@ TEST_F(Ps2Mouse, AMouseThatWasPulledOutAndPutBackBetweenTwoPollsIsSetUpAgain)
     EXPECT_EQ(Left, 0);
 }
 
-TEST_F(Ps2Mouse, AMouseThatAppearsLateIsFound)
-{
-    Controller.MouseHere = false;
-    StartPs2Mouse(&Mouse, Now);
-    Run(3000);
-    Controller.MouseHere = true;
-    Run(2000);
-    EXPECT_TRUE(Controller.Reporting);
-}
-
 TEST_F(Ps2Mouse, AMachineWithoutAControllerIsLeftAlone)
 {
     Controller.Fitted = false;
@@ -324,7 +311,7 @@ TEST_F(Ps2Mouse, AMachineWithoutAControllerIsLeftAlone)
 }
 
 // The keyboard stands still while a byte of the mouse waits that nobody takes.
-TEST_F(Ps2Mouse, NothingOfTheMouseIsLeftInTheControllerAfterAStop)
+TEST_F(Ps2Mouse, AStopLeavesNothingOfTheMouseInTheControllerAndAnotherStartIsPossible)
 {
     for (UINT64 After : {0u, 5u, 10u, 15u, 20u, 100u}) {
         SetUp();
@@ -350,20 +337,12 @@ TEST_F(Ps2Mouse, NothingOfTheMouseIsLeftInTheControllerAfterAStop)
         EXPECT_TRUE(Controller.Output.empty()) << "stopped " << After << " ms after the start";
         Controller.Move(1, 1);
         EXPECT_TRUE(Controller.Output.empty());
+        StartAndSetUp();
+        X = 0;
+        Controller.Move(7, 0);
+        Run(10);
+        EXPECT_EQ(X, 7);
     }
-}
-
-TEST_F(Ps2Mouse, AfterAStopItCanBeStartedAgain)
-{
-    StartAndSetUp();
-    StopPs2Mouse(&Mouse, Now);
-    Run(300);
-    ASSERT_EQ(Mouse.State, PS2_STOPPED);
-    X = 0;
-    StartAndSetUp();
-    Controller.Move(7, 0);
-    Run(10);
-    EXPECT_EQ(X, 7);
 }
 
 }

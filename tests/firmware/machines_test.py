@@ -12,7 +12,7 @@ import sys
 import tempfile
 
 import boot_case  # and with it the way to tools/
-from boot_case import BootCase, READOUTS, ROOT, SECOND_TAB, differ, keep, shows_other_page
+from boot_case import BootCase, READOUTS, ROOT, differ, keep
 from console_screen import HOSTED, MACHINES, leave_console, see_console
 from machine import Machine
 import qemu
@@ -20,26 +20,10 @@ import qemu
 HARDENED = os.environ.get("VENTARA_HARDENED", os.path.join(ROOT, "build", "hardened"))
 
 
-class MachineCase(BootCase):
+class MoreMachines(BootCase):
     def see_console(self, machine, name):
         return keep(see_console(machine, self.hosted_picture()), name)
 
-
-class FullStore(MachineCase):
-    def test_with_a_full_variable_store_the_console_works_and_forgets_its_view(self):
-        with Machine(self.make_image(starter="ventara-fill.efi", extra=(("BOOTX64.efi", "start.efi"),))) as machine:
-            for kind in ("kept", "lost at a reset"):
-                self.assertGreater(int(machine.wait_for(f"fill: {kind}: ")), 1024)
-            first = self.see_console(machine, "full store")
-            machine.click(*SECOND_TAB, shows=lambda now: shows_other_page(now, first), what="another page")
-            self.assertEqual(leave_console(machine), "Success")
-            machine.key("ret")
-            machine.wait_for_console()
-            self.assertFalse(shows_other_page(machine.look(), first), "the page was kept in a full store")
-            self.assertEqual(leave_console(machine), "Success")
-
-
-class MoreMachines(MachineCase):
     def test_the_console_comes_up_and_leaves_on_every_machine(self):
         for name in MACHINES:
             with self.subTest(name), Machine(self.make_image(), **MACHINES[name]) as machine:

@@ -69,17 +69,6 @@ struct SessionTest : testing::Test {
         Options.Script = Script;
         return RunSession(Options);
     }
-    // The trace's lines of a call, without their beginnings.
-    static std::vector<std::string> Lines(const SESSION_RESULT& Result, const std::string& Call)
-    {
-        std::vector<std::string> Found;
-        for (const std::string& Line : Result.Trace) {
-            if (Line.find("\"call\":\"" + Call + "\"") != std::string::npos) {
-                Found.push_back(Line);
-            }
-        }
-        return Found;
-    }
     VOID NoteTurns()
     {
         gTurn = [this] {
@@ -118,15 +107,6 @@ TEST_F(SessionTest, EachTurnShowsWhatItsCommandsSetAndTheEndFeedsEscape)
     EXPECT_EQ(Result.Error, "");
 }
 
-TEST_F(SessionTest, ASlowCallTakesItsTimeHoweverItEndsAndMakesTimersDue)
-{
-    NoteTurns();
-    const SESSION_RESULT Result = Play("pointer 7 1\nslow GetCursorState 120000\nturn\n"
-                                       "fail GetCursorState DEVICE_ERROR\nturn 3\nslow GetCursorState 0\nturn\n");
-    EXPECT_EQ(Seen, "7 7 7T 7 7T 7! ");
-    EXPECT_NE(Result.Trace.back().find("\"us\":480000,"), std::string::npos) << Result.Trace.back();
-}
-
 TEST_F(SessionTest, ATurnBeginsWithTheFirstWaitOrPointerReadSinceTheLastPointerRead)
 {
     // In the second turn a page opens that reads the pointer alone, three times; each read is a turn.
@@ -147,27 +127,6 @@ TEST_F(SessionTest, ATurnBeginsWithTheFirstWaitOrPointerReadSinceTheLastPointerR
                                        "pointer 5 1\nturn\npointer 6 1\nturn\n");
     EXPECT_EQ(Seen, "1 2 (3) (4) (5) 6 6 ");
     EXPECT_EQ(Result.Turns, 7u);
-}
-
-TEST_F(SessionTest, VariablesLastFromStartToStartAndAreGoneAfterAReset)
-{
-    constexpr EFI_GUID Vendor = {7, 7, 7, {}};
-    gAtStart = [&] {
-        UINT8 Count = 0;
-        UINTN Size = 1;
-        EFI_RUNTIME_SERVICES* Runtime = gTable->RuntimeServices;
-        (void)Runtime->GetVariable(u"Count", &Vendor, nullptr, &Size, &Count);
-        Seen += std::to_string(Count) + " ";
-        Count++;
-        EXPECT_EQ(Runtime->SetVariable(u"Count", &Vendor, 2, 1, &Count), EFI_SUCCESS);
-    };
-    // The second start is asked for while the console runs: Escape is fed until it has returned.
-    const SESSION_RESULT Result = Play("turn\nkey esc\nturn\nstart\nturn\nstart\nturn\nkey esc\nturn\nreset\nstart\n");
-    EXPECT_EQ(Seen, "0 1 2 0 ");
-    EXPECT_EQ(Result.Statuses.size(), 4u);
-    const std::vector<std::string> Starts = Lines(Result, "Start");
-    ASSERT_EQ(Starts.size(), 4u);
-    EXPECT_EQ(Starts[3].substr(0, 36), R"({"us":0,"start":4,"turn":0,"call":"S)");
 }
 
 TEST_F(SessionTest, ABoardKeepsItsSettingsAndAScriptsWordsOverAReset)
@@ -202,33 +161,6 @@ TEST_F(SessionTest, ASettingThatNoFanMayGetIsComplainedOfEvenWhereTheCallFails)
     const SESSION_RESULT Result = Play("turn\nfail SetFan4Setting DEVICE_ERROR 2\nkey esc\nturn\nstart\n");
     EXPECT_EQ(Seen, "0 2 2 7 7 2 ");
     EXPECT_EQ(Result.Complaints.size(), 4u);
-}
-
-TEST_F(SessionTest, ReadingsStringsAndFailuresTakeTheBoardsPlace)
-{
-    gAtStart = [&] {
-        HW_SERVICE_PROTOCOL* Service = Locate<HW_SERVICE_PROTOCOL>(gHwServiceProtocolGuid);
-        const auto Read = [&](UINT8 Item) {
-            UINT64 Value = 77;
-            UINT8 Present = 9;
-            const EFI_STATUS Status = Service->GetItemValue(Service, Item, &Value, &Present);
-            Seen += std::to_string(Status & 0xFF) + "/" + std::to_string(Value) + "/" + std::to_string(Present) + " ";
-        };
-        Read(0);
-        Read(1);
-        Read(2);
-        EXPECT_EQ(Service->GetItemString(Service, 31), nullptr);
-        CHAR16* Text = Service->GetItemString(Service, 4);
-        EXPECT_TRUE(std::u16string(Text) == u"Fan \u00F8");
-        EXPECT_EQ(gTable->BootServices->FreePool(Text), EFI_SUCCESS);
-        FAN_SETTING Setting = {};
-        EXPECT_EQ(Service->Fan[6].Get(Service, &Setting), EFI_OUT_OF_RESOURCES);
-        EXPECT_EQ(Service->Fan[6].Get(Service, &Setting), EFI_OUT_OF_RESOURCES);
-        EXPECT_EQ(Service->Fan[6].Get(Service, &Setting), EFI_SUCCESS);
-    };
-    (void)Play("reading 0 4321\nreading 1 absent\nreading 2 error\nstring 31 null\nstring 4 Fan \xC3\xB8\n"
-               "fail GetFan10Setting OUT_OF_RESOURCES 2\n");
-    EXPECT_EQ(Seen, "0/4321/1 0/0/0 7/77/9 ");
 }
 
 TEST_F(SessionTest, TheTraceSaysWhatCrossedTheTablesInItsOrder)
@@ -292,30 +224,6 @@ TEST_F(SessionTest, TheTraceSaysWhatCrossedTheTablesInItsOrder)
                   At < Expected.size() ? Expected[At] : "nothing");
     }
     EXPECT_EQ(Result.ErrorText, "a \"b\"\n");
-}
-
-TEST_F(SessionTest, PoolCallsAreTracedOnRequestAndTheLimitCountsFromTheStart)
-{
-    Options.TracePool = true;
-    Options.PoolFail = 2;
-    gAtStart = [] {
-        VOID* Blocks[3] = {};
-        for (VOID*& Block : Blocks) {
-            (void)gTable->BootServices->AllocatePool(EfiBootServicesData, 24, &Block);
-        }
-        EXPECT_EQ(Blocks[1], nullptr);
-        EXPECT_EQ(gTable->BootServices->FreePool(Blocks[0]), EFI_SUCCESS);
-    };
-    const SESSION_RESULT Result = Play("");
-    const std::vector<std::string> Taken = Lines(Result, "AllocatePool");
-    ASSERT_EQ(Taken.size(), 3u);
-    EXPECT_NE(Taken[1].find(R"("status":"0x8000000000000009","bytes":24,"block":0})"), std::string::npos);
-    const std::vector<std::string> Given = Lines(Result, "FreePool");
-    ASSERT_EQ(Given.size(), 1u);
-    EXPECT_EQ(Given[0].substr(Given[0].find("\"bytes\"")), Taken[0].substr(Taken[0].find("\"bytes\"")));
-    ASSERT_EQ(Result.Leaks.size(), 1u);
-    EXPECT_EQ(Result.Leaks[0].Block.Size, 24u);
-    EXPECT_NE(Lines(Result, "Return").at(0).find(R"("blocks":1,"bytes":24})"), std::string::npos);
 }
 
 TEST_F(SessionTest, AnImageIsLoadedFreshForEachStart)

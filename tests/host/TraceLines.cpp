@@ -6,86 +6,43 @@
 
 namespace {
 
-// Takes that text off the front of a line. Throws when something else stands there.
-VOID Take(std::string_view* Rest, std::string_view Text)
+// Where the string that opens a line of JSON closes: at the first quote that isn't escaped.
+size_t EndOfString(std::string_view Text)
 {
-    if (!Rest->starts_with(Text)) {
-        throw std::runtime_error("a trace line with \"" + std::string(*Rest) + "\" in place of \"" + std::string(Text) + "\"");
+    size_t At = 1;
+    while (At < Text.size() && Text[At] != '"') {
+        At += Text[At] == '\\' ? 2 : 1;
     }
-    Rest->remove_prefix(Text.size());
+    return At;
 }
 
-UINT64 TakeNumber(std::string_view* Rest)
+std::string WithoutEscapes(std::string_view Text)
 {
-    UINT64 Number = 0;
-    while (!Rest->empty() && Rest->front() >= '0' && Rest->front() <= '9') {
-        Number = Number * 10 + static_cast<UINT64>(Rest->front() - '0');
-        Rest->remove_prefix(1);
-    }
-    return Number;
-}
-
-// Takes a string with its quotes off the front, and gives what it says.
-std::string TakeString(std::string_view* Rest)
-{
-    std::string Text;
-    Take(Rest, "\"");
-    while (!Rest->starts_with('"')) {
-        const bool Escaped = Rest->starts_with('\\');
-        Rest->remove_prefix(Escaped ? 1 : 0);
-        if (Rest->empty()) {
-            throw std::runtime_error("a trace line ends within a string");
-        }
-        const char Char = Rest->front();
-        Rest->remove_prefix(1);
-        if (!Escaped || Char == '"' || Char == '\\') {
-            Text += Char;
-        } else if (Char == 'u') { // the trace writes control characters so, and no others
-            Text += static_cast<char>(std::strtoul(std::string(Rest->substr(0, 4)).c_str(), nullptr, 16));
-            Rest->remove_prefix(4);
+    std::string Plain;
+    for (size_t At = 0; At < Text.size(); At++) {
+        if (Text[At] != '\\') {
+            Plain += Text[At];
+        } else if (Text[++At] == 'u') { // the trace writes control characters so, and no others
+            Plain += static_cast<char>(std::strtoul(std::string(Text.substr(At + 1, 4)).c_str(), nullptr, 16));
+            At += 4;
         } else {
-            Text += Char == 'n' ? '\n' : Char == 'r' ? '\r' : '\t';
+            Plain += Text[At] == 'n' ? '\n' : Text[At] == 'r' ? '\r' : Text[At] == 't' ? '\t' : Text[At];
         }
     }
-    Take(Rest, "\"");
-    return Text;
+    return Plain;
 }
 
-// Takes any value off the front.
-std::string TakeValue(std::string_view* Rest)
-{
-    if (Rest->starts_with('"')) {
-        return TakeString(Rest);
-    }
-    const std::string_view Whole = *Rest;
-    if (Rest->starts_with('[')) {
-        while (!Rest->starts_with(']')) {
-            Rest->remove_prefix(1);
-            if (Rest->starts_with('"')) {
-                TakeString(Rest);
-            } else if (Rest->empty()) {
-                throw std::runtime_error("a trace line ends within a list");
-            }
-        }
-        Take(Rest, "]");
-    } else {
-        Rest->remove_prefix(std::min(Rest->find_first_of(",}"), Rest->size()));
-    }
-    return std::string(Whole.substr(0, Whole.size() - Rest->size()));
-}
-
-CALL_LINE ParseLine(std::string_view Line)
+CALL_LINE ParseLine(const std::string& Line)
 {
     CALL_LINE Call;
-    Take(&Line, "{\"us\":");
-    Call.Microseconds = TakeNumber(&Line);
-    Take(&Line, ",\"start\":");
-    Call.Start = TakeNumber(&Line);
-    Take(&Line, ",\"turn\":");
-    Call.Turn = TakeNumber(&Line);
-    Take(&Line, ",\"call\":");
-    Call.Call = TakeString(&Line);
-    Call.Fields = Line;
+    char Name[64];
+    int Size = 0;
+    if (std::sscanf(Line.c_str(), R"({"us":%llu,"start":%llu,"turn":%llu,"call":"%63[^"]"%n)", &Call.Microseconds,
+                    &Call.Start, &Call.Turn, Name, &Size) != 4 || Size == 0 || Line.back() != '}') {
+        throw std::runtime_error("no trace line: " + Line);
+    }
+    Call.Call = Name;
+    Call.Fields = Line.substr(static_cast<size_t>(Size));
     return Call;
 }
 
@@ -93,18 +50,25 @@ CALL_LINE ParseLine(std::string_view Line)
 
 std::string CALL_LINE::Text(std::string_view Field) const
 {
-    std::string_view Rest = Fields;
-    while (Rest.starts_with(',')) {
-        Take(&Rest, ",");
-        const std::string Name = TakeString(&Rest);
-        Take(&Rest, ":");
-        std::string Value = TakeValue(&Rest);
-        if (Name == Field) {
-            return Value;
+    // Within a string every quote is escaped, so this stands before a field's value and nowhere else.
+    const std::string Head = ",\"" + std::string(Field) + "\":";
+    const size_t At = Fields.find(Head);
+    if (At == std::string::npos) {
+        return "(no field " + std::string(Field) + ")";
+    }
+    const std::string_view Rest = std::string_view(Fields).substr(At + Head.size());
+    if (Rest.starts_with('"')) {
+        return WithoutEscapes(Rest.substr(1, EndOfString(Rest) - 1));
+    }
+    size_t End = 0; // of a number, or of a list of strings
+    for (const bool IsList = Rest.starts_with('['); End < Rest.size(); End++) {
+        if (IsList && Rest[End] == '"') {
+            End += EndOfString(Rest.substr(End));
+        } else if (IsList ? Rest[End] == ']' : Rest[End] == ',' || Rest[End] == '}') {
+            break;
         }
     }
-    Take(&Rest, "}");
-    return "(no field " + std::string(Field) + ")";
+    return std::string(Rest.substr(0, End + (Rest.starts_with('[') ? 1 : 0)));
 }
 
 UINT64 CALL_LINE::Number(std::string_view Field) const
@@ -116,19 +80,14 @@ std::vector<CALL_LINE> ParseTrace(const std::vector<std::string>& Lines)
 {
     std::vector<CALL_LINE> Calls;
     Calls.reserve(Lines.size());
-    for (const std::string& Line : Lines) {
-        Calls.push_back(ParseLine(Line));
-    }
+    std::transform(Lines.begin(), Lines.end(), std::back_inserter(Calls), ParseLine);
     return Calls;
 }
 
 std::vector<CALL_LINE> CallsNamed(const std::vector<CALL_LINE>& Calls, const std::string& Name)
 {
     std::vector<CALL_LINE> Found;
-    for (const CALL_LINE& Call : Calls) {
-        if (Call.Call == Name) {
-            Found.push_back(Call);
-        }
-    }
+    std::copy_if(Calls.begin(), Calls.end(), std::back_inserter(Found),
+                 [&Name](const CALL_LINE& Call) { return Call.Call == Name; });
     return Found;
 }

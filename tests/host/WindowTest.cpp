@@ -142,14 +142,6 @@ TEST_F(OpenedWindow, StaysClosedOnceTheUserClosedIt)
     EXPECT_TRUE(Input.Closed);
 }
 
-TEST_F(OpenedWindow, NeverTurnsFasterThan250TimesASecondWhileThePointerMoves)
-{
-    PutMotion(50, 50);
-    PumpWindow(Window, &Input);
-    PaceWindow(Window);
-    EXPECT_GE(MeasureTurns(Window, 10), 40'000u);
-}
-
 TEST_F(OpenedWindow, WakesFromItsRestWhenInputComes)
 {
     while (MeasureTurns(Window, 1) < 8'000) {
@@ -215,18 +207,4 @@ TEST(MapToDisplay, GivesThePixelUnderThePointAndTheNearestForAPointBeside)
         EXPECT_EQ(DisplayY, Case.DisplayY) << Case.X << ", " << Case.Y;
         EXPECT_EQ(IsOnDisplay(Doubled, Case.X, Case.Y), Case.On) << Case.X << ", " << Case.Y;
     }
-}
-
-TEST(MapToDisplay, ReachesEveryPixelOfAPictureThatIsEnlarged)
-{
-    const DISPLAY_PLACE Place = PlaceDisplay(1440, 1080);
-    INT32 Last = -1;
-    for (int X = 0; X < 1440; X++) {
-        INT32 DisplayX = -1;
-        INT32 DisplayY = -1;
-        MapToDisplay(Place, X, 0, &DisplayX, &DisplayY);
-        ASSERT_LE(DisplayX, Last + 1);
-        Last = DisplayX;
-    }
-    EXPECT_EQ(Last, 1023);
 }
