@@ -9,42 +9,11 @@
 
 namespace {
 
-// Which control lies under the chart, and when the chart is to be seen.
-enum CHART_GROUND : UINT8 {
-    GROUND_NONE,
-    GROUND_FRAME_PASTED, // the frame; Screen gets the picture even during a drag
-    GROUND_FRAME,        // the frame, unless a node or the thumb is in hand
-    GROUND_SLIDER,       // the slider, unless one of them is
-    GROUND_SLIDER_ALONE, // the slider, while the mouse is at rest
-};
-
-// Item 5 is asked for at every tick; the other pages go by their layout.
-CHART_GROUND GroundOf(const FAN_PAGE* Page)
-{
-    FAN_PAGE_LAYOUT Layout = Page->Layout;
-    if (Page == FindFanPage(5)) {
-        const UINT8 Kind = AskFanKind();
-        Layout = Kind == 1 ? FAN_LAYOUT_CURVE8 : Kind == 0 ? FAN_LAYOUT_CURVE6 : FAN_LAYOUT_NONE;
-    }
-    switch (Layout) {
-    case FAN_LAYOUT_CURVE8:
-        return GROUND_FRAME_PASTED;
-    case FAN_LAYOUT_CURVE6:
-    case FAN_LAYOUT_CURVE6_SLIDER:
-        return PageBoxIsChecked(Page) ? GROUND_FRAME : GROUND_SLIDER;
-    case FAN_LAYOUT_SLIDER:
-        return GROUND_SLIDER_ALONE;
-    case FAN_LAYOUT_NONE:
-        break;
-    }
-    return GROUND_NONE;
-}
-
 // Starts the chart over from the picture of the control beneath. False when there is no such control.
-bool LayGround(const FAN_PAGE* Page, CHART_GROUND Ground)
+bool LayGround(const FAN_PAGE* Page, FAN_PAGE_LAYOUT Layout)
 {
-    const bool OnFrame = Ground == GROUND_FRAME_PASTED || Ground == GROUND_FRAME;
-    if (Ground == GROUND_NONE || !(OnFrame ? PageHasFrame(Page) : PageHasSlider(Page))) {
+    const bool OnFrame = Layout == FAN_LAYOUT_CURVE8 || (LayoutHasFrame(Layout) && PageBoxIsChecked(Page));
+    if (Layout == FAN_LAYOUT_NONE || !(OnFrame ? PageHasFrame(Page) : PageHasSlider(Page))) {
         return false;
     }
     const PIXEL* Picture = OnFrame ? Page->Frame.WorkImage : Page->Slider.Canvas;
@@ -55,32 +24,16 @@ bool LayGround(const FAN_PAGE* Page, CHART_GROUND Ground)
     return true;
 }
 
-VOID ShowChart(const FAN_PAGE* Page, CHART_GROUND Ground)
+VOID ShowChart(const FAN_PAGE* Page, FAN_PAGE_LAYOUT Layout)
 {
     LINE_CHART* Chart = Page->Chart;
     // Either may be in hand: a command can change the ground during a drag.
     const bool NothingInHand = Page->Frame.ActiveNode == gNoActiveNode && Page->Slider.Dragging != 1;
-    bool Visible = false;
-    switch (Ground) {
-    case GROUND_FRAME_PASTED:
-        Visible = NothingInHand;
-        if (!Visible) { // else showing it pastes it
-            (void)PasteBlt(Chart->Pixels, Chart->Rect.Width, Chart->Rect.Height, Chart->Rect.X, Chart->Rect.Y,
-                           gGuiCore->Screen);
-        }
-        break;
-    case GROUND_FRAME:
-    case GROUND_SLIDER:
-        Visible = NothingInHand;
-        break;
-    case GROUND_SLIDER_ALONE:
-        Visible = gGuiCore->MouseState == NOEVENT;
-        break;
-    case GROUND_NONE:
-        break;
-    }
-    if (Visible) {
+    if (Layout == FAN_LAYOUT_SLIDER ? gGuiCore->MouseState == NOEVENT : NothingInHand) {
         (void)ShowLineChart(Chart);
+    } else if (Layout == FAN_LAYOUT_CURVE8) { // Screen gets the picture even during a drag
+        (void)PasteBlt(Chart->Pixels, Chart->Rect.Width, Chart->Rect.Height, Chart->Rect.X, Chart->Rect.Y,
+                       gGuiCore->Screen);
     }
 }
 
@@ -119,8 +72,8 @@ VOID FanChartTick()
 
 VOID UpdateFanChart(FAN_PAGE* Page)
 {
-    const CHART_GROUND Ground = GroundOf(Page);
-    if (Page->Chart == nullptr || !LayGround(Page, Ground)) {
+    const FAN_PAGE_LAYOUT Layout = LayoutNow(Page);
+    if (Page->Chart == nullptr || !LayGround(Page, Layout)) {
         return;
     }
     UINT64 Speed = 0;
@@ -130,7 +83,7 @@ VOID UpdateFanChart(FAN_PAGE* Page)
     }
     (void)PushLineChartSample(Page->Chart, Speed, gGlobalVariable.CurrentTemperature);
     (void)DrawLineChart(Page->Chart);
-    ShowChart(Page, Ground);
+    ShowChart(Page, Layout);
 }
 
 EFI_STATUS OnTemperatureSourceSelected(EFI_EVENT, VOID* Context)

@@ -105,27 +105,10 @@ VOID RefreshFanLegend()
         gGlobalVariable.SelectedFanItem = OnTop->ItemId;
     }
 
-    UINT8 Scale = 0;
-    switch (gGlobalVariable.SelectedFanItem) {
-    case 4:
-        Scale = 1;
-        break;
-    case 5:
-        Scale = AskFanKind();
-        if (Scale > 1) {
-            return;
-        }
-        break;
-    case 6:
-    case 7:
-    case 8:
-        break;
-    default:
-        return;
-    }
     const FAN_PAGE* Page = FindFanPage(gGlobalVariable.SelectedFanItem);
-    if (PageHasFrame(Page)) {
-        DrawFanLegend(Scale, PageBoxIsChecked(Page) ? 1 : 0, &Page->Frame);
+    const FAN_PAGE_LAYOUT Layout = Page != nullptr ? LayoutNow(Page) : FAN_LAYOUT_NONE;
+    if (LayoutHasFrame(Layout) && PageHasFrame(Page)) {
+        DrawFanLegend(Layout == FAN_LAYOUT_CURVE8 ? 1 : 0, PageBoxIsChecked(Page) ? 1 : 0, &Page->Frame);
     }
 }
 

@@ -39,14 +39,12 @@ constexpr UINT16 gRadioTextY = 7;
 // Backdrop and radio of each temperature source. The third row keeps the pitch of the first two.
 constexpr UINT32 gTemperatureRowY[gTemperatureItemCount] = {296, 333, 370};
 
-constexpr UINT8 gFanKindItem = 5; // the one fan whose layout the board decides
-
 // Vendor of the temperature history, which all charts share.
 constexpr EFI_GUID gChartTemperatureGuid = {
     0x7BE9DF7E, 0x521C, 0x4547, {0xAB, 0x36, 0x67, 0x3B, 0x07, 0x4C, 0xC5, 0x5D}};
 
 struct FAN_PAGE_FACTS {
-    FAN_PAGE_LAYOUT Layout; // NONE: asked of the board
+    FAN_PAGE_LAYOUT Layout; // FAN_LAYOUT_NONE: the board decides
     UINT32 TabX;
     UINT32 BackdropX;
     EFI_GUID RpmGuid; // vendor of the speed history
@@ -72,70 +70,97 @@ constexpr FAN_PAGE_FACTS gFanPageFacts[gFanItemCount] = {
 
 // --- What ties a page together ---
 
-// One call each: a link of the box, a target of the tab, a listener, or the reading of the setting into page and box.
-enum PAGE_STEP : UINT8 {
-    READ_SETTING,
-    LINK_WRITE_CHECKED,      // a click that checks the box writes the setting
-    LINK_WRITE_UNCHECKED,    // and so does one that unchecks it
-    LINK_REFRESH_FRAME,      // a click inside the box repaints the frame
-    LINK_REFRESH_LEGEND,     // and the legend
-    LINK_SHOW_FRAME,         // the checked box switches the frame on
-    LINK_SHOW_SLIDER,        // the unchecked one the slider
-    TARGET_BOX,
-    TARGET_FRAME,
-    TARGET_SLIDER,
-    TARGET_FRAME_IF_CHECKED, // only switched, not repainted: the box does that
-    TARGET_SLIDER_IF_UNCHECKED,
-    TARGET_LEGEND,
-    LISTEN_FRAME_DROP,
-    LISTEN_SLIDER_DROP,
+enum JOIN_KIND : UINT8 {
+    JOIN_SETTING,     // the reading of the setting into page and box
+    JOIN_LINK,        // a link of the box
+    JOIN_TARGET,      // a target of the tab
+    JOIN_FRAME_DROP,  // the page's listener for the end of a node's drag
+    JOIN_SLIDER_DROP, // and of the thumb's
+};
+enum PAGE_PART : UINT8 { PART_NONE, PART_PAGE, PART_BOX, PART_FRAME, PART_SLIDER };
+// The last is for a page that lacks its box.
+enum JOIN_GATE : UINT8 { GATE_NONE, GATE_CHECKED, GATE_UNCHECKED, GATE_NO_BOX };
+
+// One call when the page is built. The links' rows are also what a command on all fans runs in place of a click.
+struct FAN_JOIN {
+    JOIN_KIND What;
+    CHECK_BOX_LINK_KIND LinkKind = CHECK_BOX_LINK_INSIDE;
+    PAGE_PART Context = PART_NONE; // given to Notify. With one, a page that lacks it or the component has no such join
+    EFI_EVENT_NOTIFY Notify = nullptr;
+    PAGE_PART Mirror = PART_NONE; // whose Linked takes the box's state; PART_NONE: a byte that nothing reads
+    PAGE_PART Component = PART_NONE;
+    JOIN_GATE Gate = GATE_NONE; // state of the box in which the tab switches the component on
 };
 
-constexpr PAGE_STEP gCurve8Steps[] = {
-    LINK_WRITE_UNCHECKED, LINK_WRITE_CHECKED, TARGET_FRAME,        TARGET_BOX,    READ_SETTING,
-    LINK_REFRESH_FRAME,   LISTEN_FRAME_DROP,  LINK_REFRESH_LEGEND, TARGET_LEGEND,
+constexpr FAN_JOIN Link(CHECK_BOX_LINK_KIND Kind, PAGE_PART Context, EFI_EVENT_NOTIFY Notify,
+                        PAGE_PART Mirror = PART_NONE, PAGE_PART Component = PART_NONE)
+{
+    return {JOIN_LINK, Kind, Context, Notify, Mirror, Component};
+}
+
+constexpr FAN_JOIN Target(PAGE_PART Context, EFI_EVENT_NOTIFY Notify, PAGE_PART Component, JOIN_GATE Gate = GATE_NONE)
+{
+    return {.What = JOIN_TARGET, .Context = Context, .Notify = Notify, .Component = Component, .Gate = Gate};
+}
+
+EFI_STATUS OnFanFrameShown(EFI_EVENT Event, VOID* Context);
+
+constexpr FAN_JOIN gSetting = {.What = JOIN_SETTING};
+constexpr FAN_JOIN gFrameDrop = {.What = JOIN_FRAME_DROP};
+constexpr FAN_JOIN gSliderDrop = {.What = JOIN_SLIDER_DROP};
+constexpr FAN_JOIN gWriteChecked = Link(CHECK_BOX_LINK_CHECKED, PART_PAGE, OnCurveChecked);
+constexpr FAN_JOIN gWriteUnchecked = Link(CHECK_BOX_LINK_UNCHECKED, PART_PAGE, OnCurveUnchecked);
+constexpr FAN_JOIN gRefreshFrame = Link(CHECK_BOX_LINK_INSIDE, PART_FRAME, OnDragDropRefresh, PART_FRAME);
+constexpr FAN_JOIN gRefreshLegend = Link(CHECK_BOX_LINK_INSIDE, PART_NONE, RefreshFanLegend, PART_FRAME);
+constexpr FAN_JOIN gSwapFrame = Link(CHECK_BOX_LINK_CHECKED, PART_FRAME, OnDragDropRefresh, PART_FRAME, PART_FRAME);
+constexpr FAN_JOIN gSwapSlider =
+    Link(CHECK_BOX_LINK_UNCHECKED, PART_SLIDER, OnSliderRefresh, PART_SLIDER, PART_SLIDER);
+constexpr FAN_JOIN gTabBox = Target(PART_BOX, SetCheckBoxState, PART_BOX);
+constexpr FAN_JOIN gTabFrame = Target(PART_PAGE, OnFanFrameShown, PART_FRAME);
+constexpr FAN_JOIN gTabSlider = Target(PART_SLIDER, OnSliderRefresh, PART_SLIDER);
+constexpr FAN_JOIN gTabLegend = Target(PART_NONE, RefreshFanLegend, PART_FRAME);
+constexpr FAN_JOIN gTabLegendOverSlider = Target(PART_NONE, RefreshFanLegend, PART_SLIDER);
+// The box repaints the two that it swaps. Without one the page is of the slider alone, and the tab has to.
+constexpr FAN_JOIN gTabFrameIfChecked = Target(PART_FRAME, nullptr, PART_FRAME, GATE_CHECKED);
+constexpr FAN_JOIN gTabSliderIfUnchecked = Target(PART_SLIDER, nullptr, PART_SLIDER, GATE_UNCHECKED);
+constexpr FAN_JOIN gTabSliderWithoutBox = Target(PART_SLIDER, OnSliderRefresh, PART_SLIDER, GATE_NO_BOX);
+
+constexpr FAN_JOIN gCurve8Joins[] = {
+    gWriteUnchecked, gWriteChecked, gTabFrame,      gTabBox,    gSetting,
+    gRefreshFrame,   gFrameDrop,    gRefreshLegend, gTabLegend,
 };
-constexpr PAGE_STEP gCurve6Steps[] = {
-    READ_SETTING, LINK_REFRESH_FRAME, LINK_WRITE_UNCHECKED, LINK_WRITE_CHECKED, TARGET_BOX,
-    TARGET_FRAME, LISTEN_FRAME_DROP,  LINK_REFRESH_LEGEND,  TARGET_LEGEND,
+constexpr FAN_JOIN gCurve6Joins[] = {
+    gSetting,  gRefreshFrame, gWriteUnchecked, gWriteChecked, gTabBox,
+    gTabFrame, gFrameDrop,    gRefreshLegend,  gTabLegend,
 };
-constexpr PAGE_STEP gCurve6SliderSteps[] = {
-    READ_SETTING,
-    LINK_SHOW_FRAME,
-    LINK_SHOW_SLIDER,
-    LINK_WRITE_UNCHECKED,
-    LINK_WRITE_CHECKED,
-    TARGET_BOX,
-    TARGET_FRAME_IF_CHECKED,
-    TARGET_SLIDER_IF_UNCHECKED,
-    LISTEN_FRAME_DROP,
-    LISTEN_SLIDER_DROP,
-    LINK_REFRESH_LEGEND,
-    TARGET_LEGEND,
+constexpr FAN_JOIN gCurve6SliderJoins[] = {
+    gSetting,           gSwapFrame,            gSwapSlider,          gWriteUnchecked, gWriteChecked,  gTabBox,
+    gTabFrameIfChecked, gTabSliderIfUnchecked, gTabSliderWithoutBox, gFrameDrop,      gSliderDrop,
+    gRefreshLegend,     gTabLegend,
 };
-constexpr PAGE_STEP gSliderSteps[] = {TARGET_SLIDER, LISTEN_SLIDER_DROP, TARGET_LEGEND};
+constexpr FAN_JOIN gSliderJoins[] = {gTabSlider, gSliderDrop, gTabLegendOverSlider};
 
 struct FAN_LAYOUT_FACTS {
     const CHAR16* const* DutyLabels; // null without a curve frame
     UINT32 NodeSection;
     const CHAR16* TabPrefix;
-    const PAGE_STEP* Steps;
-    UINTN StepCount;
+    const FAN_JOIN* Joins;
+    UINTN JoinCount;
 };
 
 template <UINTN Count>
 constexpr FAN_LAYOUT_FACTS LayoutFacts(const CHAR16* const* DutyLabels, UINT32 NodeSection, const CHAR16* TabPrefix,
-                                       const PAGE_STEP (&Steps)[Count])
+                                       const FAN_JOIN (&Joins)[Count])
 {
-    return {DutyLabels, NodeSection, TabPrefix, Steps, Count};
+    return {DutyLabels, NodeSection, TabPrefix, Joins, Count};
 }
 
 constexpr FAN_LAYOUT_FACTS gLayoutFacts[] = {
     {nullptr, 0, u"", nullptr, 0},
-    LayoutFacts(gDutyLabels8, gNode8Section, u"    ", gCurve8Steps),
-    LayoutFacts(gDutyLabels6, gNode6Section, u"   ", gCurve6Steps),
-    LayoutFacts(gDutyLabels6, gNode6Section, u"   ", gCurve6SliderSteps),
-    LayoutFacts(nullptr, 0, u"   ", gSliderSteps),
+    LayoutFacts(gDutyLabels8, gNode8Section, u"    ", gCurve8Joins),
+    LayoutFacts(gDutyLabels6, gNode6Section, u"   ", gCurve6Joins),
+    LayoutFacts(gDutyLabels6, gNode6Section, u"   ", gCurve6SliderJoins),
+    LayoutFacts(nullptr, 0, u"   ", gSliderJoins),
 };
 static_assert(sizeof(gLayoutFacts) / sizeof(gLayoutFacts[0]) == FAN_LAYOUT_SLIDER + 1);
 
@@ -222,28 +247,12 @@ VOID CreatePanelControls(FAN_PAGE* Page)
     }
     if (Page->Layout == FAN_LAYOUT_SLIDER) {
         Page->Slider.Linked = 1; // no box will ever write it, and the thumb is to take a drag
+    } else if (Page->Layout == FAN_LAYOUT_CURVE6_SLIDER) {
+        Page->Slider.Inverted = 1; // live while the box isn't checked
     }
     if (gFanReadoutBackdrop != nullptr) {
         (void)PasteBlt(gFanReadoutBackdrop, gFanReadoutBackdropWidth, gFanReadoutBackdropHeight, Facts.BackdropX,
                        gFanBackdropY, gGuiCore->Screen);
-    }
-}
-
-FAN_PAGE_LAYOUT DecideLayout(const FAN_PAGE* Page)
-{
-    if (!IsPresent(Page->ItemId)) {
-        return FAN_LAYOUT_NONE;
-    }
-    if (Page->ItemId != gFanKindItem) {
-        return gFanPageFacts[IndexOfFanPage(Page)].Layout;
-    }
-    switch (AskFanKind()) {
-    case 1:
-        return FAN_LAYOUT_CURVE8;
-    case 0:
-        return FAN_LAYOUT_CURVE6;
-    default:
-        return FAN_LAYOUT_NONE;
     }
 }
 
@@ -273,121 +282,86 @@ EFI_STATUS OnFanFrameShown(EFI_EVENT, VOID* Context)
     return EFI_SUCCESS;
 }
 
-VOID AddLink(FAN_PAGE* Page, VOID* Context, EFI_EVENT_NOTIFY Notify, CHECK_BOX_LINK_KIND Kind, UINT8* Target,
-             UINT32 ComponentId)
-{
-    if (Page->CheckBox != nullptr) {
-        (void)AddCheckBoxLink(Page->CheckBox, Context, Notify, Kind, Target, static_cast<UINT16>(ComponentId));
-    }
-}
+// What a join's columns name, on one page.
+struct PART {
+    bool Missing;
+    VOID* Record;
+    UINT32 Id; // of its component; 0 for none
+    UINT8* Linked;
+};
 
-VOID AddTarget(FAN_PAGE* Page, VOID* Context, EFI_EVENT_NOTIFY Notify, UINT32 ComponentId, const UINT8* Flag,
-               UINT8 FlagValue)
+PART PartOf(FAN_PAGE* Page, PAGE_PART Which)
 {
-    if (Page->Tab != nullptr && gFanPageBar != nullptr) {
-        (void)AddPageBarTarget(Page->Tab, Context, Notify, static_cast<UINT16>(ComponentId), Flag, FlagValue);
-    }
-}
-
-// A step that needs a control which isn't there is left out. Without its box a page of curve or slider is one of the
-// slider alone.
-VOID RunPageStep(FAN_PAGE* Page, PAGE_STEP Step)
-{
-    const FAN_PAGE_WRITERS& Writers = gFanPageWriters[IndexOfFanPage(Page)];
     CHECK_BOX_COMPONENT* Box = Page->CheckBox;
-    DRAGDROP_COMPONENT* Frame = &Page->Frame;
-    SLIDER_COMPONENT* Slider = &Page->Slider;
-    const bool HasFrame = PageHasFrame(Page);
-    const bool HasSlider = PageHasSlider(Page);
+    switch (Which) {
+    case PART_PAGE:
+        return {false, Page, 0, nullptr};
+    case PART_BOX:
+        return {Box == nullptr, Box, Box != nullptr ? Box->Id : 0, nullptr};
+    case PART_FRAME:
+        return {!PageHasFrame(Page), &Page->Frame, Page->Frame.Id, &Page->Frame.Linked};
+    case PART_SLIDER:
+        return {!PageHasSlider(Page), &Page->Slider, Page->Slider.FrameId, &Page->Slider.Linked};
+    case PART_NONE:
+        break;
+    }
+    return {false, nullptr, 0, &Page->LinkByte};
+}
 
-    switch (Step) {
-    case READ_SETTING:
+bool JoinIsLeftOut(FAN_PAGE* Page, const FAN_JOIN& Join)
+{
+    if (Join.Gate != GATE_NONE && (Join.Gate == GATE_NO_BOX) == (Page->CheckBox != nullptr)) {
+        return true;
+    }
+    return Join.Context != PART_NONE && (PartOf(Page, Join.Context).Missing || PartOf(Page, Join.Component).Missing);
+}
+
+VOID MakeJoin(FAN_PAGE* Page, const FAN_JOIN& Join)
+{
+    if (JoinIsLeftOut(Page, Join)) {
+        return;
+    }
+    VOID* Context = PartOf(Page, Join.Context).Record;
+    const UINT16 ComponentId = static_cast<UINT16>(PartOf(Page, Join.Component).Id);
+    const bool ByBox = Join.Gate == GATE_CHECKED || Join.Gate == GATE_UNCHECKED;
+    const FAN_PAGE_LISTENERS& Listeners = gFanPageListeners[IndexOfFanPage(Page)];
+    switch (Join.What) {
+    case JOIN_SETTING:
         ReadSettingIntoBox(Page);
         break;
-    case LINK_WRITE_CHECKED:
-        AddLink(Page, nullptr, Writers.OnCurveChecked, CHECK_BOX_LINK_CHECKED, &Page->LinkByte, 0);
+    case JOIN_LINK:
+        (void)AddCheckBoxLink(Page->CheckBox, Context, Join.Notify, Join.LinkKind, PartOf(Page, Join.Mirror).Linked,
+                              ComponentId);
         break;
-    case LINK_WRITE_UNCHECKED:
-        AddLink(Page, nullptr, Writers.OnCurveUnchecked, CHECK_BOX_LINK_UNCHECKED, &Page->LinkByte, 0);
+    case JOIN_TARGET:
+        (void)AddPageBarTarget(Page->Tab, Context, Join.Notify, ComponentId,
+                               ByBox ? &Page->CheckBox->State : nullptr, Join.Gate == GATE_CHECKED ? 1 : 0);
         break;
-    case LINK_REFRESH_FRAME:
-        if (HasFrame) {
-            AddLink(Page, Frame, OnDragDropRefresh, CHECK_BOX_LINK_INSIDE, &Frame->Linked, 0);
-        }
+    case JOIN_FRAME_DROP:
+        AddDragDropListener(Listeners.OnFrameDrop, L_HOLD_TO_RELEASE);
         break;
-    case LINK_REFRESH_LEGEND:
-        AddLink(Page, nullptr, RefreshFanLegend, CHECK_BOX_LINK_INSIDE, &Frame->Linked, 0);
-        break;
-    case LINK_SHOW_FRAME:
-        if (HasFrame) {
-            Frame->Inverted = 0;
-            AddLink(Page, Frame, OnDragDropRefresh, CHECK_BOX_LINK_CHECKED, &Frame->Linked, Frame->Id);
-        }
-        break;
-    case LINK_SHOW_SLIDER:
-        if (HasSlider) {
-            Slider->Inverted = 1;
-            AddLink(Page, Slider, OnSliderRefresh, CHECK_BOX_LINK_UNCHECKED, &Slider->Linked, Slider->FrameId);
-        }
-        break;
-    case TARGET_BOX:
-        if (Box != nullptr) {
-            AddTarget(Page, Box, SetCheckBoxState, Box->Id, nullptr, 0);
-        }
-        break;
-    case TARGET_FRAME:
-        if (HasFrame) {
-            AddTarget(Page, Page, OnFanFrameShown, Frame->Id, nullptr, 0);
-        }
-        break;
-    case TARGET_SLIDER:
-        if (HasSlider) {
-            AddTarget(Page, Slider, OnSliderRefresh, Slider->FrameId, nullptr, 0);
-        }
-        break;
-    case TARGET_FRAME_IF_CHECKED:
-        if (HasFrame && Box != nullptr) {
-            AddTarget(Page, nullptr, nullptr, Frame->Id, &Box->State, 1);
-        }
-        break;
-    case TARGET_SLIDER_IF_UNCHECKED:
-        if (HasSlider) {
-            // The box repaints the slider; without one the tab has to.
-            AddTarget(Page, Box != nullptr ? nullptr : Slider, Box != nullptr ? nullptr : OnSliderRefresh,
-                      Slider->FrameId, Box != nullptr ? &Box->State : nullptr, 0);
-        }
-        break;
-    case TARGET_LEGEND:
-        AddTarget(Page, nullptr, RefreshFanLegend, LayoutHasFrame(Page->Layout) ? Frame->Id : Slider->FrameId, nullptr,
-                  0);
-        break;
-    case LISTEN_FRAME_DROP:
-        AddDragDropListener(Writers.OnFrameDrop, L_HOLD_TO_RELEASE);
-        break;
-    case LISTEN_SLIDER_DROP:
-        AddSliderListener(Writers.OnSliderDrop, L_HOLD_TO_RELEASE);
+    case JOIN_SLIDER_DROP:
+        AddSliderListener(Listeners.OnSliderDrop, L_HOLD_TO_RELEASE);
         break;
     }
 }
 
-// What the links of a page's box run, in their order; without a click those alone that paint the frame.
+// What a click on the page's box runs, in the order of its links; without a click those alone that paint the frame. A
+// frame that a click repaints is shown here even when it isn't live: a command may have changed it.
 VOID RunBoxLinks(FAN_PAGE* Page, bool Clicked)
 {
+    const CHECK_BOX_LINK_KIND Now = PageBoxIsChecked(Page) ? CHECK_BOX_LINK_CHECKED : CHECK_BOX_LINK_UNCHECKED;
     const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
-    const FAN_PAGE_WRITERS& Writers = gFanPageWriters[IndexOfFanPage(Page)];
-    const bool Checked = PageBoxIsChecked(Page);
-    for (UINTN Step = 0; Step < Layout.StepCount; Step++) {
-        const PAGE_STEP Link = Layout.Steps[Step];
-        if (Link == LINK_WRITE_CHECKED && Clicked && Checked) {
-            (void)Writers.OnCurveChecked(nullptr, nullptr);
-        } else if (Link == LINK_WRITE_UNCHECKED && Clicked && !Checked) {
-            (void)Writers.OnCurveUnchecked(nullptr, nullptr);
-        } else if (Link == LINK_REFRESH_FRAME && PageHasFrame(Page)) {
+    for (UINTN I = 0; I < Layout.JoinCount; I++) {
+        const FAN_JOIN& Join = Layout.Joins[I];
+        if (Join.What != JOIN_LINK || JoinIsLeftOut(Page, Join)) {
+            continue;
+        }
+        const bool PaintsFrame = Join.Context == PART_FRAME;
+        if (Join.LinkKind == Now && (Clicked || PaintsFrame)) {
+            (void)Join.Notify(nullptr, PartOf(Page, Join.Context).Record);
+        } else if (Join.LinkKind == CHECK_BOX_LINK_INSIDE && PaintsFrame) {
             ShowFanFrame(Page);
-        } else if (Link == LINK_SHOW_FRAME && Checked && PageHasFrame(Page)) {
-            (void)OnDragDropRefresh(nullptr, &Page->Frame);
-        } else if (Link == LINK_SHOW_SLIDER && Clicked && !Checked && PageHasSlider(Page)) {
-            (void)OnSliderRefresh(nullptr, &Page->Slider);
         }
     }
 }
@@ -423,8 +397,8 @@ VOID CreateFanPage(FAN_PAGE* Page)
         (void)CreateCheckBox(&Page->CheckBox, nullptr, gFanBoxX, gFanBoxY, gFanBoxSection, &gArtworkFileGuid,
                              CHECK_BOX_BMP, 0, 0);
     }
-    for (UINTN Step = 0; Step < Layout.StepCount; Step++) {
-        RunPageStep(Page, Layout.Steps[Step]);
+    for (UINTN I = 0; I < Layout.JoinCount; I++) {
+        MakeJoin(Page, Layout.Joins[I]);
     }
 }
 
@@ -448,7 +422,7 @@ VOID CreateFanPages()
 
     for (FAN_PAGE& Page : gFanPage) {
         Page.ItemId = static_cast<UINT8>(gFirstFanItem + IndexOfFanPage(&Page));
-        Page.Layout = DecideLayout(&Page);
+        Page.Layout = IsPresent(Page.ItemId) ? LayoutNow(&Page) : FAN_LAYOUT_NONE;
         if (Page.Layout != FAN_LAYOUT_NONE) {
             CreatePanelControls(&Page);
         }
@@ -489,7 +463,15 @@ VOID ApplyFanBox(FAN_PAGE* Page, bool Clicked)
     }
 }
 
-UINT8 AskFanKind() { return gHwService->GetFanKind(gHwService, gFanKindItem); }
+FAN_PAGE_LAYOUT LayoutNow(const FAN_PAGE* Page)
+{
+    const FAN_PAGE_LAYOUT Layout = gFanPageFacts[IndexOfFanPage(Page)].Layout;
+    if (Layout != FAN_LAYOUT_NONE) {
+        return Layout;
+    }
+    const UINT8 Kind = gHwService->GetFanKind(gHwService, Page->ItemId);
+    return Kind == 1 ? FAN_LAYOUT_CURVE8 : Kind == 0 ? FAN_LAYOUT_CURVE6 : FAN_LAYOUT_NONE;
+}
 
 EFI_STATUS ReadFanSetting(const FAN_PAGE* Page, FAN_SETTING* Setting)
 {

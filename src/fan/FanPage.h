@@ -89,8 +89,9 @@ FAN_PAGE* FanPageOnTop();
 // nothing.
 VOID ApplyFanBox(FAN_PAGE* Page, bool Clicked);
 
-// The service's answer about fan 5: 1 for a page like fan 4's, 0 for one like fan 6's, any other for none.
-UINT8 AskFanKind();
+// The layout of the page's fan, present or not. Fan 5's is the board's answer, asked for at every call; the others cost
+// no service call.
+FAN_PAGE_LAYOUT LayoutNow(const FAN_PAGE* Page);
 
 // The service's get and set operation of the page's fan.
 EFI_STATUS ReadFanSetting(const FAN_PAGE* Page, FAN_SETTING* Setting);

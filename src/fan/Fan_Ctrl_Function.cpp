@@ -87,22 +87,21 @@ VOID WriteFromSliderDrop(FAN_PAGE* Page)
     LetBoxFollow(Page, 0);
 }
 
-// Notify functions and listeners bring no page with them, so each page has its own.
-template <UINTN Index> EFI_STATUS OnCurveChecked(EFI_EVENT, VOID*) { return WriteFromBox(&gFanPage[Index], 1); }
-template <UINTN Index> EFI_STATUS OnCurveUnchecked(EFI_EVENT, VOID*) { return WriteFromBox(&gFanPage[Index], 0); }
+// Listeners bring no page with them, so each page has its own.
 template <UINTN Index> VOID OnFrameDrop() { WriteFromFrameDrop(&gFanPage[Index]); }
 template <UINTN Index> VOID OnSliderDrop() { WriteFromSliderDrop(&gFanPage[Index]); }
 
-template <UINTN Index> constexpr FAN_PAGE_WRITERS WritersOf()
-{
-    return {OnCurveChecked<Index>, OnCurveUnchecked<Index>, OnFrameDrop<Index>, OnSliderDrop<Index>};
-}
+template <UINTN Index> constexpr FAN_PAGE_LISTENERS ListenersOf() { return {OnFrameDrop<Index>, OnSliderDrop<Index>}; }
 
 } // namespace
 
-constinit const FAN_PAGE_WRITERS gFanPageWriters[gFanItemCount] = {
-    WritersOf<0>(), WritersOf<1>(), WritersOf<2>(), WritersOf<3>(), WritersOf<4>(), WritersOf<5>(), WritersOf<6>(),
+constinit const FAN_PAGE_LISTENERS gFanPageListeners[gFanItemCount] = {
+    ListenersOf<0>(), ListenersOf<1>(), ListenersOf<2>(), ListenersOf<3>(),
+    ListenersOf<4>(), ListenersOf<5>(), ListenersOf<6>(),
 };
+
+EFI_STATUS OnCurveChecked(EFI_EVENT, VOID* Context) { return WriteFromBox(static_cast<FAN_PAGE*>(Context), 1); }
+EFI_STATUS OnCurveUnchecked(EFI_EVENT, VOID* Context) { return WriteFromBox(static_cast<FAN_PAGE*>(Context), 0); }
 
 FAN_CURVE CurveOfSetting(const FAN_SETTING& Setting)
 {
@@ -162,14 +161,14 @@ EFI_STATUS BuildFanSetting(const FAN_PAGE* Page, UINT8 CurveOn, FAN_SETTING* Rec
 
 VOID RestoreFanNodes(FAN_PAGE* Page)
 {
-    const UINT8 Kind = Page == FindFanPage(4) ? 1 : AskFanKind();
-    if (Kind == 1 && PageHasFrame(Page)) {
+    const FAN_PAGE_LAYOUT Layout = LayoutNow(Page);
+    if (Layout == FAN_LAYOUT_CURVE8 && PageHasFrame(Page)) {
         const FAN_CURVE Curve =
             LegalizeCurve(CurveOfSetting(Page->Setting), Page->Frame.Columns, Page->Frame.Rows);
         const UINT8 Places[] = {Curve.Column[3], Curve.Column[2], Curve.Column[1], Curve.Column[0],
                                 Curve.Level[0],  Curve.Level[1],  Curve.Level[2],  Curve.Level[3]};
         (void)SetDragDropNodes(&Page->Frame, Places);
-    } else if (Kind == 0 && PageHasSlider(Page)) {
+    } else if (LayoutHasSlider(Layout) && PageHasSlider(Page)) {
         (void)SetSliderLevel(&Page->Slider, LegalFixedLevel(Page->Setting.FixedLevel, Page->Slider.Rows));
     }
 }

@@ -37,19 +37,20 @@ VOID LoadNodeCells(const FAN_PAGE* Page, const CHAR16* const* DutyTable, UINT32*
 // the page lacks one of them: then there is nothing to write.
 EFI_STATUS BuildFanSetting(const FAN_PAGE* Page, UINT8 CurveOn, FAN_SETTING* Record);
 
-// Puts the controls back to the page's Setting, for items 4 and 5: the frame's nodes, or on an item 5 of kind 0 the
-// slider, its nodes staying where they are. Paints nothing.
+// Puts the controls back to the page's Setting: the nodes of FAN_LAYOUT_CURVE8; on the others the slider, their nodes
+// keeping the places that the user gave them. Paints nothing.
 VOID RestoreFanNodes(FAN_PAGE* Page);
 
-// One page's functions that write its setting. The first two are notify functions of the box's links and don't use
-// their context; the other two are listeners for the end of a drag, told of every page's drops, and write only while
-// their page is on top.
-struct FAN_PAGE_WRITERS {
-    EFI_EVENT_NOTIFY OnCurveChecked;
-    EFI_EVENT_NOTIFY OnCurveUnchecked;
+// Notify functions of the box's links, with the page as context: they write its setting.
+EFI_STATUS OnCurveChecked(EFI_EVENT Event, VOID* Context);
+EFI_STATUS OnCurveUnchecked(EFI_EVENT Event, VOID* Context);
+
+// One page's listeners for the end of a drag. They are told of every page's drops, and write the setting only while their
+// page is on top.
+struct FAN_PAGE_LISTENERS {
     VOID (*OnFrameDrop)();
     VOID (*OnSliderDrop)();
 };
 
 // In the order of gFanPage.
-extern const FAN_PAGE_WRITERS gFanPageWriters[gFanItemCount];
+extern const FAN_PAGE_LISTENERS gFanPageListeners[gFanItemCount];

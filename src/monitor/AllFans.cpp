@@ -9,29 +9,18 @@ namespace {
 // The thumb's place on the top row: anything less than half a row below the control's upper edge.
 constexpr UINT16 gTopRowOffset = 19;
 
-// How far a fan's controls follow a command. Fan 5's share is its kind's.
-enum COMMAND_SHARE : UINT8 {
-    SHARE_CURVE,       // box, frame and nodes
-    SHARE_BOX_SLIDER,  // box and slider; the nodes keep the places that the user gave them
-    SHARE_HELD_SLIDER, // the same for a fan 5 of 6 rows
-    SHARE_SLIDER,      // slider alone, and only if the fan is present
-    SHARE_NONE,
+// The layouts by which a command goes, those of fans that aren't there among them: asked of the board once a command.
+struct FAN_LAYOUTS {
+    FAN_PAGE_LAYOUT Of[gFanItemCount];
 };
 
-COMMAND_SHARE ShareOf(const FAN_PAGE* Page, UINT8 Kind)
+FAN_LAYOUTS LayoutsNow()
 {
-    switch (gFirstFanItem + IndexOfFanPage(Page)) {
-    case 4:
-        return SHARE_CURVE;
-    case 5:
-        return Kind == 1 ? SHARE_CURVE : Kind == 0 ? SHARE_HELD_SLIDER : SHARE_NONE;
-    case 6:
-    case 7:
-    case 8:
-        return SHARE_BOX_SLIDER;
-    default:
-        return SHARE_SLIDER;
+    FAN_LAYOUTS Layouts = {};
+    for (const FAN_PAGE& Page : gFanPage) {
+        Layouts.Of[IndexOfFanPage(&Page)] = LayoutNow(&Page);
     }
+    return Layouts;
 }
 
 bool IsPresent(const FAN_PAGE* Page) { return gItemPresent[gFirstFanItem + IndexOfFanPage(Page)] == 1; }
@@ -51,13 +40,6 @@ VOID RaiseSlider(FAN_PAGE* Page)
     }
 }
 
-VOID RestoreSlider(FAN_PAGE* Page)
-{
-    if (PageHasSlider(Page)) {
-        (void)SetSliderLevel(&Page->Slider, LegalFixedLevel(Page->Setting.FixedLevel, Page->Slider.Rows));
-    }
-}
-
 // --- Repainting the page on top ---
 
 VOID DrawBox(FAN_PAGE* Page)
@@ -74,79 +56,64 @@ VOID RepaintSlider(FAN_PAGE* Page)
     }
 }
 
-VOID RepaintPageOnTop(UINT8 Kind, bool IsCancel, bool ByButton)
+VOID RepaintPageOnTop(const FAN_LAYOUTS& Layouts, bool IsCancel, bool ByButton)
 {
     FAN_PAGE* Page = FanPageOnTop();
     if (Page == nullptr) {
         return;
     }
-    switch (ShareOf(Page, Kind)) {
-    case SHARE_CURVE:
+    switch (Layouts.Of[IndexOfFanPage(Page)]) {
+    case FAN_LAYOUT_CURVE8:
         if (PageHasFrame(Page)) {
             ShowDragDropFrame(&Page->Frame);
         }
         DrawBox(Page);
         break;
-    case SHARE_HELD_SLIDER:
+    case FAN_LAYOUT_CURVE6:
         DrawBox(Page);
         ApplyFanBox(Page, ByButton);
         break;
-    case SHARE_BOX_SLIDER:
+    case FAN_LAYOUT_CURVE6_SLIDER:
         DrawBox(Page);
         ApplyFanBox(Page, ByButton);
         // After Full speed and Default the slider is repainted even over a frame that has come to the front; the next
         // tick of the chart brings the right control back. That is meant.
-        if (Page->Layout == FAN_LAYOUT_CURVE6_SLIDER && !(IsCancel && PageBoxIsChecked(Page))) {
+        if (!(IsCancel && PageBoxIsChecked(Page))) {
             RepaintSlider(Page);
         }
         break;
-    case SHARE_SLIDER:
+    case FAN_LAYOUT_SLIDER:
         RepaintSlider(Page);
         break;
-    case SHARE_NONE:
+    case FAN_LAYOUT_NONE:
         break;
     }
 }
 
 // --- Following what the service holds ---
 
-VOID FollowSetting(FAN_PAGE* Page, COMMAND_SHARE Share)
+VOID FollowSetting(FAN_PAGE* Page, FAN_PAGE_LAYOUT Layout)
 {
-    if (Share == SHARE_NONE || (Share == SHARE_SLIDER && !IsPresent(Page))) {
+    if (Layout == FAN_LAYOUT_NONE || (Layout == FAN_LAYOUT_SLIDER && !IsPresent(Page))) {
         return;
     }
     (void)ReadFanSetting(Page, &Page->Setting);
     const UINT8 State = Page->Setting.CurveEnabled != 0 ? 1 : 0;
-    switch (Share) {
-    case SHARE_CURVE:
-        SetBox(Page, State);
+    SetBox(Page, State);
+    if (Layout == FAN_LAYOUT_CURVE8) {
         Page->Frame.Linked = State;
-        RestoreFanNodes(Page);
-        break;
-    case SHARE_HELD_SLIDER:
-        SetBox(Page, State);
-        RestoreFanNodes(Page);
-        break;
-    case SHARE_BOX_SLIDER:
-        SetBox(Page, State);
-        RestoreSlider(Page);
-        break;
-    case SHARE_SLIDER:
-        RestoreSlider(Page);
-        break;
-    case SHARE_NONE:
-        break;
     }
+    RestoreFanNodes(Page);
 }
 
 EFI_STATUS RunReadBackCommand(EFI_STATUS (*Command)(HW_SERVICE_PROTOCOL*), bool IsCancel, bool ByButton)
 {
-    const UINT8 Kind = AskFanKind();
+    const FAN_LAYOUTS Layouts = LayoutsNow();
     const EFI_STATUS Status = Command(gHwService);
     for (FAN_PAGE& Page : gFanPage) {
-        FollowSetting(&Page, ShareOf(&Page, Kind));
+        FollowSetting(&Page, Layouts.Of[IndexOfFanPage(&Page)]);
     }
-    RepaintPageOnTop(Kind, IsCancel, ByButton);
+    RepaintPageOnTop(Layouts, IsCancel, ByButton);
     return Status;
 }
 
@@ -154,20 +121,20 @@ EFI_STATUS RunReadBackCommand(EFI_STATUS (*Command)(HW_SERVICE_PROTOCOL*), bool 
 
 EFI_STATUS AllFansFullSpeed(EFI_EVENT Event, VOID*)
 {
-    const UINT8 Kind = AskFanKind();
+    const FAN_LAYOUTS Layouts = LayoutsNow();
     for (FAN_PAGE& Page : gFanPage) {
-        const COMMAND_SHARE Share = ShareOf(&Page, Kind);
-        if (Share == SHARE_SLIDER && !IsPresent(&Page)) {
+        const FAN_PAGE_LAYOUT Layout = Layouts.Of[IndexOfFanPage(&Page)];
+        if (Layout == FAN_LAYOUT_SLIDER && !IsPresent(&Page)) {
             continue;
         }
         SetBox(&Page, 0); // fan 5's box falls whatever its kind
-        if (Share == SHARE_CURVE) {
+        if (Layout == FAN_LAYOUT_CURVE8) {
             Page.Frame.Linked = 0;
-        } else if (Share != SHARE_NONE) {
+        } else if (Layout != FAN_LAYOUT_NONE) {
             RaiseSlider(&Page);
         }
     }
-    RepaintPageOnTop(Kind, false, Event != nullptr);
+    RepaintPageOnTop(Layouts, false, Event != nullptr);
     return gHwService->SetAllFansFullSpeed(gHwService);
 }
 

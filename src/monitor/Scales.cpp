@@ -108,9 +108,7 @@ ACTIVE_SCALE GetActiveScale(UINT32* Top)
     ACTIVE_SCALE Scale = ACTIVE_SCALE_NONE;
     for (const FAN_PAGE& Page : gFanPage) {
         if (NodeIsInHand(Page)) {
-            // Only the frames of fans 4 and 5 can have 8 rows; fan 4's always has.
-            const UINTN Index = IndexOfFanPage(&Page);
-            Scale = Index == 0 || (Index == 1 && Page.Frame.Rows == gScaleRows8) ? ACTIVE_SCALE_8 : ACTIVE_SCALE_6;
+            Scale = Page.Frame.Rows == gScaleRows8 ? ACTIVE_SCALE_8 : ACTIVE_SCALE_6;
             *Top = Page.Frame.Rect.Y - 1;
             break;
         }
