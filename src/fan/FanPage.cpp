@@ -28,16 +28,12 @@ constexpr UINT32 gFanBoxSection = 19;   // BMP
 constexpr UINT32 gTabY = 118;
 constexpr UINT16 gTabTextX = 0;
 constexpr UINT16 gTabTextY = 38;
-constexpr UINT32 gFanBackdropY = 181;
 constexpr UINT32 gFanBoxX = 286;
 constexpr UINT32 gFanBoxY = 232;
 
-constexpr UINT32 gTempBackdropX = 165;
 constexpr UINT32 gRadioX = 55;
 constexpr UINT16 gRadioTextX = 56;
 constexpr UINT16 gRadioTextY = 7;
-// Backdrop and radio of each temperature source. The third row keeps the pitch of the first two.
-constexpr UINT32 gTemperatureRowY[gTemperatureItemCount] = {296, 333, 370};
 
 // Vendor of the temperature history, which all charts share.
 constexpr EFI_GUID gChartTemperatureGuid = {
@@ -46,25 +42,24 @@ constexpr EFI_GUID gChartTemperatureGuid = {
 struct FAN_PAGE_FACTS {
     FAN_PAGE_LAYOUT Layout; // FAN_LAYOUT_NONE: the board decides
     UINT32 TabX;
-    UINT32 BackdropX;
     EFI_GUID RpmGuid; // vendor of the speed history
 };
 
-// The tab of item 8 lies one pixel right of the pitch and its backdrop doesn't; that is meant.
+// The tab of item 8 lies one pixel right of the pitch and its readout doesn't; that is meant.
 constexpr FAN_PAGE_FACTS gFanPageFacts[gFanItemCount] = {
-    {FAN_LAYOUT_CURVE8, 275, 275,
+    {FAN_LAYOUT_CURVE8, 275,
      {0xFE2A31D4, 0xE344, 0x4B1C, {0xAC, 0x0A, 0x54, 0xB6, 0x99, 0xBA, 0xEB, 0xF6}}},
-    {FAN_LAYOUT_NONE, 374, 374,
+    {FAN_LAYOUT_NONE, 374,
      {0x55D26D12, 0x33F2, 0x4000, {0xB1, 0x7D, 0xD2, 0x20, 0xFD, 0xB3, 0xB5, 0xF2}}},
-    {FAN_LAYOUT_CURVE6, 473, 473,
+    {FAN_LAYOUT_CURVE6, 473,
      {0xAEFF8490, 0xBEDF, 0x460D, {0xBE, 0x5F, 0x62, 0x99, 0x7F, 0x9B, 0x2D, 0xA5}}},
-    {FAN_LAYOUT_CURVE6_SLIDER, 572, 572,
+    {FAN_LAYOUT_CURVE6_SLIDER, 572,
      {0x9F2A1282, 0x0C21, 0x48A8, {0x8F, 0x51, 0x7E, 0x42, 0xF5, 0x0C, 0x01, 0xC4}}},
-    {FAN_LAYOUT_CURVE6_SLIDER, 672, 671,
+    {FAN_LAYOUT_CURVE6_SLIDER, 672,
      {0xC352DF79, 0x3511, 0x4D1F, {0x99, 0xF4, 0xD1, 0xBC, 0x4A, 0xB1, 0x9F, 0xA1}}},
-    {FAN_LAYOUT_SLIDER, 770, 770,
+    {FAN_LAYOUT_SLIDER, 770,
      {0x659F4BA5, 0x4D74, 0x46DB, {0x8F, 0x50, 0xBF, 0x9C, 0xD4, 0x4A, 0x26, 0xA3}}},
-    {FAN_LAYOUT_SLIDER, 869, 869,
+    {FAN_LAYOUT_SLIDER, 869,
      {0xE20DC3DF, 0x0041, 0x4A25, {0xB3, 0x04, 0x76, 0xF1, 0x6B, 0x07, 0x76, 0xFD}}},
 };
 
@@ -174,13 +169,13 @@ VOID CreateTemperatureRows()
         if (!IsPresent(gFirstTemperatureItem + Source)) {
             continue;
         }
-        const UINT32 Y = gTemperatureRowY[Source];
+        const READOUT& Readout = gReadout[Source];
         if (gTempReadoutBackdrop != nullptr) {
-            (void)PasteBlt(gTempReadoutBackdrop, gTempReadoutBackdropWidth, gTempReadoutBackdropHeight, gTempBackdropX,
-                           Y, gGuiCore->Screen);
+            (void)PasteBlt(gTempReadoutBackdrop, gTempReadoutBackdropWidth, gTempReadoutBackdropHeight, Readout.X,
+                           Readout.Y, gGuiCore->Screen);
         }
         const TEMPORARY<CHAR16> Name(gHwService->GetItemString(gHwService, Source));
-        (void)CreateCheckBox(&gTemperatureRadio[Source], Name.Data, gRadioX, Y, gRadioSection, &gArtworkFileGuid,
+        (void)CreateCheckBox(&gTemperatureRadio[Source], Name.Data, gRadioX, Readout.Y, gRadioSection, &gArtworkFileGuid,
                              CHECK_BOX_JPEG, gRadioTextX, gRadioTextY);
         if (gTemperatureRadio[Source] != nullptr && gTemperaturePageBar != nullptr) {
             (void)AddPageBarCheckBox(gTemperaturePageBar, gTemperatureRadio[Source], OnTemperatureSourceSelected);
@@ -228,6 +223,7 @@ VOID CreatePanelControls(FAN_PAGE* Page)
 {
     const FAN_PAGE_FACTS& Facts = gFanPageFacts[IndexOfFanPage(Page)];
     const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
+    const READOUT& Readout = gFanReadout[IndexOfFanPage(Page)];
     const GUI_RECT* ChartRect = nullptr;
 
     if (LayoutHasFrame(Page->Layout)) {
@@ -251,8 +247,8 @@ VOID CreatePanelControls(FAN_PAGE* Page)
         Page->Slider.Inverted = 1; // live while the box isn't checked
     }
     if (gFanReadoutBackdrop != nullptr) {
-        (void)PasteBlt(gFanReadoutBackdrop, gFanReadoutBackdropWidth, gFanReadoutBackdropHeight, Facts.BackdropX,
-                       gFanBackdropY, gGuiCore->Screen);
+        (void)PasteBlt(gFanReadoutBackdrop, gFanReadoutBackdropWidth, gFanReadoutBackdropHeight, Readout.X,
+                       Readout.Y, gGuiCore->Screen);
     }
 }
 

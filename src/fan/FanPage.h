@@ -55,6 +55,26 @@ extern FAN_PAGE gFanPage[gFanItemCount];
 // One a temperature source, null for a source that isn't present.
 extern CHECK_BOX_COMPONENT* gTemperatureRadio[gTemperatureItemCount];
 
+// A readout: its backdrop, the number in it, and the unit right of the number's box.
+struct READOUT {
+    UINT8 Item;
+    UINT32 X; // of the backdrop
+    UINT32 Y;
+    UINT32 NumberX;
+    const CHAR16* Unit;
+};
+constexpr UINT32 gReadoutTextY = 8;        // of number and unit, below the backdrop's edge
+constexpr UINT32 gReadoutNumberWidth = 40;
+
+// The temperature sources from the top, then the fans from the left.
+inline constexpr READOUT gReadout[gTemperatureItemCount + gFanItemCount] = {
+    {0, 165, 296, 181, u"\u00F8C"}, {1, 165, 333, 181, u"\u00F8C"}, {2, 165, 370, 181, u"\u00F8C"},
+    {4, 275, 181, 281, u" RPM"},    {5, 374, 181, 380, u" RPM"},    {6, 473, 181, 479, u" RPM"},
+    {7, 572, 181, 578, u" RPM"},    {8, 671, 181, 677, u" RPM"},    {9, 770, 181, 776, u" RPM"},
+    {10, 869, 181, 875, u" RPM"},
+};
+inline constexpr const READOUT* gFanReadout = gReadout + gTemperatureItemCount;
+
 // Pictures under a fan's and under a temperature's readout. Loaded by the shell before the pages are built, and freed
 // by it.
 extern PIXEL* gFanReadoutBackdrop;

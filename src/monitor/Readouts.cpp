@@ -1,5 +1,6 @@
 #include "monitor/Readouts.h"
 
+#include "fan/FanPage.h"
 #include "graphics/Text.h"
 #include "gui/core/GUICore.h"
 #include "shell/contract/Board.h"
@@ -20,12 +21,6 @@ constexpr GAUGE_FACTS gGaugeFacts[gVoltageItemCount] = {
 constexpr UINT32 gGaugeY = 624;
 constexpr UINT32 gGaugeWidth = 127;
 constexpr UINT32 gGaugeHeight = 81;
-
-// Boxes of the numbers.
-constexpr UINT32 gTemperatureX = 181;
-constexpr UINT32 gTemperatureY[gTemperatureItemCount] = {304, 341, 378};
-constexpr UINT32 gFanX[gFanItemCount] = {281, 380, 479, 578, 677, 776, 875};
-constexpr UINT32 gFanY = 189;
 
 // The rotations. The readouts read at every second step and rest at the others, and so do the gauges' paintings.
 constexpr UINT64 gReadoutSteps = 14;
@@ -52,32 +47,32 @@ READING ReadItem(UINTN Item)
     return Reading;
 }
 
-VOID DrawReadout(UINT32 X, UINT32 Y, UINT64 Value, const PIXEL* Color)
+VOID DrawReadout(const READOUT& Readout, UINT64 Value, const PIXEL* Color)
 {
     CHAR16 Text[gValueTextLength] = {u'0'};
     if (Value != 0) {
         ValueToString(Text, static_cast<INT64>(Value));
     }
-    (void)DrawString(X, Y, Text, DRAW_STRING_BOX, Color, &gReadoutBackColor, gGuiCore);
+    (void)DrawString(Readout.NumberX, Readout.Y + gReadoutTextY, Text, DRAW_STRING_BOX, Color, &gReadoutBackColor,
+                     gGuiCore);
 }
 
 // Drawn when this very reading says that the source is there.
-VOID UpdateTemperature(UINTN Source)
+VOID UpdateTemperature(const READOUT& Readout)
 {
-    const READING Reading = ReadItem(gFirstTemperatureItem + Source);
+    const READING Reading = ReadItem(Readout.Item);
     if (Reading.Present == 1) {
-        DrawReadout(gTemperatureX, gTemperatureY[Source], Reading.Value, &gReadoutColor);
+        DrawReadout(Readout, Reading.Value, &gReadoutColor);
     }
 }
 
 // Drawn when the fan was there at the start. The number of the fan whose page is on top is the bright one.
-VOID UpdateFan(UINTN Fan)
+VOID UpdateFan(const READOUT& Readout)
 {
-    const UINTN Item = gFirstFanItem + Fan;
-    const READING Reading = ReadItem(Item);
-    if (gItemPresent[Item] == 1) {
-        const bool OnTop = gGlobalVariable.SelectedFanItem == Item;
-        DrawReadout(gFanX[Fan], gFanY, Reading.Value, OnTop ? &gReadoutSelectedColor : &gLabelColor);
+    const READING Reading = ReadItem(Readout.Item);
+    if (gItemPresent[Readout.Item] == 1) {
+        const bool OnTop = gGlobalVariable.SelectedFanItem == Readout.Item;
+        DrawReadout(Readout, Reading.Value, OnTop ? &gReadoutSelectedColor : &gLabelColor);
     }
 }
 
@@ -131,9 +126,9 @@ VOID UpdateReadouts()
     }
     const UINTN Place = gReadoutStep / 2;
     if (Place < gTemperatureItemCount) {
-        UpdateTemperature(Place);
+        UpdateTemperature(gReadout[Place]);
     }
-    UpdateFan(Place);
+    UpdateFan(gFanReadout[Place]);
 }
 
 VOID SampleVoltage()

@@ -17,14 +17,6 @@ namespace {
 constexpr UINT32 gGaugeCaptionX = 69;
 constexpr UINT32 gGaugeCaptionY = 600;
 
-constexpr UINT32 gTemperatureUnitX = 221;
-constexpr UINT32 gTemperatureUnitY[gTemperatureItemCount] = {304, 341, 378};
-constexpr CHAR16 gTemperatureUnit[] = u"\u00F8C";
-
-constexpr UINT32 gFanUnitX[gFanItemCount] = {321, 420, 519, 618, 717, 816, 915};
-constexpr UINT32 gFanUnitY = 189;
-constexpr CHAR16 gFanUnit[] = u" RPM";
-
 VOID DrawText(UINT32 X, UINT32 Y, const CHAR16* Text, const PIXEL& Color, const PIXEL& Ground)
 {
     (void)DrawString(X, Y, Text, DRAW_STRING_KEYED, &Color, &Ground, gGuiCore);
@@ -53,14 +45,10 @@ VOID PaintFirstScreen()
     DrawText(gPanelTitleX, gPanelTitleY, Title, gHeadingColor, gHeadingBackColor);
     FreePool(Title);
 
-    for (UINTN Source = 0; Source < gTemperatureItemCount; Source++) {
-        if (gItemPresent[gFirstTemperatureItem + Source] == 1) {
-            DrawText(gTemperatureUnitX, gTemperatureUnitY[Source], gTemperatureUnit, gLabelColor, gLabelBackColor);
-        }
-    }
-    for (UINTN Fan = 0; Fan < gFanItemCount; Fan++) {
-        if (gItemPresent[gFirstFanItem + Fan] == 1) {
-            DrawText(gFanUnitX[Fan], gFanUnitY, gFanUnit, gLabelColor, gLabelBackColor);
+    for (const READOUT& Readout : gReadout) {
+        if (gItemPresent[Readout.Item] == 1) {
+            DrawText(Readout.NumberX + gReadoutNumberWidth, Readout.Y + gReadoutTextY, Readout.Unit, gLabelColor,
+                     gLabelBackColor);
         }
     }
     (void)CreateFanLegend();
