@@ -150,15 +150,4 @@ TEST(AllFans, DefaultRepaintsASliderEvenOverAFrameAndCancelDoesNot)
     Run.ExpectSame("before", "tick", CellArea(SIX_ROWS, NodeCell(SIX_ROWS, 3)).Part(10, 12, 10, 10));
 }
 
-TEST(AllFans, ALetterDuringADragActsAtOnceAndTheDropIsStillWritten)
-{
-    const PLACE Node1 = NodePlace(EIGHT_ROWS, 1);
-    SCENE Scene;
-    const TURN Command = Scene.Move(Node1).Press().Turns(2).Move(Node1.By(30, 0)).Key("f").Mark();
-    const RUN Run = Scene.Turns().Release(300000).Turns(2).Play();
-    EXPECT_EQ(FanCalls(Run, Command), CALLS{gFullSpeed});
-    EXPECT_EQ(Run.OrderInTurn(Command, {"Blt", gFullSpeed})[0], "Blt"); // the drag's step comes first
-    EXPECT_EQ(Run.Writes(), WRITES{SettingOf(4).Node(1, {1, 0}).Level(1)});
-}
-
 } // namespace

@@ -415,35 +415,3 @@ std::vector<RUN> PlayWithoutOneComponent(SCENE Scene)
     }
     return Runs;
 }
-
-std::vector<std::string> RUN::Settings(int Fan) const
-{
-    std::vector<std::string> Records;
-    for (const CALL_LINE& Line : Named("SetFan" + std::to_string(Fan) + "Setting")) {
-        Records.push_back(Line.Text("record"));
-    }
-    return Records;
-}
-
-std::string RUN::LastSetting(int Fan) const
-{
-    const std::vector<std::string> Records = Settings(Fan);
-    return Records.empty() ? "" : Records.back();
-}
-
-std::vector<std::string> RUN::AllSettings() const
-{
-    std::vector<std::string> Found;
-    for (const WRITE& Write : Writes()) {
-        Found.push_back(std::to_string(Write.Fan) + ":" + HexOf(Write));
-    }
-    return Found;
-}
-
-std::string Record(const std::string& FirstBytesInHex) { return HexOf(SettingFromBytes(0, FirstBytesInHex)); }
-
-bool SameRectangle(const PICTURE& A, const PICTURE& B, UINTN X, UINTN Y, UINTN Width, UINTN Height)
-{
-    PLACE First;
-    return !FindDifference(A, B, AreaAt(X, Y, Width, Height), &First);
-}

@@ -89,10 +89,6 @@ struct RUN {
     WRITES Writes(UINT64 Start) const;
     WRITES WritesInTurn(TURN Turn) const { return WritesOf(InTurn(Turn)); }
 
-    std::vector<std::string> Settings(int Fan) const; // records in hex
-    std::string LastSetting(int Fan) const;
-    std::vector<std::string> AllSettings() const; // "fan:record"
-
     const PICTURE& Picture(const std::string& Name) const;
     // See ExpectSamePicture.
     void ExpectSame(const std::string& A, const std::string& B, const AREA& Area = gScreen,
@@ -158,18 +154,6 @@ struct SCENE {
     // The turn in which the last move was taken: a click's, a drop's, a key's; else the last so far.
     TURN Mark() const { return {Taken, Start}; }
 
-    // Places in numbers, for scenes that haven't names for them yet.
-    SCENE& Move(int X, int Y) { return Move(PLACE{X, Y}); }
-    SCENE& Click(int X, int Y) { return Click(PLACE{X, Y}); }
-    SCENE& Drag(int X, int Y, const std::vector<std::pair<int, int>>& Through)
-    {
-        std::vector<PLACE> Places;
-        for (const auto& [AtX, AtY] : Through) {
-            Places.push_back({AtX, AtY});
-        }
-        return Drag(PLACE{X, Y}, Places);
-    }
-
     // Plays the scene to its end. Fails the test when the session couldn't run, when the firmware had something to
     // complain of, when pool is still held, or when a service got a record that no fan should get.
     RUN Play() const;
@@ -180,22 +164,6 @@ private:
     UINT64 Taken = 0;
     int PageOnTop = gFirstFan;
 };
-
-// Records in hex and areas in numbers, for tests that haven't names for them yet.
-std::string Record(const std::string& FirstBytesInHex);
-inline UINT32 PixelAt(const PICTURE& Picture, UINTN X, UINTN Y)
-{
-    return PixelAt(Picture, {static_cast<int>(X), static_cast<int>(Y)});
-}
-inline AREA AreaAt(UINTN X, UINTN Y, UINTN Width, UINTN Height)
-{
-    return {static_cast<int>(X), static_cast<int>(Y), static_cast<int>(Width), static_cast<int>(Height)};
-}
-bool SameRectangle(const PICTURE& A, const PICTURE& B, UINTN X, UINTN Y, UINTN Width, UINTN Height);
-inline UINTN CountColor(const PICTURE& Picture, UINT32 Color, UINTN X, UINTN Y, UINTN Width, UINTN Height)
-{
-    return CountColor(Picture, Color, AreaAt(X, Y, Width, Height));
-}
 
 // A board with these items alone.
 SCENE SceneWithOnly(const std::vector<int>& Items);

@@ -19,8 +19,8 @@ TEST(OwnSensors, OnlyADragWritesAndTheCancelButtonTakesItBackOnEveryPage)
     SCENE Look;
     Look.Options.Source = &Board;
     Look.Ticks(3).Screenshot("pages");
-    for (const int Tab : {374, 473, 770, 275, 473}) {
-        Look.Click(Tab + 40, 150).Ticks(2);
+    for (const int Fan : {5, 6, 9, 4, 6}) {
+        Look.Tab(Fan).Ticks(2);
     }
     (void)Look.Play();
     EXPECT_EQ(Tree.Bytes(), Before) << "looking at pages writes nothing";
@@ -28,17 +28,17 @@ TEST(OwnSensors, OnlyADragWritesAndTheCancelButtonTakesItBackOnEveryPage)
     // The fourth node of a page of six levels, from 70 degrees and 90 % to 85 degrees and 100 %.
     SCENE Drag;
     Drag.Options.Source = &Board;
-    Drag.Ticks(3).Click(513, 150).Ticks(2).Drag(577, 323, {{600, 300}, {667, 283}}).Ticks(2);
+    Drag.Ticks(3).Tab(6).Ticks(2).Drag({577, 323}, {{600, 300}, {667, 283}}).Ticks(2);
     const RUN Run = Drag.Play();
-    ASSERT_EQ(Run.Settings(6).size(), 2u) << "the tab's and the drag's";
+    ASSERT_EQ(Run.Writes().size(), 2u) << "the tab's and the drag's";
     EXPECT_EQ(Tree.Text("hwmon10/pwm3_auto_point4_temp"), "85000");
     EXPECT_EQ(Tree.Text("hwmon10/pwm3_auto_point4_pwm"), "255");
     EXPECT_EQ(Tree.Text("hwmon10/pwm3_auto_point1_pwm"), "128");
 
     SCENE Cancel;
     Cancel.Options.Source = &Board;
-    Cancel.Ticks(3).Click(513, 150).Ticks(2).Drag(667, 283, {{690, 290}, {700, 283}}).Ticks(2);
-    Cancel.Click(893, 569).Ticks(2).Click(314, 150).Click(513, 150).Ticks(2);
+    Cancel.Ticks(3).Tab(6).Ticks(2).Drag({667, 283}, {{690, 290}, {700, 283}}).Ticks(2);
+    Cancel.Button(CANCEL).Ticks(2).Tab(4).Tab(6).Ticks(2);
     (void)Cancel.Play();
     EXPECT_EQ(Tree.Bytes(), Before);
     Board.Leave(false);

@@ -3,8 +3,7 @@
 
 namespace {
 
-constexpr int gFullSpeedX = 600;
-constexpr int gButtonY = 570;
+constexpr PLACE gFullSpeed = Button(FULL_SPEED).Center();
 
 std::vector<UINT64> IndicesOfWaits(const RUN& Run, UINT64 FirstTurn, UINT64 LastTurn)
 {
@@ -23,7 +22,7 @@ TEST(Timing, APressIsMeasuredInTimeWhateverTheTimersPeriod)
         for (const auto& [Held, Clicks] : {std::pair<UINT64, UINTN>{184990, 1}, {185010, 0}}) {
             SCENE Scene;
             Scene.Options.TimerPeriod = Femtoseconds;
-            const RUN Run = Scene.Move(gFullSpeedX, gButtonY).Press().Turns(3).Release(Held).Turns(3).Play();
+            const RUN Run = Scene.Move(gFullSpeed).Press().Turns(3).Release(Held).Turns(3).Play();
             EXPECT_EQ(Run.Named("SetAllFansFullSpeed").size(), Clicks) << Femtoseconds << " fs, " << Held << " us";
         }
     }
@@ -33,23 +32,17 @@ TEST(Timing, SlowSensorsHoldUpNeitherTheTickNorAClick)
 {
     // Each turn finds its tick due, though one with five readings takes as long as a tick. The three readings between
     // press and release stay below the length of a click.
-    const RUN Run = SCENE()
-                        .Line("slow GetItemValue 40000")
-                        .Ticks(10)
-                        .Move(gFullSpeedX, gButtonY)
-                        .Turns()
-                        .Press()
-                        .Release()
-                        .Turns(3)
-                        .Play();
+    SCENE Scene;
+    Scene.Line("slow GetItemValue 40000").Ticks(10).Hover(gFullSpeed).Press().Release().Turns(3);
+    const RUN Run = Scene.Play();
     EXPECT_EQ(IndicesOfWaits(Run, 2, 10), std::vector<UINT64>(9, 1));
     EXPECT_EQ(Run.Named("SetAllFansFullSpeed").size(), 1u);
 }
 
 TEST(Timing, ASlowDisplayLeavesADragWhereThePointerLetsGo)
 {
-    const RUN Run = SCENE().Line("slow Blt 30000").Ticks(2).Drag(577, 337, {{590, 320}, {606, 307}}).Ticks(2).Play();
-    EXPECT_EQ(Run.Settings(4), std::vector<std::string>{Record("01 0a 08 04 01 02 04 07 08 00 01")});
+    const RUN Run = SCENE().Line("slow Blt 30000").Ticks(2).Drag(NodePlace(EIGHT_ROWS, 2), {{590, 320}, {606, 307}}).Ticks(2).Play();
+    EXPECT_EQ(Run.Writes(), WRITES{SettingOf(4).Node(2, {1, -1}).Level(1)});
 }
 
 TEST(Timing, ASlowStartTellsEachTimerOnceHoweverManyOfItsPeriodsWentBy)

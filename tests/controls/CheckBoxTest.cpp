@@ -43,48 +43,7 @@ struct CHECK_BOX : TOOLKIT {
         (void)SetCheckBoxState(nullptr, Box);
         gGuiCore->MouseState = NOEVENT;
     }
-    // The frame that Screen shows at the box; -1 for none.
-    int Frame() const
-    {
-        for (int I = 0; I < 4; I++) {
-            bool Same = true;
-            for (UINTN At = 0; At < 400 && Same; At++) {
-                Same = ColorAt(gGuiCore->Screen, 286 + At % 20, 232 + At / 20) == ColorOf(Box->Frame[I][At]);
-            }
-            if (Same) {
-                return I;
-            }
-        }
-        return -1;
-    }
 };
-
-TEST_F(CHECK_BOX, ComesUpCheckedAndFollowsPointerAndClick)
-{
-    EXPECT_EQ(Box->State, 1);
-    EXPECT_EQ(Box->Rect.Width, 20u);
-    EXPECT_EQ(Box->Rect.Height, 20u);
-    const auto Hover = [this](UINT32 Phase) {
-        gGuiCore->HitId = Box->Id;
-        gGuiCore->HoverPhase = Phase;
-        EXPECT_EQ(OnCheckBoxEvent(nullptr, Box), EFI_SUCCESS);
-        gGuiCore->HoverPhase = HOVER_NONE;
-        return Frame();
-    };
-    (void)SetCheckBoxState(nullptr, Box);
-    EXPECT_EQ(Frame(), 0);
-    EXPECT_EQ(Hover(HOVER_ENTERED), 2);
-    EXPECT_EQ(Hover(HOVER_LEFT), 0);
-    Click(290, 240);
-    EXPECT_EQ(Box->State, 0);
-    EXPECT_EQ(Frame(), 1) << "the click ends with the frame at rest";
-    EXPECT_EQ(Hover(HOVER_ENTERED), 3);
-    EXPECT_EQ(Hover(HOVER_LEFT), 1);
-
-    gGuiCore->HitId = 0;
-    gGuiCore->LastHitId = 0;
-    EXPECT_EQ(OnCheckBoxEvent(nullptr, Box), EFI_NOT_FOUND);
-}
 
 TEST_F(CHECK_BOX, RunsItsLinksAtAClickAndMirrorsAlways)
 {
@@ -169,20 +128,6 @@ TEST_F(CHECK_BOX, LeavesTheEventsOfItsLinksToBeClosedLater)
     EXPECT_EQ(Boot->Events.Count(), Before) << "however many they are";
     CloseLeftLinkEvents();
     EXPECT_EQ(Boot->Events.Count(), Before) << "each is closed once";
-}
-
-TEST_F(CHECK_BOX, KeepsItsPicturesFreeOfThePointer)
-{
-    // Painted while the button is held over it, as a key's command does, and once more when the pointer has gone.
-    gGuiCore->PointerX = 288;
-    gGuiCore->PointerY = 234;
-    gGuiCore->MouseState = L_HOLD;
-    const std::vector<PIXEL> Before(Box->Images, Box->Images + 20 * 80);
-    DrawCheckBox(CHECK_BOX_CHECKED, Box);
-    gGuiCore->MouseState = NOEVENT;
-    for (UINTN I = 0; I < Before.size(); I++) {
-        ASSERT_EQ(ColorOf(Box->Images[I]), ColorOf(Before[I])) << "pixel " << I;
-    }
 }
 
 } // namespace

@@ -9,12 +9,12 @@ TEST(MinimalBoard, CarriesTheConsoleThroughACurveAndAllCommands)
     SCENE Scene;
     Scene.Options.Source = &gMinimalBoard;
     Scene.Ticks(3);
-    Scene.Drag(577, 337, {{606, 307}}); // the third node to 75 degrees and 87.5%
+    Scene.Node(2, {1, -1}); // the third node to 75 degrees and 87.5%
     Scene.Key("f").Ticks(3).Key("d").Ticks(3).Key("c").Ticks(3).Screenshot("end");
     const RUN Run = Scene.Play();
 
     EXPECT_EQ(Run.Session.Statuses, std::vector<EFI_STATUS>{EFI_SUCCESS});
-    EXPECT_EQ(Run.Settings(4), std::vector<std::string>{Record("01 0a 08 04 01 02 04 07 08 00 01")});
+    EXPECT_EQ(Run.Writes(), WRITES{SettingOf(4).Node(2, {1, -1}).Level(1)});
     EXPECT_EQ(Run.Named("SetAllFansFullSpeed").size(), 1u);
     EXPECT_EQ(Run.Named("LoadDefaultFanSettings").size(), 1u);
     EXPECT_EQ(Run.Named("RestoreFanSettings").size(), 1u);

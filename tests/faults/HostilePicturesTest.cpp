@@ -1,7 +1,7 @@
 // Pictures of other sizes than the layout counts on, and pictures that are damaged: drawn as far as they fit or left out.
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <span>
 #include <vector>
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
@@ -19,40 +19,21 @@ namespace {
 
 using BYTES = std::vector<UINT8>;
 
-struct SECTION {
-    ARTWORK_PACK_ENTRY Entry;
-    BYTES Bytes;
-};
+BYTES OwnPack() { return {gArtworkPack, gArtworkPack + gArtworkPackSize}; }
 
-std::vector<SECTION> ReadPack()
+std::span<ARTWORK_PACK_ENTRY> EntriesOf(BYTES& Pack)
 {
-    ARTWORK_PACK_HEADER Header;
-    std::memcpy(&Header, gArtworkPack, sizeof(Header));
-    std::vector<SECTION> Sections;
-    for (UINT32 At = 0; At < Header.Count; At++) {
-        SECTION Section;
-        std::memcpy(&Section.Entry, gArtworkPack + sizeof(Header) + At * sizeof(Section.Entry), sizeof(Section.Entry));
-        const UINT8* Data = gArtworkPack + Section.Entry.Offset;
-        Section.Bytes.assign(Data, Data + Section.Entry.Size);
-        Sections.push_back(Section);
-    }
-    return Sections;
+    return {reinterpret_cast<ARTWORK_PACK_ENTRY*>(Pack.data() + sizeof(ARTWORK_PACK_HEADER)),
+            reinterpret_cast<ARTWORK_PACK_HEADER*>(Pack.data())->Count};
 }
 
-BYTES WritePack(const std::vector<SECTION>& Sections)
+// Gives an entry of the pack other bytes, which go behind all others.
+VOID Replace(BYTES& Pack, size_t At, const BYTES& Bytes)
 {
-    BYTES Pack(sizeof(ARTWORK_PACK_HEADER) + Sections.size() * sizeof(ARTWORK_PACK_ENTRY));
-    ARTWORK_PACK_HEADER Header = {{}, static_cast<UINT32>(Sections.size()), 0};
-    std::memcpy(Header.Signature, "VTRPACK1", 8);
-    std::memcpy(Pack.data(), &Header, sizeof(Header));
-    for (size_t At = 0; At < Sections.size(); At++) {
-        ARTWORK_PACK_ENTRY Entry = Sections[At].Entry;
-        Entry.Offset = static_cast<UINT32>(Pack.size());
-        Entry.Size = static_cast<UINT32>(Sections[At].Bytes.size());
-        std::memcpy(Pack.data() + sizeof(Header) + At * sizeof(Entry), &Entry, sizeof(Entry));
-        Pack.insert(Pack.end(), Sections[At].Bytes.begin(), Sections[At].Bytes.end());
-    }
-    return Pack;
+    ARTWORK_PACK_ENTRY& Entry = EntriesOf(Pack)[At];
+    Entry.Offset = static_cast<UINT32>(Pack.size());
+    Entry.Size = static_cast<UINT32>(Bytes.size());
+    Pack.insert(Pack.end(), Bytes.begin(), Bytes.end());
 }
 
 void AppendTo(void* Bytes, void* Data, int Size)
@@ -62,7 +43,7 @@ void AppendTo(void* Bytes, void* Data, int Size)
 }
 
 // A picture of that size in the format of the one that it stands for.
-BYTES PictureLike(const BYTES& Stored, int Width, int Height)
+BYTES PictureLike(const UINT8* Stored, int Width, int Height)
 {
     const BYTES Pixels(static_cast<size_t>(Width) * static_cast<size_t>(Height) * 3, 0x80);
     BYTES Bytes;
@@ -82,9 +63,8 @@ std::string Use()
     return Scene.Hover({1023, 767}).Hover({0, 0}).Ticks(3).Script;
 }
 
-VOID Play(const std::vector<SECTION>& Sections)
+VOID Play(const BYTES& Pack)
 {
-    const BYTES Pack = WritePack(Sections);
     SESSION_OPTIONS Options;
     Options.Script = Use();
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
@@ -103,13 +83,14 @@ class EveryPicture : public testing::TestWithParam<std::pair<int, int>> {};
 // One picture alone has the size, in turn, and all at once.
 TEST_P(EveryPicture, OfAnotherSizeStaysWithinItsBounds)
 {
-    const std::vector<SECTION> Sections = ReadPack();
     const auto [Width, Height] = GetParam();
-    std::vector<SECTION> All = Sections;
-    for (size_t At = 0; At < Sections.size(); At++) {
-        SCOPED_TRACE("section " + std::to_string(Sections[At].Entry.Instance));
-        std::vector<SECTION> One = Sections;
-        One[At].Bytes = All[At].Bytes = PictureLike(Sections[At].Bytes, Width, Height);
+    BYTES All = OwnPack();
+    for (size_t At = 0; At < EntriesOf(All).size(); At++) {
+        SCOPED_TRACE("section " + std::to_string(EntriesOf(All)[At].Instance));
+        BYTES One = OwnPack();
+        const BYTES Picture = PictureLike(One.data() + EntriesOf(One)[At].Offset, Width, Height);
+        Replace(One, At, Picture);
+        Replace(All, At, Picture);
         if (!VENTARA_SANITIZED || At % 3 == 0) {
             Play(One);
         }
@@ -128,22 +109,22 @@ INSTANTIATE_TEST_SUITE_P(Of, EveryPicture,
 // Heights and widths of nothing, and sizes that no picture has, in the headers of both formats.
 TEST(EveryPicture, WithAnAbsurdHeaderIsLeftOut)
 {
-    const std::vector<SECTION> Sections = ReadPack();
     for (const UINT16 Side : {UINT16(0), UINT16(0xFFFF)}) {
         for (const bool IsHeight : {false, true}) {
-            std::vector<SECTION> All = Sections;
-            for (SECTION& Section : All) {
-                if (Section.Entry.File == ARTWORK_FILE_CURSOR) {
+            BYTES All = OwnPack();
+            for (const ARTWORK_PACK_ENTRY& Entry : EntriesOf(All)) {
+                if (Entry.File == ARTWORK_FILE_CURSOR) {
                     continue; // without it there is no start
                 }
+                UINT8* const Bytes = All.data() + Entry.Offset;
                 UINT8* Field = nullptr;
-                if (Section.Bytes[0] == 'B') {
-                    Field = Section.Bytes.data() + (IsHeight ? 22 : 18); // 32 bits, low end first
+                if (Bytes[0] == 'B') {
+                    Field = Bytes + (IsHeight ? 22 : 18); // 32 bits, low end first
                     Field[2] = Field[3] = 0;
                 }
-                for (size_t At = 2; Field == nullptr && At + 9 < Section.Bytes.size(); At++) {
-                    if (Section.Bytes[At] == 0xFF && (Section.Bytes[At + 1] & 0xFE) == 0xC0) {
-                        Field = Section.Bytes.data() + At + (IsHeight ? 5 : 7); // frame header
+                for (size_t At = 2; Field == nullptr && At + 9 < Entry.Size; At++) {
+                    if (Bytes[At] == 0xFF && (Bytes[At + 1] & 0xFE) == 0xC0) {
+                        Field = Bytes + At + (IsHeight ? 5 : 7); // frame header
                     }
                 }
                 ASSERT_NE(Field, nullptr);

@@ -31,25 +31,6 @@ PICTURE_OF_TEXT Render(const std::u16string& Text, const PIXEL* Ink = &gInk, con
 
 using TEXT = TOOLKIT;
 
-TEST_F(TEXT, IsCutToItsSizeWhateverPictureTheFirmwareGives)
-{
-    const PICTURE_OF_TEXT Wide = Render(u"12.5 \u00F8C");
-    Again(4);
-    const PICTURE_OF_TEXT Tight = Render(u"12.5 \u00F8C");
-    for (const PICTURE_OF_TEXT* Picture : {&Wide, &Tight}) {
-        EXPECT_EQ(Picture->Status, EFI_SUCCESS);
-        EXPECT_EQ(Picture->Width, 7 * 8);
-        EXPECT_EQ(Picture->Height, 19);
-        UINTN Ink = 0;
-        for (const UINT32 Color : Picture->Colors) {
-            EXPECT_TRUE(Color == ColorOf(gInk) || Color == ColorOf(gPaper)) << std::hex << Color;
-            Ink += Color == ColorOf(gInk) ? 1 : 0;
-        }
-        EXPECT_GT(Ink, 40u);
-    }
-    EXPECT_EQ(Wide.Colors, Tight.Colors);
-}
-
 TEST_F(TEXT, HasALimitByTheFirmwaresGeneration)
 {
     const struct {
@@ -90,37 +71,6 @@ std::vector<UINT32> OnGround(const PICTURE_OF_TEXT& Text, PIXEL Ground)
 
 using CALLS = std::vector<BLT_CALL>;
 
-TEST_F(TEXT, InVideoAndOpaqueModeMakesAPair)
-{
-    const PICTURE_OF_TEXT Picture = Render(u"Help");
-    (void)Blts();
-    EXPECT_EQ(DrawString(300, 200, u"Help", DRAW_STRING_VIDEO, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
-    EXPECT_EQ(Blts(), (CALLS{{300, 200, 32, 19, 128}})) << "the text alone, without the pointer";
-    EXPECT_EQ(Read(Display(), 300, 200, 32, 19), Picture.Colors);
-    EXPECT_EQ(ColorAt(gGuiCore->Screen, 300, 200), ColorOf(gScreenFill));
-
-    const std::vector<UINT32> Shown = Read(Display(), 500, 200, 32, 19);
-    EXPECT_EQ(DrawString(500, 200, u"Help", DRAW_STRING_OPAQUE, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
-    EXPECT_TRUE(Blts().empty());
-    EXPECT_EQ(Read(Display(), 500, 200, 32, 19), Shown);
-    EXPECT_EQ(Read(gGuiCore->Screen, 500, 200, 32, 19), Picture.Colors);
-}
-
-TEST_F(TEXT, InKeyedModeBringsItsLettersAlone)
-{
-    const PICTURE_OF_TEXT Picture = Render(u"RPM");
-    (void)Blts();
-    EXPECT_EQ(DrawString(300, 200, u"RPM", DRAW_STRING_KEYED, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
-    EXPECT_EQ(Blts(), (CALLS{{300, 200, 24, 19, 96}, {174, 196, 16, 24, 0}}));
-    EXPECT_EQ(Read(gGuiCore->Screen, 300, 200, 24, 19), OnGround(Picture, gScreenFill));
-    EXPECT_EQ(Read(Display(), 300, 200, 24, 19), OnGround(Picture, gScreenFill));
-
-    // Ink like paper: nothing is seen, and the place is composed all the same.
-    EXPECT_EQ(DrawString(500, 200, u"RPM", DRAW_STRING_KEYED, &gPaper, &gPaper, gGuiCore), EFI_SUCCESS);
-    EXPECT_EQ(Blts(), (CALLS{{500, 200, 24, 19, 96}, {174, 196, 16, 24, 0}}));
-    EXPECT_EQ(Read(gGuiCore->Screen, 500, 200, 24, 19), std::vector<UINT32>(24 * 19, ColorOf(gScreenFill)));
-}
-
 TEST_F(TEXT, InBoxModeStandsAtTheRightOfACleanBox)
 {
     const struct {
@@ -136,16 +86,6 @@ TEST_F(TEXT, InBoxModeStandsAtTheRightOfACleanBox)
         EXPECT_EQ(Read(gGuiCore->Screen, 300, 200, 40, 19), OnGround(Seen, gBackgroundFill));
         EXPECT_EQ(Read(Display(), 300, 200, 40, 19), OnGround(Seen, gBackgroundFill));
     }
-}
-
-TEST_F(TEXT, IsReportedWhenTheFirmwareHasNoFonts)
-{
-    Boot->Handles.Hide(gEfiHiiFontProtocolGuid);
-    const PICTURE_OF_TEXT Picture = Render(u"x");
-    EXPECT_EQ(Picture.Status, EFI_NOT_FOUND);
-    const std::string& Report = Boot->Consoles.ErrorText;
-    EXPECT_EQ(Report.substr(0, 16), "ASSERT Text.cpp(");
-    EXPECT_NE(Report.find("): gEfiHiiFontProtocolGuid was not loaded\n"), std::string::npos) << Report;
 }
 
 } // namespace

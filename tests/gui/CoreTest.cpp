@@ -6,10 +6,10 @@
 namespace {
 
 struct CORE : TOOLKIT {
-    UINT32 Register(UINT32 Kind, GUI_RECT Rect, EFI_EVENT Primary = nullptr)
+    UINT32 Register(UINT32 Kind, GUI_RECT Rect)
     {
         UINT32 Id = 0xFFFF;
-        EXPECT_EQ(RegisterComponent(gGuiCore->Components, nullptr, &Rect, Kind, &Id, Primary, nullptr, u"x"),
+        EXPECT_EQ(RegisterComponent(gGuiCore->Components, nullptr, &Rect, Kind, &Id, nullptr, nullptr, u"x"),
                   EFI_SUCCESS);
         return Id;
     }
@@ -64,31 +64,6 @@ TEST_F(CORE, HitsTheFirstRegisteredThatReacts)
     (void)Register(_BLT_BUF, {900, 700, 5, 5, 0});
     EXPECT_EQ(HitAt(20, 20), 0u);
     EXPECT_NE(Component(Passive), nullptr);
-}
-
-TEST_F(CORE, ClicksABoxOnlyWhileItIsActive)
-{
-    static int Clicks;
-    Clicks = 0;
-    EFI_EVENT Event = nullptr;
-    ASSERT_EQ(gBS->CreateEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK,
-                               [](EFI_EVENT, VOID*) {
-                                   Clicks++;
-                                   return EFI_SUCCESS;
-                               },
-                               nullptr, &Event),
-              EFI_SUCCESS);
-    const UINT32 Box = Register(_CHECK_BOX_COMPONENT, {10, 10, 50, 50, 0}, Event);
-    gGuiCore->MouseState = L_CLICK;
-    (void)HitAt(20, 20);
-    EXPECT_EQ(Clicks, 0);
-    Component(Box)->Active = 1;
-    (void)HitAt(20, 20);
-    EXPECT_EQ(Clicks, 1);
-    gGuiCore->MouseState = L_HOLD_TO_RELEASE;
-    (void)HitAt(20, 20);
-    EXPECT_EQ(Clicks, 1) << "a long press clicks nothing";
-    (void)gBS->CloseEvent(Event);
 }
 
 } // namespace
