@@ -71,6 +71,37 @@ std::vector<UINT32> OnGround(const PICTURE_OF_TEXT& Text, PIXEL Ground)
 
 using CALLS = std::vector<BLT_CALL>;
 
+TEST_F(TEXT, InVideoAndOpaqueModeMakesAPair)
+{
+    const PICTURE_OF_TEXT Picture = Render(u"Help");
+    (void)Blts();
+    EXPECT_EQ(DrawString(300, 200, u"Help", DRAW_STRING_VIDEO, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
+    EXPECT_EQ(Blts(), (CALLS{{300, 200, 32, 19, 128}})) << "the text alone, without the pointer";
+    EXPECT_EQ(Read(Display(), 300, 200, 32, 19), Picture.Colors);
+    EXPECT_EQ(ColorAt(gGuiCore->Screen, 300, 200), ColorOf(gScreenFill));
+
+    const std::vector<UINT32> Shown = Read(Display(), 500, 200, 32, 19);
+    EXPECT_EQ(DrawString(500, 200, u"Help", DRAW_STRING_OPAQUE, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
+    EXPECT_TRUE(Blts().empty());
+    EXPECT_EQ(Read(Display(), 500, 200, 32, 19), Shown);
+    EXPECT_EQ(Read(gGuiCore->Screen, 500, 200, 32, 19), Picture.Colors);
+}
+
+TEST_F(TEXT, InKeyedModeBringsItsLettersAlone)
+{
+    const PICTURE_OF_TEXT Picture = Render(u"RPM");
+    (void)Blts();
+    EXPECT_EQ(DrawString(300, 200, u"RPM", DRAW_STRING_KEYED, &gInk, &gPaper, gGuiCore), EFI_SUCCESS);
+    EXPECT_EQ(Blts(), (CALLS{{300, 200, 24, 19, 96}, {174, 196, 16, 24, 0}}));
+    EXPECT_EQ(Read(gGuiCore->Screen, 300, 200, 24, 19), OnGround(Picture, gScreenFill));
+    EXPECT_EQ(Read(Display(), 300, 200, 24, 19), OnGround(Picture, gScreenFill));
+
+    // Ink like paper: nothing is seen, and the place is composed all the same.
+    EXPECT_EQ(DrawString(500, 200, u"RPM", DRAW_STRING_KEYED, &gPaper, &gPaper, gGuiCore), EFI_SUCCESS);
+    EXPECT_EQ(Blts(), (CALLS{{500, 200, 24, 19, 96}, {174, 196, 16, 24, 0}}));
+    EXPECT_EQ(Read(gGuiCore->Screen, 500, 200, 24, 19), std::vector<UINT32>(24 * 19, ColorOf(gScreenFill)));
+}
+
 TEST_F(TEXT, InBoxModeStandsAtTheRightOfACleanBox)
 {
     const struct {
