@@ -50,15 +50,17 @@ TEST_F(PoolTest, FreeingWhatIsNoBlockIsRefusedAndComplainedOf)
     EXPECT_EQ(Complaints.Lines.size(), 3u);
 }
 
-TEST_F(PoolTest, WhatAStartHoldsIsListedWithoutOlderBlocks)
+TEST_F(PoolTest, AStartsBlocksAreListedAndItsLimitCountsWithoutOlderBlocks)
 {
     VOID* Older;
     VOID* Kept;
     VOID* Returned;
+    Pool.FailFrom = 3;
     ASSERT_EQ(Take(10, &Older), EFI_SUCCESS);
     Pool.BeginStart(1);
     ASSERT_EQ(Take(20, &Returned), EFI_SUCCESS);
     ASSERT_EQ(Take(30, &Kept), EFI_SUCCESS);
+    EXPECT_EQ(Take(40, &Older), EFI_OUT_OF_RESOURCES);
     ASSERT_EQ(Pool.Free(Returned, this), EFI_SUCCESS);
     const std::vector<POOL_BLOCK> Held = Pool.Held(1);
     ASSERT_EQ(Held.size(), 1u);
