@@ -25,7 +25,7 @@ fi
 [ -f build/debug/build.ninja ] || cmake --preset debug >/dev/null
 [ -f build/firmware/build.ninja ] ||
   cmake -S platform/firmware -B build/firmware -G Ninja --toolchain "$PWD/cmake/firmware-toolchain.cmake" >/dev/null
-ninja -C build/debug --quiet platform/host/font/SystemFontTable.inc >/dev/null
+ninja -C build/debug --quiet platform/board/font/SystemFontTable.inc >/dev/null
 
 status=0
 cppcheck --quiet --std=c++20 --language=c++ --enable=warning,performance,portability --inline-suppr --error-exitcode=1 \

@@ -253,12 +253,14 @@ template <CALL Call, auto Slot, auto Cover = COVER<Call, Slot>::Cross> constexpr
 template <UINTN Fan> constexpr OPERATION Getter(const char* Name)
 {
     return {GetterOf(Fan), Name, &gIdentity<HW_SERVICE_PROTOCOL>,
+            // cppcheck-suppress nullPointer ; Put is called with a table
             [](VOID* Table) { static_cast<HW_SERVICE_PROTOCOL*>(Table)->Fan[Fan].Get = GetFanSetting<Fan>; }};
 }
 
 template <UINTN Fan> constexpr OPERATION Setter(const char* Name)
 {
     return {SetterOf(Fan), Name, &gIdentity<HW_SERVICE_PROTOCOL>,
+            // cppcheck-suppress nullPointer ; Put is called with a table
             [](VOID* Table) { static_cast<HW_SERVICE_PROTOCOL*>(Table)->Fan[Fan].Set = SetFanSetting<Fan>; }};
 }
 

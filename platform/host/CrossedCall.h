@@ -33,6 +33,7 @@ template <typename T> CALL_ARGUMENT DescribeArgument(T Argument)
             Described.Kind = CALL_ARGUMENT::GUID;
         }
         if constexpr (std::is_object_v<POINTED>) {
+            // NOLINTNEXTLINE(bugprone-sizeof-expression): where the output is a pointer, that is what is overwritten
             Described.PointedSize = sizeof(POINTED);
         }
         return Described;

@@ -173,9 +173,14 @@ int ReadChipNumber(const std::string& Path, INT64* Number, bool Wait)
     if (const int Error = ReadChipText(Path, &Text, Wait)) {
         return Error;
     }
+    INT64 Value = 0;
     const char* Last = Text.data() + Text.size();
-    const auto [End, Bad] = std::from_chars(Text.data(), Last, *Number);
-    return Bad == std::errc() && End == Last ? 0 : EINVAL;
+    const auto [End, Bad] = std::from_chars(Text.data(), Last, Value);
+    if (Bad != std::errc() || End != Last) {
+        return EINVAL;
+    }
+    *Number = Value;
+    return 0;
 }
 
 int WriteChipText(const std::string& Path, const std::string& Text)
@@ -199,10 +204,12 @@ int SENSOR::Read(INT64* Value, bool Wait) const
     if (ReadChipNumber(Stem + "_fault", &Fault, Wait) == 0 && Fault != 0) {
         return ERANGE; // the chip says itself that its input can't be trusted
     }
-    if (const int Error = ReadChipNumber(Input(), Value, Wait)) {
+    INT64 Reading = 0;
+    if (const int Error = ReadChipNumber(Input(), &Reading, Wait)) {
         return Error;
     }
-    return *Value < gKinds[Kind].Lowest || *Value > gKinds[Kind].Highest ? ERANGE : 0;
+    *Value = Reading;
+    return Reading < gKinds[Kind].Lowest || Reading > gKinds[Kind].Highest ? ERANGE : 0;
 }
 
 bool BeginsWith(const std::string& Text, const std::string& Start)
