@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "platform/host/HostText.h"
+#include "tests/console/Places.h"
 
 namespace {
 
@@ -348,7 +349,11 @@ std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESUL
     UINT64 Count = 0;
     UINTN First = 0;
     for (UINTN At = 0; At < Expected.SameRows * gDisplayWidth; At++) {
-        if (Result.Display[At] != Reference.Display[At] && Count++ == 0) {
+        // Where the gauges may be at another point of their rotation, the chart may have a sample more or less, too.
+        const PLACE Place = {static_cast<int>(At % gDisplayWidth), static_cast<int>(At / gDisplayWidth)};
+        const bool Chart = Place.X >= gFrame.X && Place.X < gFrame.X + gFrame.Width && Place.Y >= gFrame.Y &&
+                           Place.Y < gFrame.Y + gFrame.Height && Expected.SameRows < gDisplayHeight;
+        if (!Chart && Result.Display[At] != Reference.Display[At] && Count++ == 0) {
             First = At;
         }
     }

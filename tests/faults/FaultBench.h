@@ -17,7 +17,7 @@ struct SCENARIO {
     const char* Board;
     UINT8 Generation;
     std::string Script;
-    UINTN ComparedRows = gDisplayHeight; // of the display, from the top
+    UINTN ComparedRows = gDisplayHeight; // of the display, from the top; with less than all, the chart isn't compared either
 };
 
 // A start of each board and generation, followed by a short use of everything, so that what a failure left out is used; and
