@@ -33,7 +33,7 @@ struct PICTURE {
     UINT32 Instance;
     const char* Source; // name of the PNG
     FORMAT Format;
-    int CropSide = 0;       // 0: the whole picture; else a square of this side at the left edge,
+    int CropSide = 0;        // 0: the whole picture; else a square of this side at the left edge,
     bool CropBottom = false; // from the top or the bottom
 };
 
@@ -77,7 +77,8 @@ struct RGB_IMAGE {
     BYTES Pixels; // red, green, blue
 };
 
-[[noreturn]] void Fail(const std::string& Text) {
+[[noreturn]] void Fail(const std::string& Text)
+{
     std::fprintf(stderr, "MakePack: %s\n", Text.c_str());
     std::exit(1);
 }
@@ -143,11 +144,10 @@ RGB_IMAGE LoadPicture(const std::string& Path, const PICTURE& Picture)
 BYTES StorePicture(const RGB_IMAGE& Image, FORMAT Format)
 {
     BYTES Bytes;
-    const int Written =
-        Format == FORMAT::Jpeg
-            ? stbi_write_jpg_to_func(AppendBytes, &Bytes, Image.Width, Image.Height, 3, Image.Pixels.data(),
-                                     gJpegQuality)
-            : stbi_write_bmp_to_func(AppendBytes, &Bytes, Image.Width, Image.Height, 3, Image.Pixels.data());
+    const int Written = Format == FORMAT::Jpeg ? stbi_write_jpg_to_func(AppendBytes, &Bytes, Image.Width, Image.Height,
+                                                                        3, Image.Pixels.data(), gJpegQuality)
+                                               : stbi_write_bmp_to_func(AppendBytes, &Bytes, Image.Width, Image.Height,
+                                                                        3, Image.Pixels.data());
     if (Written == 0) {
         Fail("can't encode a picture");
     }

@@ -41,24 +41,18 @@ void AddPixman(std::vector<BENCH_WORK>& Work, BENCH_PICTURES& Pictures)
     const pixman_color_t Color = {Fifth(gBenchBlend.Red), Fifth(gBenchBlend.Green), Fifth(gBenchBlend.Blue),
                                   0xFFFF / 5};
     pixman_image_t* Solid = pixman_image_create_solid_fill(&Color);
-    Work.push_back({"pixman", BENCH_UNIT_R, 0, 1,
-                    [=] {
-                        pixman_image_composite32(PIXMAN_OP_SRC, Art, nullptr, Screen, 0, 0, 0, 0, gX, gY, gWidth,
-                                                 gHeight);
-                    },
-                    "paste"});
-    Work.push_back({"pixman", BENCH_UNIT_R, 0, 1,
-                    [=] {
-                        pixman_image_composite32(PIXMAN_OP_SRC, Screen, nullptr, Canvas, gX, gY, 0, 0, 0, 0, gWidth,
-                                                 gHeight);
-                    },
-                    "extract"});
-    Work.push_back({"pixman", BENCH_UNIT_T, 0, 1,
-                    [=] {
-                        pixman_image_composite32(PIXMAN_OP_OVER, Solid, nullptr, Canvas, 0, 0, 0, 0, 0, 0, gWidth,
-                                                 gHeight);
-                    },
-                    gTint});
+    Work.push_back(
+        {"pixman", BENCH_UNIT_R, 0, 1,
+         [=] { pixman_image_composite32(PIXMAN_OP_SRC, Art, nullptr, Screen, 0, 0, 0, 0, gX, gY, gWidth, gHeight); },
+         "paste"});
+    Work.push_back(
+        {"pixman", BENCH_UNIT_R, 0, 1,
+         [=] { pixman_image_composite32(PIXMAN_OP_SRC, Screen, nullptr, Canvas, gX, gY, 0, 0, 0, 0, gWidth, gHeight); },
+         "extract"});
+    Work.push_back(
+        {"pixman", BENCH_UNIT_T, 0, 1,
+         [=] { pixman_image_composite32(PIXMAN_OP_OVER, Solid, nullptr, Canvas, 0, 0, 0, 0, 0, 0, gWidth, gHeight); },
+         gTint});
 }
 #endif
 
@@ -128,8 +122,8 @@ cairo_surface_t* CairoSurface(PICTURE& Picture, int Width, int Height)
 
 void AddCairo(std::vector<BENCH_WORK>& Work, BENCH_PICTURES& Pictures)
 {
-    cairo_t* Screen = cairo_create(
-        CairoSurface(Pictures.Screen, static_cast<int>(gScreenWidth), static_cast<int>(gScreenHeight)));
+    cairo_t* Screen =
+        cairo_create(CairoSurface(Pictures.Screen, static_cast<int>(gScreenWidth), static_cast<int>(gScreenHeight)));
     cairo_t* Canvas = cairo_create(CairoSurface(Pictures.Canvas, gWidth, gHeight));
     cairo_surface_t* Art = CairoSurface(Pictures.Art, gWidth, gHeight);
     Work.push_back({"Cairo", BENCH_UNIT_R, 0, 1,

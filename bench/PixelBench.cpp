@@ -190,10 +190,9 @@ int main(int Count, char** Arguments)
     for (const BENCH_WORK& Each : Work) {
         for (int Cache = 0; Cache < CACHE_STATE_COUNT; Cache++) {
             const CACHE_STATE State = static_cast<CACHE_STATE>(Cache);
-            benchmark::RegisterBenchmark((KeyOf(Each) + "/" + gStateNames[Cache]).c_str(),
-                                         [&Each, State, &Other](benchmark::State& Run) {
-                                             Time(Run, Each, State, Other);
-                                         })
+            benchmark::RegisterBenchmark(
+                (KeyOf(Each) + "/" + gStateNames[Cache]).c_str(),
+                [&Each, State, &Other](benchmark::State& Run) { Time(Run, Each, State, Other); })
                 ->UseManualTime()
                 ->Iterations(State == CACHE_WARM ? gWarmRuns : 1)
                 ->Repetitions(gRepetitions);

@@ -87,9 +87,9 @@ CHART_ROWS RowsOf(const LINE_CHART* Chart)
         const UINTN Height = gFrameHeight - Row;
         const PIXEL* Rpm = Chart->Rpm.Layer + Row * gFrameWidth;
         const PIXEL* Temperature = Chart->Temperature.Layer + Row * gFrameWidth;
-        Rows.push_back({{Rpm, Chart->Rpm.BlendGradient[Height], gChartRpmColor, ClassOfRow(Rpm)},
-                        {Temperature, Chart->Temperature.BlendGradient[Height], gChartTemperatureColor,
-                         ClassOfRow(Temperature)}});
+        Rows.push_back(
+            {{Rpm, Chart->Rpm.BlendGradient[Height], gChartRpmColor, ClassOfRow(Rpm)},
+             {Temperature, Chart->Temperature.BlendGradient[Height], gChartTemperatureColor, ClassOfRow(Temperature)}});
     }
     return Rows;
 }
@@ -121,18 +121,16 @@ void AddOwnWork(std::vector<BENCH_WORK>& Work, BENCH_PICTURES& Pictures)
     const auto Add = [&](std::string Name, BENCH_UNIT Unit, double Goal, std::function<void()> Run) {
         Work.push_back({std::move(Name), Unit, Goal, 1, std::move(Run), {}});
     };
-    Add("T", BENCH_UNIT_NONE, 0, [P] {
-        std::memcpy(static_cast<void*>(P->Canvas.data()), P->Art.data(), gFramePixels * sizeof(PIXEL));
-    });
+    Add("T", BENCH_UNIT_NONE, 0,
+        [P] { std::memcpy(static_cast<void*>(P->Canvas.data()), P->Art.data(), gFramePixels * sizeof(PIXEL)); });
     Add("R", BENCH_UNIT_NONE, 0, [P] { CopyRows(*P, P->Art); });
     Add("F", BENCH_UNIT_NONE, 0, [P] {
         std::memcpy(static_cast<void*>(P->Canvas.data()), P->Grid.data(), gFramePixels * sizeof(PIXEL));
         CopyRows(*P, P->Canvas);
     });
 
-    Add("paste", BENCH_UNIT_R, 1.10, [P] {
-        (void)PasteBlt(P->Art.data(), gFrameWidth, gFrameHeight, gGridX, gGridY, P->Screen.data());
-    });
+    Add("paste", BENCH_UNIT_R, 1.10,
+        [P] { (void)PasteBlt(P->Art.data(), gFrameWidth, gFrameHeight, gGridX, gGridY, P->Screen.data()); });
     Add("extract", BENCH_UNIT_R, 1.10, [P] {
         (void)ExtractBlt(P->Canvas.data(), gFrameWidth, gFrameHeight, P->Screen.data(), gScreenWidth, gScreenHeight,
                          gGridY, gGridX);
@@ -147,9 +145,8 @@ void AddOwnWork(std::vector<BENCH_WORK>& Work, BENCH_PICTURES& Pictures)
         [P] { LayOnScreen(*P, P->MixedThirds, &gKeyColor, &gBenchBlend, 40); });
     Add("key and blend, all blended", BENCH_UNIT_R, 4.3,
         [P] { LayOnScreen(*P, P->AllBlend, &gKeyColor, &gBenchBlend, 40); });
-    Add("gray", BENCH_UNIT_R, 3.1, [P] {
-        (void)GrayBlt(P->Gray.data(), gFrameWidth, gFrameHeight, P->Gray.data(), gFrameWidth, gFrameHeight);
-    });
+    Add("gray", BENCH_UNIT_R, 3.1,
+        [P] { (void)GrayBlt(P->Gray.data(), gFrameWidth, gFrameHeight, P->Gray.data(), gFrameWidth, gFrameHeight); });
     Add("20% tint, by overlay", BENCH_UNIT_T, 2.8, [P] {
         (void)OverlayBlt(P->AllBlend.data(), gWidth, gHeight, P->Canvas.data(), gFrameWidth, gFrameHeight, 0, 0,
                          nullptr, &gBenchBlend, 20);
@@ -172,7 +169,10 @@ void AddOwnWork(std::vector<BENCH_WORK>& Work, BENCH_PICTURES& Pictures)
 
     const auto AddSmall = [&](std::string Name, BENCH_UNIT Unit, double Goal, INT32 Width, INT32 Height) {
         const double Calls = gSmallCalls;
-        Work.push_back({std::move(Name), Unit, Goal, Unit == BENCH_UNIT_PIXEL ? Calls * Width * Height : Calls,
+        Work.push_back({std::move(Name),
+                        Unit,
+                        Goal,
+                        Unit == BENCH_UNIT_PIXEL ? Calls * Width * Height : Calls,
                         [P, Width, Height] {
                             for (UINTN Call = 0; Call < gSmallCalls; Call++) {
                                 (void)OverlayBlt(P->Keyed[2].data(), Width, Height, P->Screen.data(), gScreenWidth,

@@ -396,8 +396,9 @@ VOID WriteSvg(const char* File, const std::vector<SCENE_RESULT>& Results)
     for (size_t Place = 0; Place < PLACE_COUNT; Place++) {
         const int X = 60 + static_cast<int>(Place % 5) * 130;
         const int Y = 160 + static_cast<int>(Place / 5) * 26;
-        std::fprintf(Out, "<rect x=\"%d\" y=\"%d\" width=\"14\" height=\"14\" fill=\"%s\"/><text x=\"%d\" "
-                          "y=\"%d\">%s</text>\n",
+        std::fprintf(Out,
+                     "<rect x=\"%d\" y=\"%d\" width=\"14\" height=\"14\" fill=\"%s\"/><text x=\"%d\" "
+                     "y=\"%d\">%s</text>\n",
                      X, Y, Colors[Place], X + 20, Y + 12, gPlaceNames[Place]);
     }
     std::fprintf(Out, "</svg>\n");
@@ -407,11 +408,13 @@ VOID WriteSvg(const char* File, const std::vector<SCENE_RESULT>& Results)
 VOID PrintTable(const char* SvgFile)
 {
     const REFERENCES References = TimeReferences();
-    std::printf("T: one copy of 391 x 241 pixels, %.1f us warm and %.1f us cold. F: that and its rows into the screen,\n"
-                "%.1f us and %.1f us. A turn with all its firmware calls, of the round's turns the least (which has no text),\nthe mean and the worst.\n\n",
-                References.T[0] / 1000, References.T[1] / 1000, References.F[0] / 1000, References.F[1] / 1000);
-    std::printf("%-6s %-4s %5s | %8s %7s %7s %7s | %8s %7s %7s %7s\n", "turn", "unit", "goal", "warm us", "least", "mean",
-                "worst", "cold us", "least", "mean", "worst");
+    std::printf(
+        "T: one copy of 391 x 241 pixels, %.1f us warm and %.1f us cold. F: that and its rows into the screen,\n"
+        "%.1f us and %.1f us. A turn with all its firmware calls, of the round's turns the least (which has no "
+        "text),\nthe mean and the worst.\n\n",
+        References.T[0] / 1000, References.T[1] / 1000, References.F[0] / 1000, References.F[1] / 1000);
+    std::printf("%-6s %-4s %5s | %8s %7s %7s %7s | %8s %7s %7s %7s\n", "turn", "unit", "goal", "warm us", "least",
+                "mean", "worst", "cold us", "least", "mean", "worst");
     std::vector<SCENE_RESULT> Warm;
     for (const SCENE_FACTS& Facts : gScenes) {
         const bool InF = Facts.Unit[0] == 'F';

@@ -25,8 +25,7 @@ std::vector<VOID (*)()> gRemovals;
 // belongs: each call puts the place back that it came from.
 template <PLACE Place, auto Slot> struct TIMED;
 
-template <PLACE Place, typename TABLE, typename RESULT, typename... ARGUMENTS,
-          RESULT (*TABLE::*Slot)(ARGUMENTS...)>
+template <PLACE Place, typename TABLE, typename RESULT, typename... ARGUMENTS, RESULT (*TABLE::*Slot)(ARGUMENTS...)>
 struct TIMED<Place, Slot> {
     static inline RESULT (*True)(ARGUMENTS...) = nullptr;
     static inline TABLE* Table = nullptr;

@@ -14,7 +14,7 @@ extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE
 namespace {
 
 constexpr size_t gMostSteps = 1500;
-constexpr unsigned gReadingCount = 18; // items that a script may set
+constexpr unsigned gReadingCount = 18;                 // items that a script may set
 constexpr uint64_t gLongestAdvance = 1000000000000000; // microseconds: the longest that a script may ask for
 
 TURN_WATCH gWatch;
@@ -90,10 +90,7 @@ VOID TellTurns() { std::fprintf(stderr, "turns: %llu\n", gTurns); }
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    return std::atexit(TellTurns);
-}
+extern "C" int LLVMFuzzerInitialize(int*, char***) { return std::atexit(TellTurns); }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
 {

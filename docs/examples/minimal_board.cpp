@@ -8,8 +8,18 @@ constexpr UINT8 gVoltage = 11;
 
 // 40, 55, 70 and 85 degrees at levels 2, 4, 6 and 8 of 8.
 constexpr FAN_SETTING gDefault = {
-    .CurveEnabled = 1, .Column3 = 10, .Column2 = 7, .Column1 = 4, .Column0 = 1,
-    .Level0 = 2, .Level1 = 4, .Level2 = 6, .Level3 = 8, .Reserved9 = 0, .FixedLevel = 0, .Reserved12 = {},
+    .CurveEnabled = 1,
+    .Column3 = 10,
+    .Column2 = 7,
+    .Column1 = 4,
+    .Column0 = 1,
+    .Level0 = 2,
+    .Level1 = 4,
+    .Level2 = 6,
+    .Level3 = 8,
+    .Reserved9 = 0,
+    .FixedLevel = 0,
+    .Reserved12 = {},
 };
 
 // Stands for the chip that runs the fan: a board of one's own talks to one here. It goes on by its last setting when the

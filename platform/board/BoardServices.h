@@ -13,15 +13,15 @@
 struct POINTER_SOURCE {
     VOID (*Read)(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* Right);
     VOID (*SetLimits)(POINTER_SOURCE* This, UINTN Width, UINTN Height); // may be null
-    VOID (*Close)(POINTER_SOURCE* This);                               // may be null
+    VOID (*Close)(POINTER_SOURCE* This);                                // may be null
 };
 
 struct BOARD_OPTIONS {
-    BOARD_SOURCE* Board;              // owned by the caller, outlives the services
-    UINT8 Generation;                 // what GetFirmwareGeneration answers
-    UINT64 (*Microseconds)();         // the clock that is passed to the board, from any start, never backwards
-    POINTER_SOURCE* Pointer;          // owned by the caller, outlives the services
-    const UINT8* ArtworkPack;         // the pack made by the build, see ArtworkPack.h; outlives the services
+    BOARD_SOURCE* Board;      // owned by the caller, outlives the services
+    UINT8 Generation;         // what GetFirmwareGeneration answers
+    UINT64 (*Microseconds)(); // the clock that is passed to the board, from any start, never backwards
+    POINTER_SOURCE* Pointer;  // owned by the caller, outlives the services
+    const UINT8* ArtworkPack; // the pack made by the build, see ArtworkPack.h; outlives the services
     UINTN ArtworkPackSize;
     // Told of each record that is refused because it breaks the contract, and why; may be null.
     VOID (*Refused)(UINT8 FanItem, const CHAR8* Fault);

@@ -6,10 +6,10 @@
 
 // How a fan can be set, which follows from its item and, for item 5, from the kind.
 enum FAN_CONTROL : UINT8 {
-    CONTROL_NONE,         // nothing is ever set
-    CONTROL_CURVE8,       // a curve over eight levels of 12.5 percent; no fixed level
-    CONTROL_CURVE6,       // a curve over six levels of 10 percent from 50 on, beside it a fixed level
-    CONTROL_FIXED_LEVEL,  // a fixed level alone
+    CONTROL_NONE,        // nothing is ever set
+    CONTROL_CURVE8,      // a curve over eight levels of 12.5 percent; no fixed level
+    CONTROL_CURVE6,      // a curve over six levels of 10 percent from 50 on, beside it a fixed level
+    CONTROL_FIXED_LEVEL, // a fixed level alone
 };
 
 constexpr UINT8 gCurveNodes = 4;

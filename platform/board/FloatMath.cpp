@@ -45,7 +45,7 @@ INT32 DecimalExponent(double Value)
 }
 
 struct DECIMAL {
-    UINT64 Digits;  // the value is Digits * 10^-Places
+    UINT64 Digits; // the value is Digits * 10^-Places
     INT32 Places;
 };
 

@@ -9,7 +9,7 @@ constexpr UINT8 gEndOfImage = 0xD9;
 constexpr UINT8 gHuffmanTables = 0xC4;
 constexpr UINT8 gStartOfScan = 0xDA;
 
-constexpr UINT32 gHuffmanLengths = 16;   // code lengths of 1 to 16 bits
+constexpr UINT32 gHuffmanLengths = 16; // code lengths of 1 to 16 bits
 constexpr UINT32 gMaxHuffmanSymbols = 256;
 
 // Body of a segment: any number of tables, each with its class and number, a count for each code length, and symbols.

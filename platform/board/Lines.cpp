@@ -60,8 +60,7 @@ EFI_STATUS DrawLine(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer, UINTN BufferWidth, UI
     const INT64 Last = Smaller(Along1, AlongLimit - 1);
     for (INT64 Along = Larger(Along0, 0); Along <= Last; Along++) {
         // The nearest pixel to the true line, half way rounded up.
-        const INT64 Middle =
-            Run == 0 ? Across0 : Across0 + FloorDivide(2 * Drift * (Along - Along0) + Run, 2 * Run);
+        const INT64 Middle = Run == 0 ? Across0 : Across0 + FloorDivide(2 * Drift * (Along - Along0) + Run, 2 * Run);
         const INT64 First = Middle - (Thick - 1) / 2;
         const INT64 End = Smaller(First + Thick, AcrossLimit);
         for (INT64 Across = Larger(First, 0); Across < End; Across++) {

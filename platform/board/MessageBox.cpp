@@ -10,10 +10,10 @@ namespace {
 constexpr UINTN gCellWidth = gCharacterWidth;
 constexpr UINTN gCellHeight = gCharacterHeight;
 
-constexpr UINTN gMarginX = 20;       // between the box's edge and its text
+constexpr UINTN gMarginX = 20; // between the box's edge and its text
 constexpr UINTN gMarginTop = 16;
-constexpr UINTN gMarginBottom = 14;  // below the button
-constexpr UINTN gButtonGap = 12;     // between the last line and the button
+constexpr UINTN gMarginBottom = 14; // below the button
+constexpr UINTN gButtonGap = 12;    // between the last line and the button
 constexpr UINTN gButtonHeight = 27;
 constexpr UINTN gButtonMarginX = 20; // between the button's edge and its text
 constexpr UINTN gButtonMinimumWidth = 88;
@@ -174,8 +174,8 @@ VOID DrawOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const PIXEL& Color, UINT
 
 VOID DrawButtonOutline(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State)
 {
-    DrawOutline(Display, State.Hover != 0 ? gButtonHover : gButtonRest, State.ButtonX, State.ButtonY,
-                State.ButtonWidth, State.ButtonHeight, gOutline);
+    DrawOutline(Display, State.Hover != 0 ? gButtonHover : gButtonRest, State.ButtonX, State.ButtonY, State.ButtonWidth,
+                State.ButtonHeight, gOutline);
 }
 
 // Draws one row with its left upper corner at (X, Y), cut to Width by Height; nothing where the font has no picture.
@@ -202,9 +202,8 @@ VOID DrawRow(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const TEXT_ROW& Row, const P
     EFI_IMAGE_OUTPUT* Image = nullptr;
     EFI_HII_ROW_INFO* Rows = nullptr;
     UINTN RowCount = 0;
-    const EFI_STATUS Status =
-        Font->StringToImage(Font, EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK, Text, &Info, &Image, 0, 0,
-                            &Rows, &RowCount, nullptr);
+    const EFI_STATUS Status = Font->StringToImage(Font, EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK, Text,
+                                                  &Info, &Image, 0, 0, &Rows, &RowCount, nullptr);
     if (!EfiError(Status) && Image != nullptr && Image->Image.Bitmap != nullptr) {
         // The firmware's picture may be wider and higher than the text; the row says how much of it is text.
         const bool HasRow = Rows != nullptr && RowCount != 0;

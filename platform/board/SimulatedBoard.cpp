@@ -24,8 +24,7 @@ constexpr UINT32 Bit(UINT8 Item) { return UINT32{1} << Item; }
 constexpr UINT32 BitsOf(UINT8 First, UINT8 Count) { return ((UINT32{1} << Count) - 1) << First; }
 
 constexpr UINT32 gEverything = BitsOf(gFirstTemperatureItem, gTemperatureItemCount) |
-                               BitsOf(gFirstFanItem, gFanItemCount) |
-                               BitsOf(gFirstVoltageItem, gVoltageItemCount);
+                               BitsOf(gFirstFanItem, gFanItemCount) | BitsOf(gFirstVoltageItem, gVoltageItemCount);
 
 // In the order of gBoardNames.
 constexpr struct {
@@ -44,9 +43,8 @@ static_assert(sizeof(gBoards) / sizeof(gBoards[0]) == sizeof(gBoardNames) / size
 // The console gives each name a fixed place, in cells of 8 pixels: 6 for a source, 8 for a fan, 15 for a voltage. A
 // fan's name of 4 to 6 cells stands in the middle of its tab.
 constexpr const CHAR16* gNames[gItemCount] = {
-    u"CPU", u"System", u"PCH", nullptr,
-    u"CPU 1", u"CPU 2", u"Case 1", u"Case 2", u"Case 3", u"Case 4", u" Pump",
-    u"CPU Core", u"CPU I/O", u"System/3.3V", u"System/5V", u"System/12V", u"GPU", u"DRAM",
+    u"CPU",    u"System", u"PCH",      nullptr,    u"CPU 1",       u"CPU 2",     u"Case 1",     u"Case 2", u"Case 3",
+    u"Case 4", u" Pump",  u"CPU Core", u"CPU I/O", u"System/3.3V", u"System/5V", u"System/12V", u"GPU",    u"DRAM",
 };
 
 bool SameText(const CHAR8* A, const CHAR8* B)

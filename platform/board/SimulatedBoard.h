@@ -16,9 +16,9 @@ BOARD_SOURCE* OpenSimulatedBoard(const CHAR8* Name, UINT64 Seed, UINT64 Now);
 
 // What a fan is by its make, in the order of the fans from item 4 on.
 struct SIMULATED_FAN {
-    UINT8 Source;     // the temperature source that it cools and follows
-    INT32 LowSpeed;   // revolutions a minute that it keeps at the least
-    INT32 TopSpeed;   // revolutions a minute at full duty
+    UINT8 Source;   // the temperature source that it cools and follows
+    INT32 LowSpeed; // revolutions a minute that it keeps at the least
+    INT32 TopSpeed; // revolutions a minute at full duty
 };
 extern const SIMULATED_FAN gSimulatedFans[gFanItemCount];
 

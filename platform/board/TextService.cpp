@@ -15,8 +15,7 @@ VOID DrawGlyph(PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN Y, cons
 {
     for (UINTN Row = 0; Row < SYSTEM_FONT_HEIGHT && Y + Row < Height; Row++) {
         for (UINTN Column = 0; Column < SYSTEM_FONT_WIDTH && X + Column < Width; Column++) {
-            Picture[(Y + Row) * Width + X + Column] =
-                (Glyph[Row] & (0x80 >> Column)) != 0 ? Foreground : Background;
+            Picture[(Y + Row) * Width + X + Column] = (Glyph[Row] & (0x80 >> Column)) != 0 ? Foreground : Background;
         }
     }
 }
@@ -24,8 +23,8 @@ VOID DrawGlyph(PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN Y, cons
 // A walk over a string's glyphs as they stand in rows. It is made twice, to measure and to draw.
 struct TEXT_WALK {
     const CHAR16* String;
-    UINTN MostGlyphs; // of a row
-    bool Wraps;       // a row that is full goes on in the next; else it is cut
+    UINTN MostGlyphs;          // of a row
+    bool Wraps;                // a row that is full goes on in the next; else it is cut
     EFI_HII_ROW_INFO* RowInfo; // filled in for each row; null: not wanted
 
     UINTN Next = 0;  // the character to be looked at
@@ -170,8 +169,8 @@ bool ShowsDegreeSign(const EFI_HII_FONT_PROTOCOL* Font, VOID (*Free)(VOID* Block
     EFI_IMAGE_OUTPUT* Image = nullptr;
     EFI_HII_ROW_INFO* Rows = nullptr;
     UINTN RowCount = 0;
-    const EFI_STATUS Status = Font->StringToImage(Font, EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK, u"\u00F8",
-                                                  &Info, &Image, 0, 0, &Rows, &RowCount, nullptr);
+    const EFI_STATUS Status = Font->StringToImage(Font, EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK,
+                                                  u"\u00F8", &Info, &Image, 0, 0, &Rows, &RowCount, nullptr);
     bool High = false;
     bool Low = false;
     if (!EfiError(Status) && Image != nullptr && Image->Image.Bitmap != nullptr) {

@@ -53,8 +53,8 @@ EFI_STATUS Send(const DISPLAY_LAYER* Layer, const PANEL_AREA& Changed)
     for (UINT32 Top = Target.Top; Top < Target.Bottom && !EfiError(Status);) {
         const UINT32 Bottom = Smaller(Target.Bottom, Top + RowsAtOnce);
         ScaleRows(Layer->Picture, Place, {Target.Left, Top, Target.Right, Bottom}, Layer->Strip);
-        Status = Firmware->Blt(Firmware, Layer->Strip, EfiBltBufferToVideo, 0, 0, Target.Left, Top, Width,
-                               Bottom - Top, Width * sizeof(PIXEL));
+        Status = Firmware->Blt(Firmware, Layer->Strip, EfiBltBufferToVideo, 0, 0, Target.Left, Top, Width, Bottom - Top,
+                               Width * sizeof(PIXEL));
         Top = Bottom;
     }
     return Status;
@@ -104,8 +104,8 @@ VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UI
         Behind--;
     }
     __builtin_memmove(Old + First, New + First, (Behind - First) * sizeof(PIXEL));
-    const PANEL_AREA Part = {static_cast<UINT32>(Left + First), static_cast<UINT32>(Row), static_cast<UINT32>(Left + Behind),
-                       static_cast<UINT32>(Row + 1)};
+    const PANEL_AREA Part = {static_cast<UINT32>(Left + First), static_cast<UINT32>(Row),
+                             static_cast<UINT32>(Left + Behind), static_cast<UINT32>(Row + 1)};
     *Changed = Changed->Right == 0 ? Part : Around(*Changed, Part);
 }
 

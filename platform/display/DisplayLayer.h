@@ -26,8 +26,8 @@ struct DISPLAY_LAYER {
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Firmware; // what shows the picture, in the mode that it is in
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Picture; // the frame buffer, 1024 by 768
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Strip;   // room for scaled rows; null where nothing is scaled
-    PANEL_AREA Held;          // changed pixels that aren't sent yet; empty: Right is 0
-    volatile bool Busy; // an operation is under way: a timer's flush has to wait
+    PANEL_AREA Held;                        // changed pixels that aren't sent yet; empty: Right is 0
+    volatile bool Busy;                     // an operation is under way: a timer's flush has to wait
 };
 
 // Whether the console can't work on the mode as it is and needs the layer: another size, or pixels that don't lie in

@@ -44,7 +44,8 @@ COVER CoverOf(UINT32 At, UINT32 Extent, UINT32 Length)
     Cover.First = static_cast<UINT32>(Begin / Length);
     const UINT32 Last = static_cast<UINT32>((End - 1) / Length);
     Cover.Count = Last - Cover.First + 1;
-    Cover.FirstShare = static_cast<UINT32>(Cover.Count == 1 ? Extent : (static_cast<UINT64>(Cover.First) + 1) * Length - Begin);
+    Cover.FirstShare =
+        static_cast<UINT32>(Cover.Count == 1 ? Extent : (static_cast<UINT64>(Cover.First) + 1) * Length - Begin);
     Cover.LastShare = static_cast<UINT32>(End - static_cast<UINT64>(Last) * Length);
     return Cover;
 }

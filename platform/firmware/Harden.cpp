@@ -41,5 +41,4 @@ VOID __security_check_cookie(UINT64 Cookie)
 {
     StopHardened("undefined behaviour", Kind, __builtin_return_address(0));
 }
-
 }

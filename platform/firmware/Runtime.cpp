@@ -65,5 +65,4 @@ PLAIN_LOOP int RUNTIME_NAME(memcmp)(const void* A, const void* B, size_t Length)
 extern const int _fltused;
 const int _fltused = 0;
 #endif
-
 }

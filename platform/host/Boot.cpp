@@ -31,8 +31,7 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
 
 BOOT::BOOT(const BOOT_OPTIONS& Options)
     : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), Display(Options.Panel),
-      MonotonicCount(Options.CountAtStart),
-      mOptions(Options)
+      MonotonicCount(Options.CountAtStart), mOptions(Options)
 {
     if (gBoot != nullptr) {
         std::abort(); // the tables' functions could only serve one of the two

@@ -37,14 +37,14 @@ struct BOOT_OPTIONS {
     BOARD_SOURCE* Source = nullptr; // a board in the simulation's place; outlives the boot
     UINT8 Generation = 0;
     bool VirtualClock = true;
-    bool WithNetwork = false;  // a network card among the device paths
-    bool EchoConsoles = false; // ConOut and StdErr reach the program's own streams
-    std::vector<EFI_GUID> Hidden = {}; // protocols that aren't there
+    bool WithNetwork = false;           // a network card among the device paths
+    bool EchoConsoles = false;          // ConOut and StdErr reach the program's own streams
+    std::vector<EFI_GUID> Hidden = {};  // protocols that aren't there
     const UINT8* ArtworkPack = nullptr; // the pack that the build made, or a test's own
     UINTN ArtworkPackSize = 0;
-    UINT64 TimerAtStart = 0; // what the CPU's timer shows when the machine is switched on
+    UINT64 TimerAtStart = 0;      // what the CPU's timer shows when the machine is switched on
     UINT64 TimerPeriod = 1000000; // femtoseconds of one of its ticks
-    UINT64 CountAtStart = 0; // and the monotonic count
+    UINT64 CountAtStart = 0;      // and the monotonic count
     bool LowTextPictures = false; // see platform/board/TextService.h
     PANEL Panel = {};             // the display; the console sees 1024 by 768 whatever it is
 };
@@ -105,7 +105,7 @@ private:
 
     EFI_HANDLE mBoardHandle = nullptr;
     DISPLAY_LAYER* mLayer = nullptr; // null: the console works on the display itself
-    UINTN mLayerBlocks = 0; // the first of the pool, which the layer holds
+    UINTN mLayerBlocks = 0;          // the first of the pool, which the layer holds
     EFI_BOOT_SERVICES mBootServices = {};
     EFI_RUNTIME_SERVICES mRuntimeServices = {};
     EFI_SIMPLE_TEXT_INPUT_PROTOCOL mTextInput = {};

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr UINT8 gNoFanKind = 2; // as a board answers that gives the fan no page
+constexpr UINT8 gNoFanKind = 2;      // as a board answers that gives the fan no page
 constexpr UINTN gGarbageText = 1000; // characters of a string that nobody wrote
 
 template <typename TABLE> TABLE* True() { return gBoot->Console.Of<TABLE>().True; }
@@ -270,6 +270,7 @@ constexpr UINTN RESULT = CROSSED_CALL::gResult;
 // it may give; the outputs that a failure may leave garbage in; the fields of its line in the trace; whether it is traced,
 // and what else happens before it and behind it. Arguments are numbered from 0.
 constexpr CALL_FACTS gCalls[] = {
+    // clang-format off
     {Of<CALL_GET_MEMORY_MAP, &EFI_BOOT_SERVICES::GetMemoryMap>("GetMemoryMap"),
      {EFI_INVALID_PARAMETER, EFI_BUFFER_TOO_SMALL}, {{1, 0}, {0}, {2}, {3}, {4}}},
     {Of<CALL_ALLOCATE_POOL, &EFI_BOOT_SERVICES::AllocatePool, AllocatePool>("AllocatePool"),
@@ -383,6 +384,7 @@ constexpr CALL_FACTS gCalls[] = {
     {Of<CALL_DRAW_MESSAGE_BOX, &DRAW_PRIMITIVES_PROTOCOL::DrawMessageBox>("DrawMessageBox"),
      {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}},
     {Of<CALL_DRAW_LINE, &DRAW_PRIMITIVES_PROTOCOL::DrawLine>("DrawLine"), {EFI_INVALID_PARAMETER}},
+    // clang-format on
 };
 
 constexpr bool RowsStandInOrder()

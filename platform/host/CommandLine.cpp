@@ -26,7 +26,8 @@ bool ParsePanel(const std::string& Word, PANEL* Panel)
     const size_t Cross = Size.find('x');
     UINT64 Width = 0;
     UINT64 Height = 0;
-    if (Cross == std::string::npos || Found == std::end(Formats) || !ParseNumber(Size.substr(0, Cross), 640, 8192, &Width) ||
+    if (Cross == std::string::npos || Found == std::end(Formats) ||
+        !ParseNumber(Size.substr(0, Cross), 640, 8192, &Width) ||
         !ParseNumber(Size.substr(Cross + 1), 480, 8192, &Height)) {
         return false;
     }
@@ -134,9 +135,9 @@ const OPTION_FACTS gOptions[] = {
     {"--temperature", "LABEL", "board linux: show this temperature; up to three times",
      [](const std::string& Value, COMMAND& Command) -> std::string {
          Command.Linux.Temperatures.push_back(Value);
-         return Value.empty()                                                  ? "a label of --list-sensors"
+         return Value.empty()                                               ? "a label of --list-sensors"
                 : Command.Linux.Temperatures.size() > gTemperatureItemCount ? "three temperatures at most"
-                                                                               : "";
+                                                                            : "";
      }},
     {"--set-fans", nullptr, "board linux: let the console set this machine's fans",
      [](const std::string&, COMMAND& Command) -> std::string {
@@ -250,16 +251,18 @@ bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Comman
 
 std::string DescribeOptions()
 {
-    std::string Text = "Usage: ventara [OPTION]... [-- ARGUMENT...]\n"
-                       "Runs the sensor and fan console on a simulated board, or on this machine's own sensors. What stands\n"
-                       "behind -- is passed to the console as a UEFI shell would pass it.\n\n";
+    std::string Text =
+        "Usage: ventara [OPTION]... [-- ARGUMENT...]\n"
+        "Runs the sensor and fan console on a simulated board, or on this machine's own sensors. What stands\n"
+        "behind -- is passed to the console as a UEFI shell would pass it.\n\n";
     for (const OPTION_FACTS& Facts : gOptions) {
         std::string Line = std::string("  ") + Facts.Name + (Facts.ValueName == nullptr ? "" : " ") +
                            (Facts.ValueName == nullptr ? "" : Facts.ValueName);
         Line.resize(22, ' ');
         Text += Line + Facts.Help + "\n";
     }
-    Text += "\nBoards: " + ListBoards() + "\n"
+    Text += "\nBoards: " + ListBoards() +
+            "\n"
             "Exit status: 0 when the console succeeded, 1 for any other status of its, 2 for a bad option or script.\n";
     return Text;
 }

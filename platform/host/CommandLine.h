@@ -13,7 +13,7 @@ struct COMMAND {
     COMMAND_KIND Kind = COMMAND_RUN;
     SESSION_OPTIONS Session;
     LINUX_BOARD_OPTIONS Linux; // of the board "linux", and of --list-sensors
-    std::string ScriptPath; // empty: no script
+    std::string ScriptPath;    // empty: no script
     std::string TracePath;
     std::string ScreenshotPath;
 };

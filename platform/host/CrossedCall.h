@@ -113,17 +113,17 @@ struct CALL_OUTPUT {
 
 struct OPERATION {
     CALL Call;
-    const char* Name;          // in traces and scripts
-    const VOID* Table;         // stands for the kind of table that it is in
-    VOID (*Put)(VOID* Table);  // puts its cover into such a table
+    const char* Name;         // in traces and scripts
+    const VOID* Table;        // stands for the kind of table that it is in
+    VOID (*Put)(VOID* Table); // puts its cover into such a table
 };
 
 // A row of the table of calls.
 struct CALL_FACTS {
     OPERATION Of;
-    EFI_STATUS Statuses[3] = {}; // up to a zero; none: it gives no status
-    CALL_OUTPUT Outputs[5] = {}; // those with a size first
-    CALL_FIELD Fields[6] = {};   // behind the status
+    EFI_STATUS Statuses[3] = {};                          // up to a zero; none: it gives no status
+    CALL_OUTPUT Outputs[5] = {};                          // those with a size first
+    CALL_FIELD Fields[6] = {};                            // behind the status
     bool (*IsTraced)(const CROSSED_CALL& Call) = nullptr; // null: always
     VOID (*Before)(const CROSSED_CALL& Call) = nullptr;   // whatever becomes of the call
     VOID (*After)(const CROSSED_CALL& Call) = nullptr;    // where it succeeded

@@ -57,7 +57,8 @@ DISPLAY::DISPLAY(const PANEL& Panel)
         Information.PixelFormat =
             Panel.Format == PANEL_RED_FIRST ? PixelRedGreenBlueReserved8BitPerColor : PixelBitMask;
         if (Panel.Format == PANEL_THREE_BYTES) {
-            Information.PixelInformation = {.RedMask = 0xFF0000, .GreenMask = 0xFF00, .BlueMask = 0xFF, .ReservedMask = 0};
+            Information.PixelInformation = {
+                .RedMask = 0xFF0000, .GreenMask = 0xFF00, .BlueMask = 0xFF, .ReservedMask = 0};
         }
         Information.PixelsPerScanLine = static_cast<UINT32>(Panel.Width + gRowPadding);
         mFrameBuffer.resize(UINTN{Information.PixelsPerScanLine} * Panel.Height * BytesPerPixel(Panel.Format));

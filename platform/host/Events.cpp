@@ -36,8 +36,8 @@ VOID EVENTS::RestoreTpl(EFI_TPL OldTpl)
     RunQueued();
 }
 
-EFI_STATUS EVENTS::Create(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context,
-                          const EFI_GUID* Group, EFI_EVENT* Event)
+EFI_STATUS EVENTS::Create(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Notify, VOID* Context, const EFI_GUID* Group,
+                          EFI_EVENT* Event)
 {
     const bool Notifies = (Type & EVT_NOTIFY_SIGNAL) != 0;
     if (Event == nullptr || (Type & ~gKnownTypeBits) != 0 ||

@@ -57,8 +57,7 @@ VOID SetMem(VOID* Buffer, UINTN Size, UINT8 Value)
 
 // --- Protocols ---
 
-EFI_STATUS InstallProtocolInterface(EFI_HANDLE* Handle, const EFI_GUID* Guid, EFI_INTERFACE_TYPE Type,
-                                    VOID* Interface)
+EFI_STATUS InstallProtocolInterface(EFI_HANDLE* Handle, const EFI_GUID* Guid, EFI_INTERFACE_TYPE Type, VOID* Interface)
 {
     return Type == EFI_NATIVE_INTERFACE ? gBoot->Handles.Install(Handle, Guid, Interface) : EFI_INVALID_PARAMETER;
 }
@@ -228,9 +227,8 @@ VOID FillBootServices(EFI_BOOT_SERVICES* Services)
         return gBoot->Handles.Open(Handle, Guid, Interface, nullptr, nullptr);
     };
     Services->OpenProtocol = [](EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface, EFI_HANDLE Agent,
-                                EFI_HANDLE Controller, UINT32) {
-        return gBoot->Handles.Open(Handle, Guid, Interface, Agent, Controller);
-    };
+                                EFI_HANDLE Controller,
+                                UINT32) { return gBoot->Handles.Open(Handle, Guid, Interface, Agent, Controller); };
     Services->CloseProtocol = [](auto... Rest) { return gBoot->Handles.Close(Rest...); };
     Services->LocateHandle = LocateHandle;
     Services->LocateHandleBuffer = LocateHandleBuffer;

@@ -135,6 +135,5 @@ PROTOCOL_ON_HANDLE* HANDLES::FindOn(EFI_HANDLE Handle, const EFI_GUID& Guid)
 
 bool HANDLES::IsHidden(const EFI_GUID& Guid) const
 {
-    return std::any_of(mHidden.begin(), mHidden.end(),
-                       [&](const EFI_GUID& Hidden) { return SameGuid(Hidden, Guid); });
+    return std::any_of(mHidden.begin(), mHidden.end(), [&](const EFI_GUID& Hidden) { return SameGuid(Hidden, Guid); });
 }

@@ -106,8 +106,11 @@ std::u16string ToUtf16(std::string_view Text)
     std::u16string Out;
     for (size_t At = 0; At < Text.size();) {
         const UINT8 First = static_cast<UINT8>(Text[At++]);
-        const int More = First < 0x80 ? 0 : First >= 0xC2 && First < 0xE0 ? 1 : (First & 0xF0) == 0xE0 ? 2
-                       : First >= 0xF0 && First < 0xF5 ? 3 : -1;
+        const int More = First < 0x80                    ? 0
+                         : First >= 0xC2 && First < 0xE0 ? 1
+                         : (First & 0xF0) == 0xE0        ? 2
+                         : First >= 0xF0 && First < 0xF5 ? 3
+                                                         : -1;
         if (More < 0) {
             AppendUtf16(Out, gReplacementCharacter);
             continue;
@@ -131,8 +134,8 @@ std::string FormatGuid(const EFI_GUID& Guid)
 {
     char Text[40];
     std::snprintf(Text, sizeof(Text), "%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X", Guid.Data1, Guid.Data2,
-                  Guid.Data3, Guid.Data4[0], Guid.Data4[1], Guid.Data4[2], Guid.Data4[3], Guid.Data4[4],
-                  Guid.Data4[5], Guid.Data4[6], Guid.Data4[7]);
+                  Guid.Data3, Guid.Data4[0], Guid.Data4[1], Guid.Data4[2], Guid.Data4[3], Guid.Data4[4], Guid.Data4[5],
+                  Guid.Data4[6], Guid.Data4[7]);
     return Text;
 }
 

@@ -36,12 +36,15 @@ constexpr UINT8 gSataPort0[] = {MESSAGING_DEVICE_PATH, 18, 10, 0, 0, 0, 0xFF, 0x
 constexpr UINT8 gUsbPort2[] = {MESSAGING_DEVICE_PATH, 5, 6, 0, 2, 0};
 constexpr UINT8 gEndNode[] = {END_DEVICE_PATH_TYPE, END_ENTIRE_DEVICE_PATH_SUBTYPE, 4, 0};
 // A partition with a GUID: number, begin, size, signature, format, kind of signature.
+// clang-format off
 constexpr UINT8 gPartition1[] = {MEDIA_DEVICE_PATH, 1, 42, 0, 1, 0, 0, 0, 0x00, 0x08, 0, 0, 0, 0, 0, 0, 0x00, 0x00, 0x20,
                                  0, 0, 0, 0, 0, 0x3A, 0x5C, 0x90, 0x11, 0x6B, 0x7D, 0x42, 0x4E, 0x9F, 0x21, 0x0C, 0x66,
                                  0x58, 0x73, 0x91, 0xA4, 2, 2};
+// clang-format on
 static_assert(sizeof(gPartition1) == 42);
 // A hardware address is kept in 32 bytes, of which a network card uses 6; the last byte is the kind of network.
-constexpr UINT8 gNetworkAddress[37] = {MESSAGING_DEVICE_PATH, MSG_MAC_ADDR_DP, 37, 0, 0x02, 0x56, 0x54, 0x52, 0x00, 0x01};
+constexpr UINT8 gNetworkAddress[37] = {
+    MESSAGING_DEVICE_PATH, MSG_MAC_ADDR_DP, 37, 0, 0x02, 0x56, 0x54, 0x52, 0x00, 0x01};
 constexpr UINTN gNetworkKindOffset = 36;
 constexpr UINT8 gEthernet = 1;
 
@@ -55,8 +58,15 @@ template <UINTN Length> VOID AppendNode(std::vector<UINT8>& Path, const UINT8 (&
 VOID MACHINE::InstallDevices(HANDLES& Handles, bool WithNetwork)
 {
     enum : UINTN { DISK, PARTITION, STICK };
-    mMedia[DISK] = {.MediaId = 1, .RemovableMedia = 0, .MediaPresent = 1, .LogicalPartition = 0, .ReadOnly = 0,
-                    .WriteCaching = 1, .BlockSize = 512, .IoAlign = 2, .LastBlock = 0x1DCF32AF};
+    mMedia[DISK] = {.MediaId = 1,
+                    .RemovableMedia = 0,
+                    .MediaPresent = 1,
+                    .LogicalPartition = 0,
+                    .ReadOnly = 0,
+                    .WriteCaching = 1,
+                    .BlockSize = 512,
+                    .IoAlign = 2,
+                    .LastBlock = 0x1DCF32AF};
     mMedia[PARTITION] = mMedia[DISK];
     mMedia[PARTITION].LogicalPartition = 1;
     mMedia[PARTITION].LastBlock = 0x1FFFFF;

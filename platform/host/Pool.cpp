@@ -67,10 +67,7 @@ void POOL::BeginStart(UINT32 Start)
     mAllocationsOfStart = 0;
 }
 
-EFI_STATUS POOL::Allocate(UINTN Size, VOID* Caller, VOID** Buffer)
-{
-    return Give(Size, gGivenPattern, Caller, Buffer);
-}
+EFI_STATUS POOL::Allocate(UINTN Size, VOID* Caller, VOID** Buffer) { return Give(Size, gGivenPattern, Caller, Buffer); }
 
 EFI_STATUS POOL::AllocateZeroed(UINTN Size, VOID* Caller, VOID** Buffer) { return Give(Size, 0, Caller, Buffer); }
 

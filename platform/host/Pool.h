@@ -24,11 +24,12 @@ struct POOL_BLOCK {
 };
 
 struct POOL {
-    UINT64 FailFrom = 0;      // this allocation of a start, counted from 1, and every later one fails; 0: none
-    UINT64 FailOnly = 0;      // this one alone fails; 0: none
+    UINT64 FailFrom = 0; // this allocation of a start, counted from 1, and every later one fails; 0: none
+    UINT64 FailOnly = 0; // this one alone fails; 0: none
     bool (*Refuses)(VOID* Context) = nullptr; // asked at each allocation; true: it fails
     VOID* RefusesContext = nullptr;
-    UINTN FillLimit = ~0ull; // a block's bytes beyond this many get no pattern: for tests whose time is spent in filling
+    UINTN FillLimit =
+        ~0ull; // a block's bytes beyond this many get no pattern: for tests whose time is spent in filling
     bool TraceOwners = false; // keep the callers' callers too, which costs time
     COMPLAINTS* Complaints = nullptr;
 

@@ -4,10 +4,10 @@
 
 struct RECORDER {
     FILE* File;
-    bool Begun;       // a turn was recorded, and Last is its input
+    bool Begun; // a turn was recorded, and Last is its input
     bool Failed;
-    UINT64 LastTurn;  // when it began
-    UINT64 Stalled;   // since then
+    UINT64 LastTurn; // when it began
+    UINT64 Stalled;  // since then
     INT32 PointerX;
     INT32 PointerY;
     bool Left;
@@ -27,8 +27,7 @@ VOID RecordKey(FILE* File, const EFI_INPUT_KEY& Key)
         // '#' would begin a comment.
         std::fprintf(File, "key %c\n", static_cast<char>(Key.UnicodeChar));
     } else {
-        std::fprintf(File, "key %x %x\n", static_cast<unsigned>(Key.ScanCode),
-                     static_cast<unsigned>(Key.UnicodeChar));
+        std::fprintf(File, "key %x %x\n", static_cast<unsigned>(Key.ScanCode), static_cast<unsigned>(Key.UnicodeChar));
     }
 }
 

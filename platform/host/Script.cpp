@@ -279,24 +279,15 @@ struct VERB_FACTS {
 };
 
 constexpr VERB_FACTS gVerbs[] = {
-    {"pointer", SCRIPT_POINTER, ParsePointer, false},
-    {"left", SCRIPT_LEFT, ParseButton, false},
-    {"right", SCRIPT_RIGHT, ParseButton, false},
-    {"key", SCRIPT_KEY, ParseKey, false},
-    {"turn", SCRIPT_TURN, ParseRepeat, false},
-    {"advance", SCRIPT_ADVANCE, ParseAdvance, false},
-    {"tick", SCRIPT_TICK, ParseRepeat, false},
-    {"reading", SCRIPT_READING, ParseReading, false},
-    {"string", SCRIPT_STRING, ParseString, false},
-    {"setting", SCRIPT_SETTING, ParseSetting, false},
-    {"default", SCRIPT_DEFAULT, ParseSetting, false},
-    {"fail", SCRIPT_FAIL, ParseFail, false},
-    {"slow", SCRIPT_SLOW, ParseSlow, false},
-    {"without", SCRIPT_WITHOUT, ParseWithout, true},
-    {"artwork", SCRIPT_ARTWORK, ParseArtwork, true},
-    {"screenshot", SCRIPT_SCREENSHOT, ParseScreenshot, false},
-    {"start", SCRIPT_START, ParseNothing, false},
-    {"reset", SCRIPT_RESET, ParseNothing, false},
+    {"pointer", SCRIPT_POINTER, ParsePointer, false}, {"left", SCRIPT_LEFT, ParseButton, false},
+    {"right", SCRIPT_RIGHT, ParseButton, false},      {"key", SCRIPT_KEY, ParseKey, false},
+    {"turn", SCRIPT_TURN, ParseRepeat, false},        {"advance", SCRIPT_ADVANCE, ParseAdvance, false},
+    {"tick", SCRIPT_TICK, ParseRepeat, false},        {"reading", SCRIPT_READING, ParseReading, false},
+    {"string", SCRIPT_STRING, ParseString, false},    {"setting", SCRIPT_SETTING, ParseSetting, false},
+    {"default", SCRIPT_DEFAULT, ParseSetting, false}, {"fail", SCRIPT_FAIL, ParseFail, false},
+    {"slow", SCRIPT_SLOW, ParseSlow, false},          {"without", SCRIPT_WITHOUT, ParseWithout, true},
+    {"artwork", SCRIPT_ARTWORK, ParseArtwork, true},  {"screenshot", SCRIPT_SCREENSHOT, ParseScreenshot, false},
+    {"start", SCRIPT_START, ParseNothing, false},     {"reset", SCRIPT_RESET, ParseNothing, false},
 };
 
 bool LetsTurnsGoBy(SCRIPT_VERB Verb) { return Verb == SCRIPT_TURN || Verb == SCRIPT_TICK || Verb == SCRIPT_START; }

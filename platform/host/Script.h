@@ -54,9 +54,9 @@ struct SCRIPT_COMMAND {
     EFI_STATUS Status = EFI_SUCCESS;           // fail
     EFI_GUID Guid = {};                        // without
     SCRIPT_ARTWORK_KIND ArtworkKind = ARTWORK_NONE;
-    UINT32 Instance = 0;       // artwork: the section's number, or the type that all answer under
-    std::vector<UINT8> Bytes;  // artwork from a file
-    std::string Path;          // screenshot
+    UINT32 Instance = 0;      // artwork: the section's number, or the type that all answer under
+    std::vector<UINT8> Bytes; // artwork from a file
+    std::string Path;         // screenshot
 };
 
 struct SCRIPT {

@@ -32,9 +32,9 @@ struct SESSION_OPTIONS {
     bool Window = false;
     std::string RecordPath; // of the window's input; empty: none
 
-    bool KeepDisplay = true; // what the display shows at the end comes back
-    bool KeepTrace = false;  // the lines come back in the result
-    bool TracePool = false;  // pool calls too, and who owns what is left over in more detail
+    bool KeepDisplay = true;   // what the display shows at the end comes back
+    bool KeepTrace = false;    // the lines come back in the result
+    bool TracePool = false;    // pool calls too, and who owns what is left over in more detail
     FILE* TraceFile = nullptr; // the lines go there too
 
     // What the CPU's timer and the monotonic count show when the machine is switched on: for tests in which they go over
@@ -49,7 +49,8 @@ struct SESSION_OPTIONS {
     UINT64 PoolFail = 0;  // the one that fails alone; 0: none
 
     UINTN PoolFillLimit = ~0ull; // see POOL
-    bool LowTextPictures = false; // the font service's pictures are only as high as their text, see platform/board/TextService.h
+    bool LowTextPictures =
+        false; // the font service's pictures are only as high as their text, see platform/board/TextService.h
     FAILURE_PLAN Failures; // while the console runs
 
     // The console: an entry point in this process, or an image; by default the one that FindConsoleImage finds. An entry
@@ -60,7 +61,7 @@ struct SESSION_OPTIONS {
     // The arguments of a UEFI shell, without the program's name; nothing: no shell is there.
     std::optional<std::vector<std::string>> ShellArguments;
 
-    bool EchoConsoles = false;       // ConOut, StdErr and complaints reach the program's own streams
+    bool EchoConsoles = false;          // ConOut, StdErr and complaints reach the program's own streams
     const UINT8* ArtworkPack = nullptr; // a pack of a test's own
     UINTN ArtworkPackSize = 0;
 };
@@ -72,20 +73,20 @@ struct SESSION_LEAK {
 };
 
 struct SESSION_RESULT {
-    bool Ran = false;                      // false: nothing was started, and Error says why
-    std::string Error;                     // of the script, the board's name or the machine; empty if all went well
-    bool ScriptError = false;              // Error is of the script
-    EFI_STATUS Status = EFI_SUCCESS;       // the first that wasn't success, else the last
-    std::vector<EFI_STATUS> Statuses;      // of each start
-    UINT64 Turns = 0;                      // of the last start
-    std::vector<std::string> Trace;        // when KeepTrace
-    std::string OutputText;                // what ConOut got
-    std::string ErrorText;                 // what StdErr got
+    bool Ran = false;                        // false: nothing was started, and Error says why
+    std::string Error;                       // of the script, the board's name or the machine; empty if all went well
+    bool ScriptError = false;                // Error is of the script
+    EFI_STATUS Status = EFI_SUCCESS;         // the first that wasn't success, else the last
+    std::vector<EFI_STATUS> Statuses;        // of each start
+    UINT64 Turns = 0;                        // of the last start
+    std::vector<std::string> Trace;          // when KeepTrace
+    std::string OutputText;                  // what ConOut got
+    std::string ErrorText;                   // what StdErr got
     std::map<std::string, PICTURE> Pictures; // the script's screenshots, when KeepPictures
-    PICTURE Display;                       // what the display showed at the end, when KeepDisplay
-    std::vector<SESSION_LEAK> Leaks;       // pool that a start left behind
-    UINTN OpenEvents = 0;                  // events that the starts left open
-    std::vector<std::string> Complaints;   // of the firmware about its callers
+    PICTURE Display;                         // what the display showed at the end, when KeepDisplay
+    std::vector<SESSION_LEAK> Leaks;         // pool that a start left behind
+    UINTN OpenEvents = 0;                    // events that the starts left open
+    std::vector<std::string> Complaints;     // of the firmware about its callers
 };
 
 SESSION_RESULT RunSession(const SESSION_OPTIONS& Options);

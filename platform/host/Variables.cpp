@@ -21,8 +21,7 @@ const VARIABLE* VARIABLES::Find(const CHAR16* Name, const EFI_GUID& Vendor) cons
     return nullptr;
 }
 
-EFI_STATUS VARIABLES::Get(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* Attributes, UINTN* Size,
-                          VOID* Data) const
+EFI_STATUS VARIABLES::Get(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* Attributes, UINTN* Size, VOID* Data) const
 {
     if (Name == nullptr || Vendor == nullptr || Size == nullptr) {
         return EFI_INVALID_PARAMETER;
@@ -46,8 +45,7 @@ EFI_STATUS VARIABLES::Get(const CHAR16* Name, const EFI_GUID* Vendor, UINT32* At
     return EFI_SUCCESS;
 }
 
-EFI_STATUS VARIABLES::Set(const CHAR16* Name, const EFI_GUID* Vendor, UINT32 Attributes, UINTN Size,
-                          const VOID* Data)
+EFI_STATUS VARIABLES::Set(const CHAR16* Name, const EFI_GUID* Vendor, UINT32 Attributes, UINTN Size, const VOID* Data)
 {
     const bool Deletes = Size == 0 || (Attributes & gAccessAttributes) == 0;
     if (Name == nullptr || *Name == 0 || Vendor == nullptr || (Size != 0 && Data == nullptr)) {

@@ -56,10 +56,7 @@ static PIXEL* DrawPlainStrip(UINT32 Width, UINT32 Height)
     return Strip;
 }
 
-static UINT32 Larger(UINT32 A, UINT32 B)
-{
-    return A > B ? A : B;
-}
+static UINT32 Larger(UINT32 A, UINT32 B) { return A > B ? A : B; }
 
 // Loads the strip, or draws a plain one where the file has none, and cuts it at the screen's edge. Without pool the box
 // stays without a picture and without a size: it is then neither drawn nor hit.

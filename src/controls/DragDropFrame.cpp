@@ -17,21 +17,15 @@ constexpr UINTN gNameSize = 256;         // bytes of a node's name
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\DragDropFrame.cpp";
 
-bool FrameIsLive(const DRAGDROP_COMPONENT* Frame)
-{
-    return (Frame->Linked != 0) != (Frame->Inverted != 0);
-}
+bool FrameIsLive(const DRAGDROP_COMPONENT* Frame) { return (Frame->Linked != 0) != (Frame->Inverted != 0); }
 
 bool FrameIsWhole(const DRAGDROP_COMPONENT* Frame)
 {
-    return Frame != nullptr && Frame->Cells != nullptr && Frame->GridImage != nullptr &&
-           Frame->WorkImage != nullptr && Frame->CleanImage != nullptr;
+    return Frame != nullptr && Frame->Cells != nullptr && Frame->GridImage != nullptr && Frame->WorkImage != nullptr &&
+           Frame->CleanImage != nullptr;
 }
 
-static UINT32 CellCount(const DRAGDROP_COMPONENT* Frame)
-{
-    return static_cast<UINT32>(Frame->Columns) * Frame->Rows;
-}
+static UINT32 CellCount(const DRAGDROP_COMPONENT* Frame) { return static_cast<UINT32>(Frame->Columns) * Frame->Rows; }
 
 const DD_FRAME_CELL* CellAt(const DRAGDROP_COMPONENT* Frame, UINT32 Index)
 {
@@ -83,8 +77,8 @@ static EFI_STATUS AllocateFramePictures(DRAGDROP_COMPONENT* Frame)
     if (Frame->Cells == nullptr) {
         return EFI_BUFFER_TOO_SMALL;
     }
-    Frame->GridImage = TakeSharedPicture(SHARED_GRID, Frame->Rect.Width, Frame->Rect.Height, Frame->CellWidth,
-                                         Frame->CellHeight);
+    Frame->GridImage =
+        TakeSharedPicture(SHARED_GRID, Frame->Rect.Width, Frame->Rect.Height, Frame->CellWidth, Frame->CellHeight);
     if (Frame->GridImage == nullptr) {
         return EFI_BUFFER_TOO_SMALL;
     }
@@ -223,8 +217,7 @@ EFI_STATUS DestroyDragDropFrame(DRAGDROP_COMPONENT* Frame)
     return Status;
 }
 
-VOID MoveNode(const DRAGDROP_COMPONENT* Frame, DD_FRAME_NODE* Node, GUI_COMPONENT* Component,
-              const DD_FRAME_CELL& Cell)
+VOID MoveNode(const DRAGDROP_COMPONENT* Frame, DD_FRAME_NODE* Node, GUI_COMPONENT* Component, const DD_FRAME_CELL& Cell)
 {
     Component->Rect.X = Cell.X - Frame->CellWidth / 2u;
     Component->Rect.Y = Cell.Y - Frame->CellHeight / 2u;

@@ -37,7 +37,7 @@ struct DD_FRAME_NODE {
     UINT32 Right;
     UINT32 Column;
     UINT32 Row;
-    UINT32 Id; // of its component; 0 before it is registered, gUnregisteredId where that failed
+    UINT32 Id;    // of its component; 0 before it is registered, gUnregisteredId where that failed
     CHAR16* Name; // 256 bytes. Owned
     PIXEL* Image; // inside NodeImages
 };
@@ -50,12 +50,12 @@ struct _DRAGDROP_COMPONENT {
     UINT16 CellHeight;
     UINT8 ActiveNode; // number of the node in hand, gNoActiveNode for none
     UINT8 DragStarted;
-    DD_FRAME_CELL* Cells;             // owned
-    DD_FRAME_NODE Nodes[gNodeCount];  // node 0 is the low end of the curve
-    PIXEL* GridImage;                 // shared with other frames and sliders
-    PIXEL* CleanImage;                // shared with other frames and sliders
-    PIXEL* WorkImage;                 // the picture of the moment. Owned
-    PIXEL* NodeImages;                // strip of four node pictures. Owned
+    DD_FRAME_CELL* Cells;            // owned
+    DD_FRAME_NODE Nodes[gNodeCount]; // node 0 is the low end of the curve
+    PIXEL* GridImage;                // shared with other frames and sliders
+    PIXEL* CleanImage;               // shared with other frames and sliders
+    PIXEL* WorkImage;                // the picture of the moment. Owned
+    PIXEL* NodeImages;               // strip of four node pictures. Owned
     UINT8 Inverted;
     UINT8 Linked; // a check box writes its state here
     UINT32 Id;    // the component that pages switch for the whole frame; 0 and gUnregisteredId as for a node

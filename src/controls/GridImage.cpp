@@ -28,10 +28,7 @@ VOID PaintGridImage(PIXEL* Image, UINT32 Width, UINT32 Height, UINT32 CellWidth,
     }
 }
 
-static UINT32 Smaller(UINT32 A, UINT32 B)
-{
-    return A < B ? A : B;
-}
+static UINT32 Smaller(UINT32 A, UINT32 B) { return A < B ? A : B; }
 
 bool MarkRectangle(PIXEL* Canvas, UINT32 CanvasWidth, UINT32 CanvasHeight, INT32 X, INT32 Y, UINT32 Width,
                    UINT32 Height, PIXEL Color)

@@ -8,7 +8,7 @@
 
 constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
 constexpr UINT32 gGridLineCount = 10;
-constexpr UINT32 gPlotColumns = 128; // columns that are plotted together
+constexpr UINT32 gPlotColumns = 128;       // columns that are plotted together
 constexpr INT32 gTemperatureMaximum = 100; // degrees
 constexpr INT32 gRpmMaximum = 7000;        // revolutions a minute
 
@@ -44,8 +44,7 @@ static UINT8 MixColor(FLOAT_WORD T, UINT8 From, FLOAT_WORD U, UINT8 To)
 
 static UINT8 ScaleColor(UINT8 Value, FLOAT_WORD Factor)
 {
-    return static_cast<UINT8>(
-        gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->IntToFloat(Value), Factor)));
+    return static_cast<UINT8>(gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->IntToFloat(Value), Factor)));
 }
 
 // Builds both tables of a series: its colour at the top entry, fading to black towards entry 0.
@@ -82,10 +81,7 @@ static bool AllocateSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, S
     return Series->Layer != nullptr && Series->Samples != nullptr;
 }
 
-static UINTN HistorySize(const LINE_CHART* Chart)
-{
-    return Chart->Rect.Width * sizeof(UINT32);
-}
+static UINTN HistorySize(const LINE_CHART* Chart) { return Chart->Rect.Width * sizeof(UINT32); }
 
 static VOID StoreHistory(const CHAR16* Name, const LINE_CHART* Chart, const LINE_CHART_SERIES& Series)
 {
@@ -323,9 +319,8 @@ static VOID DrawGrid(LINE_CHART* Chart)
 static VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color, PLOTTED_LAYER* Plotted)
 {
     const GUI_RECT& Rect = Chart->Rect;
-    const LINE_CHART_EXTENT Known = Plotted->Layer == Series->Layer
-                                        ? Plotted->Extent
-                                        : LINE_CHART_EXTENT{1, static_cast<INT32>(Rect.Height)};
+    const LINE_CHART_EXTENT Known =
+        Plotted->Layer == Series->Layer ? Plotted->Extent : LINE_CHART_EXTENT{1, static_cast<INT32>(Rect.Height)};
     Plotted->Extent = PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Rect.Width, Rect.Height,
                                           Series->Maximum, Series->Minimum, PixelWord(Color), Known);
     Plotted->Layer = Series->Layer;

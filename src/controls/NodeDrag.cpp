@@ -77,10 +77,7 @@ static EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
     return EFI_SUCCESS;
 }
 
-static UINT32 Distance(UINT32 A, UINT32 B)
-{
-    return A > B ? A - B : B - A;
-}
+static UINT32 Distance(UINT32 A, UINT32 B) { return A > B ? A - B : B - A; }
 
 // The lines that lead from the centre of the dragged picture to the frame's two scales.
 static VOID DrawGuideLines(DRAGDROP_COMPONENT* Frame, POINT Place, PIXEL Color)

@@ -95,8 +95,7 @@ EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT
     Rect.Height = static_cast<UINT32>(Slider->Rows) * Slider->CellHeight + 1;
     Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
 
-    Slider->GridImage =
-        TakeSharedPicture(SHARED_GRID, Rect.Width, Rect.Height, Slider->CellWidth, Slider->CellHeight);
+    Slider->GridImage = TakeSharedPicture(SHARED_GRID, Rect.Width, Rect.Height, Slider->CellWidth, Slider->CellHeight);
     if (Slider->GridImage == nullptr) {
         REPORT("AllocatePool Fail (CreateSlider)");
         return EFI_BUFFER_TOO_SMALL;
@@ -233,7 +232,8 @@ EFI_STATUS OnSliderEvent(EFI_EVENT, VOID* Context)
     SLIDER_COMPONENT* Slider = static_cast<SLIDER_COMPONENT*>(Context);
     const bool Live = (Slider->Inverted != 0) != (Slider->Linked != 0);
     // A command may bring a thumb in where a node is being dragged.
-    if (gSliderDragging != 0 || gDragging != 0 || gGuiCore->MouseState != L_HOLD || !Live || gGuiCore->HitId != Slider->ThumbId) {
+    if (gSliderDragging != 0 || gDragging != 0 || gGuiCore->MouseState != L_HOLD || !Live ||
+        gGuiCore->HitId != Slider->ThumbId) {
         return EFI_NOT_FOUND;
     }
     gGuiCore->TargetId = static_cast<UINT16>(Slider->ThumbId);
@@ -360,8 +360,9 @@ EFI_STATUS SliderStep()
 
 const COMPONENT_CLASS gThumbClass = {
     .Kind = _SLIDER_COMPONENT,
-    .Scan = [](const GUI_COMPONENT* Component) {
-        return ScanHeldPart(Component, static_cast<const SLIDER_COMPONENT*>(Component->Owner)->FrameId);
-    },
+    .Scan =
+        [](const GUI_COMPONENT* Component) {
+            return ScanHeldPart(Component, static_cast<const SLIDER_COMPONENT*>(Component->Owner)->FrameId);
+        },
     .HoverOf = [](const VOID* Owner) { return static_cast<const SLIDER_COMPONENT*>(Owner)->HoverHandler; },
 };

@@ -163,8 +163,8 @@ static VOID DrawGaugeFrame(VOLTAGE_GAUGE* Gauge, bool Last)
 // Columns of the bar that the value takes.
 static INT64 BarLength(const VOLTAGE_GAUGE* Gauge)
 {
-    const FLOAT_WORD Part = gFloatMath->FloatDivide(gFloatMath->IntToFloat(Gauge->Value),
-                                                    gFloatMath->IntToFloat(Gauge->Maximum));
+    const FLOAT_WORD Part =
+        gFloatMath->FloatDivide(gFloatMath->IntToFloat(Gauge->Value), gFloatMath->IntToFloat(Gauge->Maximum));
     return gFloatMath->FloatToInt(gFloatMath->FloatMultiply(Part, gFloatMath->IntToFloat(gBarWidth)));
 }
 

@@ -13,12 +13,12 @@ struct VOLTAGE_GAUGE {
     INT32 Height;
     UINT16 TitleWidth;
     UINT16 TitleHeight;
-    PIXEL* Canvas;   // the whole picture. Owned
-    PIXEL* Bar;      // (Width - 3) x 36 pixels. Owned
-    PIXEL* Gradient; // colour of each bar column. Owned
-    INT32 Maximum;   // millivolts
-    INT32 Minimum;   // millivolts
-    INT32 Value;     // millivolts
+    PIXEL* Canvas;     // the whole picture. Owned
+    PIXEL* Bar;        // (Width - 3) x 36 pixels. Owned
+    PIXEL* Gradient;   // colour of each bar column. Owned
+    INT32 Maximum;     // millivolts
+    INT32 Minimum;     // millivolts
+    INT32 Value;       // millivolts
     PIXEL* TitleImage; // null without a title. Owned
     PIXEL LeftColor;
     PIXEL RightColor;

@@ -31,8 +31,8 @@ VOID DrawIcons(const PIXEL* Strip, UINT32 Width, UINT32 Height)
         const INT32 Y = static_cast<INT32>(Node * IconHeight + gIconTop);
         (void)OverlayBlt(Icon, static_cast<INT32>(Width), static_cast<INT32>(IconHeight), gLegendActive, gLegendWidth,
                          gLegendHeight, 0, Y, &gKeyColor, &gKeyColor, 1);
-        (void)OverlayBlt(Icon, static_cast<INT32>(Width), static_cast<INT32>(IconHeight), gLegendInactive,
-                         gLegendWidth, gLegendHeight, 0, Y, &gKeyColor, &gKeyColor, 1);
+        (void)OverlayBlt(Icon, static_cast<INT32>(Width), static_cast<INT32>(IconHeight), gLegendInactive, gLegendWidth,
+                         gLegendHeight, 0, Y, &gKeyColor, &gKeyColor, 1);
     }
 }
 

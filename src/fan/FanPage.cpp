@@ -19,11 +19,11 @@ namespace {
 
 // --- The facts ---
 
-constexpr UINT32 gTabSection = 5;       // JPEG
-constexpr UINT32 gNode8Section = 11;    // BMP
-constexpr UINT32 gNode6Section = 13;    // BMP
-constexpr UINT32 gRadioSection = 18;    // JPEG
-constexpr UINT32 gFanBoxSection = 19;   // BMP
+constexpr UINT32 gTabSection = 5;     // JPEG
+constexpr UINT32 gNode8Section = 11;  // BMP
+constexpr UINT32 gNode6Section = 13;  // BMP
+constexpr UINT32 gRadioSection = 18;  // JPEG
+constexpr UINT32 gFanBoxSection = 19; // BMP
 
 constexpr UINT32 gTabY = 118;
 constexpr UINT16 gTabTextX = 0;
@@ -47,20 +47,13 @@ struct FAN_PAGE_FACTS {
 
 // The tab of item 8 lies one pixel right of the pitch and its readout doesn't; that is meant.
 constexpr FAN_PAGE_FACTS gFanPageFacts[gFanItemCount] = {
-    {FAN_LAYOUT_CURVE8, 275,
-     {0xFE2A31D4, 0xE344, 0x4B1C, {0xAC, 0x0A, 0x54, 0xB6, 0x99, 0xBA, 0xEB, 0xF6}}},
-    {FAN_LAYOUT_NONE, 374,
-     {0x55D26D12, 0x33F2, 0x4000, {0xB1, 0x7D, 0xD2, 0x20, 0xFD, 0xB3, 0xB5, 0xF2}}},
-    {FAN_LAYOUT_CURVE6, 473,
-     {0xAEFF8490, 0xBEDF, 0x460D, {0xBE, 0x5F, 0x62, 0x99, 0x7F, 0x9B, 0x2D, 0xA5}}},
-    {FAN_LAYOUT_CURVE6_SLIDER, 572,
-     {0x9F2A1282, 0x0C21, 0x48A8, {0x8F, 0x51, 0x7E, 0x42, 0xF5, 0x0C, 0x01, 0xC4}}},
-    {FAN_LAYOUT_CURVE6_SLIDER, 672,
-     {0xC352DF79, 0x3511, 0x4D1F, {0x99, 0xF4, 0xD1, 0xBC, 0x4A, 0xB1, 0x9F, 0xA1}}},
-    {FAN_LAYOUT_SLIDER, 770,
-     {0x659F4BA5, 0x4D74, 0x46DB, {0x8F, 0x50, 0xBF, 0x9C, 0xD4, 0x4A, 0x26, 0xA3}}},
-    {FAN_LAYOUT_SLIDER, 869,
-     {0xE20DC3DF, 0x0041, 0x4A25, {0xB3, 0x04, 0x76, 0xF1, 0x6B, 0x07, 0x76, 0xFD}}},
+    {FAN_LAYOUT_CURVE8, 275, {0xFE2A31D4, 0xE344, 0x4B1C, {0xAC, 0x0A, 0x54, 0xB6, 0x99, 0xBA, 0xEB, 0xF6}}},
+    {FAN_LAYOUT_NONE, 374, {0x55D26D12, 0x33F2, 0x4000, {0xB1, 0x7D, 0xD2, 0x20, 0xFD, 0xB3, 0xB5, 0xF2}}},
+    {FAN_LAYOUT_CURVE6, 473, {0xAEFF8490, 0xBEDF, 0x460D, {0xBE, 0x5F, 0x62, 0x99, 0x7F, 0x9B, 0x2D, 0xA5}}},
+    {FAN_LAYOUT_CURVE6_SLIDER, 572, {0x9F2A1282, 0x0C21, 0x48A8, {0x8F, 0x51, 0x7E, 0x42, 0xF5, 0x0C, 0x01, 0xC4}}},
+    {FAN_LAYOUT_CURVE6_SLIDER, 672, {0xC352DF79, 0x3511, 0x4D1F, {0x99, 0xF4, 0xD1, 0xBC, 0x4A, 0xB1, 0x9F, 0xA1}}},
+    {FAN_LAYOUT_SLIDER, 770, {0x659F4BA5, 0x4D74, 0x46DB, {0x8F, 0x50, 0xBF, 0x9C, 0xD4, 0x4A, 0x26, 0xA3}}},
+    {FAN_LAYOUT_SLIDER, 869, {0xE20DC3DF, 0x0041, 0x4A25, {0xB3, 0x04, 0x76, 0xF1, 0x6B, 0x07, 0x76, 0xFD}}},
 };
 
 // --- What ties a page together ---
@@ -108,8 +101,7 @@ constexpr FAN_JOIN gWriteUnchecked = Link(CHECK_BOX_LINK_UNCHECKED, PART_PAGE, O
 constexpr FAN_JOIN gRefreshFrame = Link(CHECK_BOX_LINK_INSIDE, PART_FRAME, OnDragDropRefresh, PART_FRAME);
 constexpr FAN_JOIN gRefreshLegend = Link(CHECK_BOX_LINK_INSIDE, PART_NONE, RefreshFanLegend, PART_FRAME);
 constexpr FAN_JOIN gSwapFrame = Link(CHECK_BOX_LINK_CHECKED, PART_FRAME, OnDragDropRefresh, PART_FRAME, PART_FRAME);
-constexpr FAN_JOIN gSwapSlider =
-    Link(CHECK_BOX_LINK_UNCHECKED, PART_SLIDER, OnSliderRefresh, PART_SLIDER, PART_SLIDER);
+constexpr FAN_JOIN gSwapSlider = Link(CHECK_BOX_LINK_UNCHECKED, PART_SLIDER, OnSliderRefresh, PART_SLIDER, PART_SLIDER);
 constexpr FAN_JOIN gTabBox = Target(PART_BOX, SetCheckBoxState, PART_BOX);
 constexpr FAN_JOIN gTabFrame = Target(PART_PAGE, OnFanFrameShown, PART_FRAME);
 constexpr FAN_JOIN gTabSlider = Target(PART_SLIDER, OnSliderRefresh, PART_SLIDER);
@@ -120,6 +112,7 @@ constexpr FAN_JOIN gTabFrameIfChecked = Target(PART_FRAME, nullptr, PART_FRAME, 
 constexpr FAN_JOIN gTabSliderIfUnchecked = Target(PART_SLIDER, nullptr, PART_SLIDER, GATE_UNCHECKED);
 constexpr FAN_JOIN gTabSliderWithoutBox = Target(PART_SLIDER, OnSliderRefresh, PART_SLIDER, GATE_NO_BOX);
 
+// clang-format off
 constexpr FAN_JOIN gCurve8Joins[] = {
     gWriteUnchecked, gWriteChecked, gTabFrame,      gTabBox,    gSetting,
     gRefreshFrame,   gFrameDrop,    gRefreshLegend, gTabLegend,
@@ -133,6 +126,7 @@ constexpr FAN_JOIN gCurve6SliderJoins[] = {
     gTabFrameIfChecked, gTabSliderIfUnchecked, gTabSliderWithoutBox, gFrameDrop,      gSliderDrop,
     gRefreshLegend,     gTabLegend,
 };
+// clang-format on
 constexpr FAN_JOIN gSliderJoins[] = {gTabSlider, gSliderDrop, gTabLegendOverSlider};
 
 struct FAN_LAYOUT_FACTS {
@@ -175,8 +169,8 @@ VOID CreateTemperatureRows()
                            Readout.Y, gGuiCore->Screen);
         }
         const TEMPORARY<CHAR16> Name(gHwService->GetItemString(gHwService, Source));
-        (void)CreateCheckBox(&gTemperatureRadio[Source], Name.Data, gRadioX, Readout.Y, gRadioSection, &gArtworkFileGuid,
-                             CHECK_BOX_JPEG, gRadioTextX, gRadioTextY);
+        (void)CreateCheckBox(&gTemperatureRadio[Source], Name.Data, gRadioX, Readout.Y, gRadioSection,
+                             &gArtworkFileGuid, CHECK_BOX_JPEG, gRadioTextX, gRadioTextY);
         if (gTemperatureRadio[Source] != nullptr && gTemperaturePageBar != nullptr) {
             (void)AddPageBarCheckBox(gTemperaturePageBar, gTemperatureRadio[Source], OnTemperatureSourceSelected);
         }
@@ -247,8 +241,8 @@ VOID CreatePanelControls(FAN_PAGE* Page)
         Page->Slider.Inverted = 1; // live while the box isn't checked
     }
     if (gFanReadoutBackdrop != nullptr) {
-        (void)PasteBlt(gFanReadoutBackdrop, gFanReadoutBackdropWidth, gFanReadoutBackdropHeight, Readout.X,
-                       Readout.Y, gGuiCore->Screen);
+        (void)PasteBlt(gFanReadoutBackdrop, gFanReadoutBackdropWidth, gFanReadoutBackdropHeight, Readout.X, Readout.Y,
+                       gGuiCore->Screen);
     }
 }
 
@@ -330,8 +324,8 @@ VOID MakeJoin(FAN_PAGE* Page, const FAN_JOIN& Join)
                               ComponentId);
         break;
     case JOIN_TARGET:
-        (void)AddPageBarTarget(Page->Tab, Context, Join.Notify, ComponentId,
-                               ByBox ? &Page->CheckBox->State : nullptr, Join.Gate == GATE_CHECKED ? 1 : 0);
+        (void)AddPageBarTarget(Page->Tab, Context, Join.Notify, ComponentId, ByBox ? &Page->CheckBox->State : nullptr,
+                               Join.Gate == GATE_CHECKED ? 1 : 0);
         break;
     case JOIN_FRAME_DROP:
         AddDragDropListener(Listeners.OnFrameDrop, L_HOLD_TO_RELEASE);

@@ -44,9 +44,9 @@ struct FAN_PAGE {
     DRAGDROP_COMPONENT Frame;      // not built on FAN_LAYOUT_SLIDER
     SLIDER_COMPONENT Slider;       // not built on FAN_LAYOUT_CURVE8
     LINE_CHART* Chart;
-    FAN_SETTING Setting; // last copy read from the service, as the service gave it
+    FAN_SETTING Setting;          // last copy read from the service, as the service gave it
     UINT32 NodeCells[gNodeCount]; // cells of the nodes at creation
-    UINT8 LinkByte = 1; // target of the links that write the hardware; nothing reads it
+    UINT8 LinkByte = 1;           // target of the links that write the hardware; nothing reads it
 };
 
 // In tab order, items 4 to 10. Empty until CreateFanPages.
@@ -63,7 +63,7 @@ struct READOUT {
     UINT32 NumberX;
     const CHAR16* Unit;
 };
-constexpr UINT32 gReadoutTextY = 8;        // of number and unit, below the backdrop's edge
+constexpr UINT32 gReadoutTextY = 8; // of number and unit, below the backdrop's edge
 constexpr UINT32 gReadoutNumberWidth = 40;
 
 // The temperature sources from the top, then the fans from the left.

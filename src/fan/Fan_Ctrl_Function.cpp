@@ -43,7 +43,8 @@ FAN_CURVE CurveOfFrame(const DRAGDROP_COMPONENT& Frame)
 // apart, and only a click on the box writes; the other pages write their setting once more.
 EFI_STATUS WriteFromBox(const FAN_PAGE* Page, UINT8 CurveOn)
 {
-    if (Page->Layout == FAN_LAYOUT_CURVE8 && (Page->CheckBox == nullptr || !PointInRect(Page->CheckBox->Rect, gGuiCore->PointerX, gGuiCore->PointerY))) {
+    if (Page->Layout == FAN_LAYOUT_CURVE8 &&
+        (Page->CheckBox == nullptr || !PointInRect(Page->CheckBox->Rect, gGuiCore->PointerX, gGuiCore->PointerY))) {
         return EFI_NOT_FOUND;
     }
     FAN_SETTING Record;
@@ -163,8 +164,7 @@ VOID RestoreFanNodes(FAN_PAGE* Page)
 {
     const FAN_PAGE_LAYOUT Layout = LayoutNow(Page);
     if (Layout == FAN_LAYOUT_CURVE8 && PageHasFrame(Page)) {
-        const FAN_CURVE Curve =
-            LegalizeCurve(CurveOfSetting(Page->Setting), Page->Frame.Columns, Page->Frame.Rows);
+        const FAN_CURVE Curve = LegalizeCurve(CurveOfSetting(Page->Setting), Page->Frame.Columns, Page->Frame.Rows);
         const UINT8 Places[] = {Curve.Column[3], Curve.Column[2], Curve.Column[1], Curve.Column[0],
                                 Curve.Level[0],  Curve.Level[1],  Curve.Level[2],  Curve.Level[3]};
         (void)SetDragDropNodes(&Page->Frame, Places);

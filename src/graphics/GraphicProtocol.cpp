@@ -74,8 +74,8 @@ VOID ComposeAtEdge(GUI_CORE* Core, PIXEL* Buffer, UINTN BlockX, UINTN BlockY, UI
     // Without pool for it the pointer is left out; the next composition repairs it.
     const TEMPORARY<PIXEL> Visible(Width == 0 || Height == 0 ? nullptr : AllocateArray<PIXEL>(Width * Height));
     if (Visible) {
-        (void)ExtractBlt(Visible.Data, Width, Height, Core->Screen, gScreenWidth, gScreenHeight,
-                         static_cast<INT32>(Y), static_cast<INT32>(X));
+        (void)ExtractBlt(Visible.Data, Width, Height, Core->Screen, gScreenWidth, gScreenHeight, static_cast<INT32>(Y),
+                         static_cast<INT32>(X));
         (void)OverlayBlt(Core->CursorImage, static_cast<INT32>(Core->CursorWidth),
                          static_cast<INT32>(Core->CursorHeight), Visible.Data, Width, Height, 0, 0, &gBlackPixel,
                          nullptr, 0);
@@ -101,10 +101,8 @@ UINT8 GrayByService(PIXEL From, FLOAT_WORD RedShare, FLOAT_WORD GreenShare, FLOA
 // roundings on the way fall. Each other arithmetic fails on several: numbers rounded another way or not at all, a
 // product and a sum rounded as one, another order of the sums, a fraction rounded and not dropped.
 constexpr PIXEL gGrayProbes[] = {
-    {.Blue = 37, .Green = 53, .Red = 29, .Reserved = 0},
-    {.Blue = 90, .Green = 10, .Red = 130, .Reserved = 0},
-    {.Blue = 37, .Green = 37, .Red = 37, .Reserved = 0},
-    {.Blue = 245, .Green = 233, .Red = 1, .Reserved = 0},
+    {.Blue = 37, .Green = 53, .Red = 29, .Reserved = 0}, {.Blue = 90, .Green = 10, .Red = 130, .Reserved = 0},
+    {.Blue = 37, .Green = 37, .Red = 37, .Reserved = 0}, {.Blue = 245, .Green = 233, .Red = 1, .Reserved = 0},
     {.Blue = 56, .Green = 5, .Red = 19, .Reserved = 0},
 };
 constexpr UINTN gGrayProbeCount = sizeof(gGrayProbes) / sizeof(gGrayProbes[0]);
@@ -226,8 +224,8 @@ EFI_STATUS GrayBlt(PIXEL* Dst, UINTN DstWidth, UINTN DstHeight, const PIXEL* Src
 
 EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
 {
-    const bool Moved = static_cast<UINT64>(Core->PointerX) != Core->CursorX ||
-                       static_cast<UINT64>(Core->PointerY) != Core->CursorY;
+    const bool Moved =
+        static_cast<UINT64>(Core->PointerX) != Core->CursorX || static_cast<UINT64>(Core->PointerY) != Core->CursorY;
 
     // The saved pixels are taken anew each time, so that they show what Screen holds now and not what it held when the
     // pointer arrived.
@@ -244,8 +242,8 @@ EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN 
     }
 
     // A pointer service may name a place off the screen; then there is nothing to lay the pointer on.
-    const bool OnScreen = Core->PointerX >= 0 && Core->PointerX < gScreenWidth && Core->PointerY >= 0 &&
-                          Core->PointerY < gScreenHeight;
+    const bool OnScreen =
+        Core->PointerX >= 0 && Core->PointerX < gScreenWidth && Core->PointerY >= 0 && Core->PointerY < gScreenHeight;
     if (OnScreen) {
         (void)ExtractBlt(Core->CursorBlend, Core->CursorWidth, Core->CursorHeight, Core->Screen, gScreenWidth,
                          gScreenHeight, static_cast<INT32>(Core->PointerY), static_cast<INT32>(Core->PointerX));

@@ -177,10 +177,7 @@ struct MIXER {
 // A colour to find in pixels, whatever their reserved bytes are.
 struct COLOR_TEST {
     explicit COLOR_TEST(PIXEL Color) : Wanted(Splat(PixelWord(Color) & gColorBits)) {}
-    __m128i Matches(__m128i Pixels) const
-    {
-        return _mm_cmpeq_epi32(_mm_and_si128(Pixels, Splat(gColorBits)), Wanted);
-    }
+    __m128i Matches(__m128i Pixels) const { return _mm_cmpeq_epi32(_mm_and_si128(Pixels, Splat(gColorBits)), Wanted); }
 
     __m128i Wanted;
 };
@@ -432,10 +429,7 @@ VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Row
     ApplyToBlock(Dst, Src, Columns, Rows, COPY_RULE{});
 }
 
-VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count)
-{
-    ApplyToRow(Dst, Image, Count, POINTER_RULE{});
-}
+VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count) { ApplyToRow(Dst, Image, Count, POINTER_RULE{}); }
 
 VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line)
 {

@@ -133,20 +133,14 @@ VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Row
     plain::GrayPixels(Dst, Src, Columns, Rows, Key);
 }
 
-VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
-{
-    plain::FillPixels(Dst, Count, Color);
-}
+VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color) { plain::FillPixels(Dst, Count, Color); }
 
 VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
 {
     plain::CopyPixels(Dst, Src, Columns, Rows);
 }
 
-VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count)
-{
-    plain::LayPointerPixels(Dst, Image, Count);
-}
+VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count) { plain::LayPointerPixels(Dst, Image, Count); }
 
 VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line)
 {

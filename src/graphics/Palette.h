@@ -43,13 +43,7 @@ constexpr PIXEL gScaleHotColorX = {0xFF, 0xFF, 0xFF, 0};
 constexpr PIXEL gScaleHotColorY = {0xFF, 0xFF, 0xFF, 0};
 
 // Colour comparison looks at blue, green and red; the reserved byte never counts.
-constexpr bool SameColor(PIXEL A, PIXEL B)
-{
-    return A.Blue == B.Blue && A.Green == B.Green && A.Red == B.Red;
-}
+constexpr bool SameColor(PIXEL A, PIXEL B) { return A.Blue == B.Blue && A.Green == B.Green && A.Red == B.Red; }
 
 // A pixel as the word that travels by value.
-constexpr UINT32 PixelWord(PIXEL Pixel)
-{
-    return __builtin_bit_cast(UINT32, Pixel);
-}
+constexpr UINT32 PixelWord(PIXEL Pixel) { return __builtin_bit_cast(UINT32, Pixel); }

@@ -17,8 +17,7 @@ constexpr UINT8 gTightGeneration = 4;
 constexpr UINTN gLongestRequest = 128;
 
 // One row of text; characters that the font doesn't have are left out.
-constexpr EFI_HII_OUT_FLAGS gTextFlags =
-    EFI_HII_OUT_FLAG_WRAP | EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK;
+constexpr EFI_HII_OUT_FLAGS gTextFlags = EFI_HII_OUT_FLAG_WRAP | EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK;
 
 constexpr UINT32 gBoxWidth = 40; // five characters
 
@@ -88,9 +87,8 @@ EFI_STATUS StringToBlt(const PIXEL* Foreground, const PIXEL* Background, PIXEL**
     if (Tight) {
         Status = Font->StringToImage(Font, gTextFlags, String, &Info, &Image, 0, 0, nullptr, nullptr, nullptr);
         if (!EfiError(Status)) {
-            Status = Image == nullptr || Image->Image.Bitmap == nullptr
-                         ? EFI_NOT_FOUND
-                         : TakeWholeImage(*Image, Out, Width, Height);
+            Status = Image == nullptr || Image->Image.Bitmap == nullptr ? EFI_NOT_FOUND
+                                                                        : TakeWholeImage(*Image, Out, Width, Height);
         } else {
             Image = nullptr; // whatever a failing service left there
         }

@@ -23,10 +23,7 @@ PAGE_BAR_ENTRY* EntryAt(const PAGE_BAR* Bar, UINT32 Index)
 }
 
 // The group event only has to exist, so that the scan's signal reaches the group.
-EFI_STATUS OnGroupEvent(EFI_EVENT, VOID*)
-{
-    return EFI_SUCCESS;
-}
+EFI_STATUS OnGroupEvent(EFI_EVENT, VOID*) { return EFI_SUCCESS; }
 
 EFI_STATUS CreateSelectEvent(PAGE_BAR_ENTRY* Entry, EFI_EVENT_NOTIFY SelectNotify)
 {
@@ -65,8 +62,8 @@ EFI_STATUS JoinPageBar(PAGE_BAR* Bar, VOID* Control, UINT32 ControlId, UINT8 Kin
         Component->PrimaryEvent = Bar->Event;
     }
     (void)CreateSelectEvent(Entry, SelectNotify);
-    const EFI_STATUS Status = CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnGroupEvent, Entry,
-                                               &Entry->GroupGuid, &Entry->GroupEvent);
+    const EFI_STATUS Status =
+        CreateGroupEvent(EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnGroupEvent, Entry, &Entry->GroupGuid, &Entry->GroupEvent);
     Component->SecondaryEvent = Entry->GroupEvent;
     Entry->Index = Bar->Entries->Count;
     if (Entry->Index == 0) {

@@ -29,9 +29,9 @@ struct PAGE_BAR_ENTRY {
     UINT32 Index;
     LIST_ENTRY Targets;
     UINT16 TargetCount;
-    EFI_GUID GroupGuid; // names the entry's event group
-    VOID* Control;      // BTN_COMPONENT or CHECK_BOX_COMPONENT, by Kind; not owned
-    UINT8 Kind;         // _RADIO_BTN_COMPONENT or _RADIO_CBOX_COMPONENT
+    EFI_GUID GroupGuid;    // names the entry's event group
+    VOID* Control;         // BTN_COMPONENT or CHECK_BOX_COMPONENT, by Kind; not owned
+    UINT8 Kind;            // _RADIO_BTN_COMPONENT or _RADIO_CBOX_COMPONENT
     EFI_EVENT SelectEvent; // signalled when the entry becomes selected; its context is the entry
     EFI_EVENT GroupEvent;  // member of the group: the component's SecondaryEvent
 };

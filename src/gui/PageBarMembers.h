@@ -14,10 +14,7 @@ inline PAGE_BAR_TARGET* TargetOf(LIST_ENTRY* Link)
     return RecordOf<PAGE_BAR_TARGET>(Link, offsetof(PAGE_BAR_TARGET, Link));
 }
 
-inline BTN_COMPONENT* ButtonOf(const PAGE_BAR_ENTRY* Entry)
-{
-    return static_cast<BTN_COMPONENT*>(Entry->Control);
-}
+inline BTN_COMPONENT* ButtonOf(const PAGE_BAR_ENTRY* Entry) { return static_cast<BTN_COMPONENT*>(Entry->Control); }
 
 inline CHECK_BOX_COMPONENT* CheckBoxOf(const PAGE_BAR_ENTRY* Entry)
 {

@@ -57,10 +57,7 @@ VOID StepHover()
     }
 }
 
-VOID ReadTimer(UINT64* Ticks)
-{
-    (void)gCpuArch->GetTimerValue(gCpuArch, 0, Ticks, &gGuiCore->TimerPeriod);
-}
+VOID ReadTimer(UINT64* Ticks) { (void)gCpuArch->GetTimerValue(gCpuArch, 0, Ticks, &gGuiCore->TimerPeriod); }
 
 VOID StepPress()
 {
@@ -83,8 +80,7 @@ VOID StepPress()
     if (Core->LeftButton == 0 && Timed) {
         ReadTimer(&gPressEndTicks);
         gPressTimed = 0;
-        Core->PressDuration =
-            (gPressEndTicks - gPressStartTicks) * Core->TimerPeriod / gFemtosecondsPerMicrosecond;
+        Core->PressDuration = (gPressEndTicks - gPressStartTicks) * Core->TimerPeriod / gFemtosecondsPerMicrosecond;
         Core->MouseState = Core->PressDuration >= gLongPress ? L_HOLD_TO_RELEASE : L_CLICK;
     }
 }

@@ -14,4 +14,3 @@ EFI_STATUS ScanPointerTargets();
 
 // One read of the pointer service, one step of the hover logic, one of press timing.
 VOID UpdatePointer();
-

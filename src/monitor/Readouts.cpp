@@ -14,7 +14,7 @@ struct GAUGE_FACTS {
 };
 
 constexpr GAUGE_FACTS gGaugeFacts[gVoltageItemCount] = {
-    {69, u"CPU Core"},   {196, u"CPU I/O"}, {323, u"System/3.3V"}, {450, u"System/5V"},
+    {69, u"CPU Core"},    {196, u"CPU I/O"}, {323, u"System/3.3V"}, {450, u"System/5V"},
     {577, u"System/12V"}, {704, u"GPU"},     {831, u"DRAM"},
 };
 
@@ -42,8 +42,7 @@ struct READING {
 READING ReadItem(UINTN Item)
 {
     READING Reading = {};
-    Reading.Status =
-        gHwService->GetItemValue(gHwService, static_cast<UINT8>(Item), &Reading.Value, &Reading.Present);
+    Reading.Status = gHwService->GetItemValue(gHwService, static_cast<UINT8>(Item), &Reading.Value, &Reading.Present);
     return Reading;
 }
 

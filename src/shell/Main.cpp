@@ -96,8 +96,7 @@ VOID LoadCaptions()
 {
     (void)LoadJpegBlt(gTempCaptionInstance, &gArtworkFileGuid, &gTempCaptionImage, &gTempCaptionWidth,
                       &gTempCaptionHeight);
-    (void)LoadJpegBlt(gRpmCaptionInstance, &gArtworkFileGuid, &gRpmCaptionImage, &gRpmCaptionWidth,
-                      &gRpmCaptionHeight);
+    (void)LoadJpegBlt(gRpmCaptionInstance, &gArtworkFileGuid, &gRpmCaptionImage, &gRpmCaptionWidth, &gRpmCaptionHeight);
     (void)LoadJpegBlt(gDutyCaptionInstance, &gArtworkFileGuid, &gDutyCaptionImage, &gDutyCaptionWidth,
                       &gDutyCaptionHeight);
 }
@@ -307,10 +306,7 @@ VOID RunLibraryConstructors(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTabl
     (void)BindShellProtocols();
 }
 
-VOID RunLibraryDestructors(EFI_HANDLE)
-{
-    ReleaseShellProtocols();
-}
+VOID RunLibraryDestructors(EFI_HANDLE) { ReleaseShellProtocols(); }
 
 EFI_STATUS MonitorMain(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable)
 {

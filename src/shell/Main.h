@@ -6,7 +6,8 @@
 #include "uefi/SystemTable.h"
 
 // What the firmware calls. Gives back what MonitorMain gave. The one symbol that an image shows.
-extern "C" __attribute__((visibility("default"))) EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);
+extern "C" __attribute__((visibility("default"))) EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle,
+                                                                               EFI_SYSTEM_TABLE* SystemTable);
 
 // Keeps the firmware's tables, looks up the HII protocols and binds the shell.
 VOID RunLibraryConstructors(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);

@@ -122,8 +122,8 @@ EFI_STATUS MergeCorners(SCREEN_FRAME* Frame, const EFI_GUID* FileGuid, const COR
     UINTN LeftSize = 0;
     UINT32 Height = 0;
     UINT32 Width = 0;
-    Status = gImageDecoder->ConvertBmpToGopBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize),
-                                                &Left.Data, &LeftSize, &Height, &Width);
+    Status = gImageDecoder->ConvertBmpToGopBltA(gImageDecoder, Stored.Data, static_cast<UINT32>(StoredSize), &Left.Data,
+                                                &LeftSize, &Height, &Width);
     if (EfiError(Status) || !Left) {
         Left.Data = nullptr;
         if (Corner.Upper) {

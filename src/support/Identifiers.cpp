@@ -270,8 +270,7 @@ VOID GetNodeIdentifier(UINT8* Node)
         MapSize -= MapSize % DescriptorSize;
     }
 
-    TEMPORARY<UINT8> Traits(
-        AllocateArray<UINT8>(MapSize + gFixedDiskCount * sizeof(EFI_HANDLE) + sizeof(EFI_TIME)));
+    TEMPORARY<UINT8> Traits(AllocateArray<UINT8>(MapSize + gFixedDiskCount * sizeof(EFI_HANDLE) + sizeof(EFI_TIME)));
     if (!Traits) {
         return;
     }

@@ -30,15 +30,9 @@ VOID FreePool(VOID* Buffer)
     }
 }
 
-VOID CopyMem(VOID* Destination, const VOID* Source, UINTN Length)
-{
-    gBS->CopyMem(Destination, Source, Length);
-}
+VOID CopyMem(VOID* Destination, const VOID* Source, UINTN Length) { gBS->CopyMem(Destination, Source, Length); }
 
-VOID SetMem(VOID* Buffer, UINTN Size, UINT8 Value)
-{
-    gBS->SetMem(Buffer, Size, Value);
-}
+VOID SetMem(VOID* Buffer, UINTN Size, UINT8 Value) { gBS->SetMem(Buffer, Size, Value); }
 
 VOID MoveBytes(VOID* Destination, const VOID* Source, UINTN Length)
 {

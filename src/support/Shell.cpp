@@ -19,8 +19,8 @@ constinit BINDING gInterface = {&gShellInterfaceGuid, nullptr, nullptr};
 bool Open(BINDING& Binding, EFI_HANDLE Handle)
 {
     VOID* Interface = nullptr;
-    const EFI_STATUS Status = gBS->OpenProtocol(Handle, Binding.Protocol, &Interface, gImageHandle, nullptr,
-                                                EFI_OPEN_PROTOCOL_GET_PROTOCOL);
+    const EFI_STATUS Status =
+        gBS->OpenProtocol(Handle, Binding.Protocol, &Interface, gImageHandle, nullptr, EFI_OPEN_PROTOCOL_GET_PROTOCOL);
     if (EfiError(Status)) {
         return false;
     }
@@ -62,8 +62,7 @@ VOID FindEnvironment()
         return;
     }
     TEMPORARY<EFI_HANDLE> Handles(static_cast<EFI_HANDLE*>(AllocatePool(Size)));
-    if (!Handles ||
-        EfiError(gBS->LocateHandle(ByProtocol, &gShellEnvironmentGuid, nullptr, &Size, Handles.Data))) {
+    if (!Handles || EfiError(gBS->LocateHandle(ByProtocol, &gShellEnvironmentGuid, nullptr, &Size, Handles.Data))) {
         return;
     }
     for (UINTN Index = 0; Index < Size / sizeof(EFI_HANDLE); ++Index) {
@@ -80,8 +79,7 @@ bool OldShellIsComplete() { return gEnvironment.Interface != nullptr && gInterfa
 
 EFI_STATUS BindShellProtocols()
 {
-    if (!Open(gShell, gImageHandle) &&
-        EfiError(gBS->LocateProtocol(gShell.Protocol, nullptr, &gShell.Interface))) {
+    if (!Open(gShell, gImageHandle) && EfiError(gBS->LocateProtocol(gShell.Protocol, nullptr, &gShell.Interface))) {
         gShell.Interface = nullptr;
     }
     (void)Open(gParameters, gImageHandle);
@@ -110,7 +108,8 @@ VOID ReleaseShellProtocols()
 bool ShellArguments(CHAR16*** Argv, UINTN* Argc)
 {
     if (NewShellIsComplete()) {
-        const EFI_SHELL_PARAMETERS_PROTOCOL* Parameters = static_cast<const EFI_SHELL_PARAMETERS_PROTOCOL*>(gParameters.Interface);
+        const EFI_SHELL_PARAMETERS_PROTOCOL* Parameters =
+            static_cast<const EFI_SHELL_PARAMETERS_PROTOCOL*>(gParameters.Interface);
         *Argv = Parameters->Argv;
         *Argc = Parameters->Argc;
         return true;

@@ -71,9 +71,9 @@ struct ARTWORK_BENCH : HOSTED {
     EFI_STATUS DecodeBmp(const std::vector<UINT8>& Bytes, DECODED* Out) const
     {
         TEMPORARY<PIXEL> Blt;
-        const EFI_STATUS Status = gBoardImageDecoder.ConvertBmpToGopBltA(
-            &gBoardImageDecoder, Bytes.data(), static_cast<UINT32>(Bytes.size()), &Blt.Data, &Out->Size, &Out->Height,
-            &Out->Width);
+        const EFI_STATUS Status =
+            gBoardImageDecoder.ConvertBmpToGopBltA(&gBoardImageDecoder, Bytes.data(), static_cast<UINT32>(Bytes.size()),
+                                                   &Blt.Data, &Out->Size, &Out->Height, &Out->Width);
         Out->Stride = Out->Width;
         Out->Pixels.assign(Blt.Data, Blt.Data + Out->Size / sizeof(PIXEL));
         return Status;

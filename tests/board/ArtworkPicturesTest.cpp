@@ -23,7 +23,8 @@ int Distance(UINT32 A, UINT32 B)
 {
     int Largest = 0;
     for (UINT32 Shift = 0; Shift < 24; Shift += 8) {
-        Largest = std::max(Largest, std::abs(static_cast<int>(A >> Shift & 0xFF) - static_cast<int>(B >> Shift & 0xFF)));
+        Largest =
+            std::max(Largest, std::abs(static_cast<int>(A >> Shift & 0xFF) - static_cast<int>(B >> Shift & 0xFF)));
     }
     return Largest;
 }
@@ -79,7 +80,7 @@ TEST_F(ArtworkPictures, OfStripsDifferFromFrameToFrame)
     const struct {
         UINT32 Instance;
         bool IsJpeg;
-    } Strips[] = {{5, true},  {6, true},  {7, true},  {8, true},   {15, true},  {16, true},
+    } Strips[] = {{5, true},  {6, true},  {7, true},   {8, true},   {15, true}, {16, true},
                   {17, true}, {18, true}, {19, false}, {11, false}, {13, false}};
     for (const auto& Strip : Strips) {
         const DECODED Picture = Strip.IsJpeg ? Jpeg(Strip.Instance) : Bmp(Strip.Instance);

@@ -50,8 +50,12 @@ TEST_F(Board, EachHasItsItemsAndNoOthers)
         std::set<int> Items;
         int Kind;
     } Cases[] = {
-        {"full", All, 1}, {"kind0", All, 0}, {"kind2", All, 2}, {"small", {0, 1, 4, 6, 9, 11, 15}, 1},
-        {"second-source", {1, 4}, 1}, {"bare", {}, 1},
+        {"full", All, 1},
+        {"kind0", All, 0},
+        {"kind2", All, 2},
+        {"small", {0, 1, 4, 6, 9, 11, 15}, 1},
+        {"second-source", {1, 4}, 1},
+        {"bare", {}, 1},
     };
     for (const auto& Case : Cases) {
         Install(Case.Name);
@@ -118,7 +122,7 @@ TEST_F(Board, ACurveIsStraightBetweenItsNodesAndLevelBeyondThem)
         INT32 OfEight; // thousandths
         INT32 OfSix;
     };
-    const CASE Cases[] = {{20000, 125, 500}, {40000, 125, 500}, {45000, 250, 600}, {50000, 375, 700},
+    const CASE Cases[] = {{20000, 125, 500}, {40000, 125, 500}, {45000, 250, 600},  {50000, 375, 700},
                           {54000, 375, 700}, {65000, 562, 850}, {75000, 750, 1000}, {90000, 750, 1000}};
     for (const CASE& Case : Cases) {
         EXPECT_EQ(DutyOfCurve(&Setting, CONTROL_CURVE8, Case.MilliDegrees), Case.OfEight) << Case.MilliDegrees;

@@ -101,11 +101,10 @@ TEST_F(DecoderRuns, EndInAnAnswerInsideTheirBuffersAndWithoutALeak)
         UINT32 Height = 0;
         UINT32 Width = 0;
         UINT32 Stride = 0;
-        const EFI_STATUS Status =
-            IsJpeg ? gBoardImageDecoder.ConvertJPEGToUgaBltA(&gBoardImageDecoder, Place, Size, &Blt, &Given, &Height,
-                                                             &Width, &Stride)
-                   : gBoardImageDecoder.ConvertBmpToGopBltA(&gBoardImageDecoder, Place, Size, &Blt, &Given, &Height,
-                                                            &Width);
+        const EFI_STATUS Status = IsJpeg ? gBoardImageDecoder.ConvertJPEGToUgaBltA(
+                                               &gBoardImageDecoder, Place, Size, &Blt, &Given, &Height, &Width, &Stride)
+                                         : gBoardImageDecoder.ConvertBmpToGopBltA(&gBoardImageDecoder, Place, Size,
+                                                                                  &Blt, &Given, &Height, &Width);
         if (!EfiError(Status)) {
             Decoded++;
             ASSERT_GT(Width, 0u) << "run " << Run;

@@ -39,7 +39,8 @@ UINT8 gTold; // the fan of the last record refused
 const BOARD_SOURCE& Open(const CHAR8* Name)
 {
     BOARD_SOURCE* Board = OpenSimulatedBoard(Name, 1, 0);
-    UseHardware(Board, [] { return UINT64{0}; }, [](UINT8 Fan, const CHAR8*) { gTold = Fan; }, nullptr);
+    UseHardware(
+        Board, [] { return UINT64{0}; }, [](UINT8 Fan, const CHAR8*) { gTold = Fan; }, nullptr);
     return *Board;
 }
 
@@ -79,6 +80,7 @@ TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted)
         FAN_SETTING (*Make)();
     };
     const CASE Cases[] = {
+        // clang-format off
         {"column 0", 4, [] { FAN_SETTING S = Curve(1, 0); S.Column0 = 0; return S; }},
         {"column 14", 4, [] { FAN_SETTING S = Curve(1, 0); S.Column3 = 14; return S; }},
         {"equal columns", 4, [] { FAN_SETTING S = Curve(1, 0); S.Column1 = 1; return S; }},
@@ -96,6 +98,7 @@ TEST(FanStore, ARecordAgainstTheContractIsRefusedAndCounted)
         {"reserved byte 9", 4, [] { FAN_SETTING S = Curve(1, 0); S.Reserved9 = 1; return S; }},
         {"last byte", 10, [] { FAN_SETTING S = Fixed(1); S.Reserved12[51] = 1; return S; }},
         {"nothing set", 4, [] { return FAN_SETTING{}; }},
+        // clang-format on
     };
     Open("full");
     UINT64 Faults = 0;

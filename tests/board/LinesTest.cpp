@@ -14,7 +14,8 @@ struct CANVAS {
 
     CANVAS(UINTN Width1, UINTN Height1) : Width(Width1), Height(Height1), Pixels(Width1 * Height1) {}
 
-    std::string Draw(INT64 X0, INT64 Y0, INT64 X1, INT64 Y1, UINTN Thickness = 1) {
+    std::string Draw(INT64 X0, INT64 Y0, INT64 X1, INT64 Y1, UINTN Thickness = 1)
+    {
         std::fill(Pixels.begin(), Pixels.end(), EFI_GRAPHICS_OUTPUT_BLT_PIXEL{});
         EXPECT_EQ(DrawLine(Pixels.data(), Width, Height, static_cast<UINTN>(X0), static_cast<UINTN>(Y0),
                            static_cast<UINTN>(X1), static_cast<UINTN>(Y1), Thickness, 0x00FF8040),

@@ -33,7 +33,8 @@ struct MessageBoxes : HOSTED {
     VOID Wipe() { FillPixels(Display(), gScreenWidth * gScreenHeight, gScreenFill); }
     UINT32 At(UINTN X, UINTN Y) { return ColorAt(Display(), X, Y); }
 
-    EFI_STATUS Create(UINTN X, UINTN Y, UINTN Width, UINTN Height, std::vector<std::u16string> Texts) {
+    EFI_STATUS Create(UINTN X, UINTN Y, UINTN Width, UINTN Height, std::vector<std::u16string> Texts)
+    {
         Lines = std::move(Texts);
         LineTable.clear();
         for (std::u16string& Line : Lines) {
@@ -80,7 +81,8 @@ struct MessageBoxes : HOSTED {
         return Found;
     }
 
-    void Draw() {
+    void Draw()
+    {
         Box.ButtonFocus = 1;
         Box.ButtonMode = 2;
         ASSERT_EQ(DrawMessageBox(&Box), EFI_SUCCESS);
@@ -150,8 +152,8 @@ TEST_F(MessageBoxes, ABoxNeverReachesBeyondTheScreen)
         UINTN X, Y, Width, Height;
     };
     const std::u16string Long(500, u'w');
-    const CASE Cases[] = {{300, 159, 295, 137}, {1000, 700, 295, 137}, {1023, 767, 295, 137}, {0, 0, 5000, 5000},
-                          {900, 0, 0, 0}};
+    const CASE Cases[] = {
+        {300, 159, 295, 137}, {1000, 700, 295, 137}, {1023, 767, 295, 137}, {0, 0, 5000, 5000}, {900, 0, 0, 0}};
     for (const CASE& Case : Cases) {
         ASSERT_EQ(Create(Case.X, Case.Y, Case.Width, Case.Height, std::vector<std::u16string>(60, Long)), EFI_SUCCESS);
         EXPECT_LE(Case.X + Box.BoxWidth, 1024u);

@@ -44,4 +44,3 @@ TEST(SystemFont, ShowsTheCodeOfTheConsolesDegreeSignAsADegreeSign)
     EXPECT_FALSE(HasInk(Rows, 8, SYSTEM_FONT_HEIGHT));
     EXPECT_TRUE(HasInk(SystemFontGlyph(0x00D8), 8, SYSTEM_FONT_BASELINE));
 }
-

@@ -56,8 +56,9 @@ TEST(AllFans, ReadBackTheFansThatTheBoardMayHave)
 TEST(AllFans, AButtonWritesThePageOnTopOnceMoreWhereItHasACurveAndALevel)
 {
     const std::pair<const char*, WRITES> Pages[] = {
-        {"full", {SettingOf(4)}},  {"full", {SettingOf(5)}}, {"kind0", {SettingOf(5, SIX_ROWS)}}, {"full", {SettingOf(6)}},
-        {"full", {SettingOf(7)}},  {"full", {SettingOf(8)}}, {"full", {SettingOf(9)}},           {"full", {SettingOf(10)}}};
+        {"full", {SettingOf(4)}}, {"full", {SettingOf(5)}}, {"kind0", {SettingOf(5, SIX_ROWS)}},
+        {"full", {SettingOf(6)}}, {"full", {SettingOf(7)}}, {"full", {SettingOf(8)}},
+        {"full", {SettingOf(9)}}, {"full", {SettingOf(10)}}};
     for (const auto& [Board, Settings] : Pages) {
         const WRITE Setting = Settings[0];
         SCOPED_TRACE(Setting);
@@ -103,9 +104,8 @@ TEST(AllFans, DefaultMovesTheNodesOfFansWithoutALevelAlone)
     // Fan 4's node 1 and fan 6's node 1 are moved; Default brings back fan 4's, and fan 6 keeps its own.
     SCENE Scene;
     Scene.Node(1, {1, 0}).Key("d").Box().Tab(6).Node(1, {1, 0}).Key("d").Box();
-    EXPECT_EQ(Scene.Play().Writes(),
-              (WRITES{SettingOf(4).Node(1, {1, 0}).Level(1), SettingOf(4).Off(), SettingOf(6),
-                      SettingOf(6).Node(1, {1, 0}), SettingOf(6).Node(1, {1, 0}).Off()}));
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{SettingOf(4).Node(1, {1, 0}).Level(1), SettingOf(4).Off(), SettingOf(6),
+                                             SettingOf(6).Node(1, {1, 0}), SettingOf(6).Node(1, {1, 0}).Off()}));
 }
 
 TEST(AllFans, FollowTheServicesDefaultOnEveryPageWhetherOnTopOrNot)

@@ -58,7 +58,8 @@ TEST(Boxes, ShowTheirStateAndThePointerOverThem)
     EXPECT_TRUE(Run.Differ("checked", "unchecked", Seen));
     EXPECT_TRUE(Run.Differ("unchecked", "hover unchecked", Seen));
     EXPECT_TRUE(Run.Differ("hover checked", "hover unchecked", Seen));
-    Run.ExpectSame("clicked", "hover unchecked", Seen); // the frame under the pointer comes back with the next hover step
+    Run.ExpectSame("clicked", "hover unchecked",
+                   Seen); // the frame under the pointer comes back with the next hover step
     EXPECT_EQ(Run.Writes(), WRITES{SettingOf(4).Off()});
 }
 

@@ -21,8 +21,9 @@ struct PAGE {
     GRID Grid;
     bool HasSlider;
 };
-constexpr PAGE gPages[] = {{"full", 4, EIGHT_ROWS, false}, {"full", 5, EIGHT_ROWS, false}, {"kind0", 5, SIX_ROWS, false},
-                           {"full", 6, SIX_ROWS, false},   {"full", 7, SIX_ROWS, true},    {"full", 8, SIX_ROWS, true},
+constexpr PAGE gPages[] = {{"full", 4, EIGHT_ROWS, false}, {"full", 5, EIGHT_ROWS, false},
+                           {"kind0", 5, SIX_ROWS, false},  {"full", 6, SIX_ROWS, false},
+                           {"full", 7, SIX_ROWS, true},    {"full", 8, SIX_ROWS, true},
                            {"small", 6, SIX_ROWS, false}};
 
 constexpr PLACE gAside = {600, 540}; // on nothing

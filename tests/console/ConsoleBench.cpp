@@ -111,10 +111,7 @@ WRITE SettingFromBytes(int Fan, const std::string& Hex)
     return Write;
 }
 
-std::vector<CALL_LINE> RUN::Named(const std::string& Call) const
-{
-    return CallsNamed(Calls, Call);
-}
+std::vector<CALL_LINE> RUN::Named(const std::string& Call) const { return CallsNamed(Calls, Call); }
 
 std::vector<CALL_LINE> RUN::InTurn(TURN Turn) const
 {
@@ -227,9 +224,9 @@ void ExpectSamePicture(const PICTURE& A, const PICTURE& B, const AREA& Area, con
 {
     PLACE First;
     if (FindDifference(A, B, Area, &First)) {
-        ADD_FAILURE_AT(File, Line)
-            << "the pictures differ, first at (" << First.X << ", " << First.Y << "): " << std::hex << PixelAt(A, First)
-            << " and " << PixelAt(B, First) << "; " << KeepBoth(A, B);
+        ADD_FAILURE_AT(File, Line) << "the pictures differ, first at (" << First.X << ", " << First.Y
+                                   << "): " << std::hex << PixelAt(A, First) << " and " << PixelAt(B, First) << "; "
+                                   << KeepBoth(A, B);
     }
 }
 
@@ -284,15 +281,9 @@ SCENE& SCENE::Reading(int Item, const std::string& Value)
     return Line("reading " + std::to_string(Item) + " " + Value);
 }
 
-SCENE& SCENE::Setting(const WRITE& Write)
-{
-    return Line("setting " + std::to_string(Write.Fan) + " " + HexOf(Write));
-}
+SCENE& SCENE::Setting(const WRITE& Write) { return Line("setting " + std::to_string(Write.Fan) + " " + HexOf(Write)); }
 
-SCENE& SCENE::Default(const WRITE& Write)
-{
-    return Line("default " + std::to_string(Write.Fan) + " " + HexOf(Write));
-}
+SCENE& SCENE::Default(const WRITE& Write) { return Line("default " + std::to_string(Write.Fan) + " " + HexOf(Write)); }
 
 SCENE& SCENE::Point(PLACE Place) { return Line("pointer " + std::to_string(Place.X) + " " + std::to_string(Place.Y)); }
 
@@ -341,10 +332,7 @@ SCENE& SCENE::Node(int Index, CELL By)
     return Drag(NodePlace(Grid(), Index), {CellArea(Grid(), To).Center()});
 }
 
-SCENE& SCENE::Thumb(int Level)
-{
-    return Drag(ThumbPlace(PageOnTop == 10 ? 5 : 3), {ThumbPlace(Level)});
-}
+SCENE& SCENE::Thumb(int Level) { return Drag(ThumbPlace(PageOnTop == 10 ? 5 : 3), {ThumbPlace(Level)}); }
 
 SCENE& SCENE::Screenshot(const std::string& Name) { return Line("screenshot " + Name); }
 

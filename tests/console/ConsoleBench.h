@@ -101,7 +101,7 @@ struct RUN {
 
 // Colours that the tests look for, as 0xRRGGBB.
 constexpr UINT32 gPanelGray = 0x242424;
-constexpr UINT32 gThumbBright = 0xE8EAEB;   // the bright line in the middle of a thumb
+constexpr UINT32 gThumbBright = 0xE8EAEB; // the bright line in the middle of a thumb
 constexpr UINT32 gOutlineCyan = 0x00FFFF; // of the tab on top
 
 // A pixel of a picture as 0xRRGGBB, and how many pixels of an area have a colour.
@@ -126,12 +126,12 @@ struct SCENE {
     SCENE& Setting(const WRITE& Write); // what the board holds, and what its defaults are
     SCENE& Default(const WRITE& Write);
 
-    SCENE& Point(PLACE Place);                                    // the pointer, from the next turn on
-    SCENE& Move(PLACE Place) { return Point(Place).Turns(); }     // and one turn
-    SCENE& Hover(PLACE Place) { return Move(Place).Turns(); }     // and what is there has seen it
-    SCENE& Away() { return Hover(gAway); }                        // the pointer over nothing
-    SCENE& Press();                              // the left button, and one turn
-    SCENE& Release(UINT64 HeldMicroseconds = 0); // after that time, and one turn
+    SCENE& Point(PLACE Place);                                // the pointer, from the next turn on
+    SCENE& Move(PLACE Place) { return Point(Place).Turns(); } // and one turn
+    SCENE& Hover(PLACE Place) { return Move(Place).Turns(); } // and what is there has seen it
+    SCENE& Away() { return Hover(gAway); }                    // the pointer over nothing
+    SCENE& Press();                                           // the left button, and one turn
+    SCENE& Release(UINT64 HeldMicroseconds = 0);              // after that time, and one turn
     SCENE& Click(PLACE Place);
     // Press at one place, be for a while at each of the others, and let go after a long press.
     SCENE& Drag(PLACE Place, const std::vector<PLACE>& Through);
@@ -147,8 +147,8 @@ struct SCENE {
     SCENE& Thumb(int Level);
 
     SCENE& Screenshot(const std::string& Name);
-    SCENE& Restart(); // leaves, and starts the console again in the same boot
-    SCENE& Reset();   // leaves, resets the machine, which forgets its variables, and starts again
+    SCENE& Restart();    // leaves, and starts the console again in the same boot
+    SCENE& Reset();      // leaves, resets the machine, which forgets its variables, and starts again
     SCENE& StartAgain(); // after it has left by other lines
 
     // The turn in which the last move was taken: a click's, a drop's, a key's; else the last so far.

@@ -71,8 +71,8 @@ TEST(Drag, ANodeFallsIntoTheCellUnderItsPicturesCentre)
     Scene.Drag(Beside, {Beside.By(-45, 0)}).Key("c"); // centre at x 60
     Scene.Drag(gNode1, {gNode1.By(0, -16)}).Key("c"); // centre at y 119
     Scene.Drag(gNode1, {gNode1.By(0, -15)});          // centre at y 120
-    EXPECT_EQ(Scene.Play().Writes(), (WRITES{DroppedFan4(1, {-2, 0}), DroppedFan4(1, {-1, 0}),
-                                             DroppedFan4(1, {0, -1}), DroppedFan4(1, {0, 0})}));
+    EXPECT_EQ(Scene.Play().Writes(), (WRITES{DroppedFan4(1, {-2, 0}), DroppedFan4(1, {-1, 0}), DroppedFan4(1, {0, -1}),
+                                             DroppedFan4(1, {0, 0})}));
 }
 
 TEST(Drag, BeyondACornerOrOnALineOfItsLimitsANodeStaysWhereItWasLastDrawn)
@@ -148,7 +148,8 @@ TEST(Drag, TellsTheServiceOnlyAtTheDropAndTheLegendAfterIt)
                                     "75%", "/", "70\u00F8C", "100%",  "/", "85\u00F8C"};
     ASSERT_GE(Texts.size(), 2 * std::size(Expected)); // a gauge may follow on the tick
     for (UINTN Index = 0; Index < 2 * std::size(Expected); Index++) {
-        EXPECT_EQ(Texts[Index].Text("text"), Expected[Index / 2]); // straight to the display, and into the stored screen
+        EXPECT_EQ(Texts[Index].Text("text"),
+                  Expected[Index / 2]); // straight to the display, and into the stored screen
     }
 }
 

@@ -68,8 +68,13 @@ TEST(FanWrites, NothingElseWrites)
     // letters, and leaving.
     SCENE Scene;
     Scene.Ticks(20).Tab(5).Source(1).Source(0).Click({600, 540}).Click({420, 290});
-    Scene.Move(gBox.Center()).Press().Turns().Move({600, 540}).Release(50000).Turns(2); // began on the box, ended beside
-    Scene.Move(gBox.Center()).Press().Turns().Release(300000).Turns(2);                 // too long for a click
+    Scene.Move(gBox.Center())
+        .Press()
+        .Turns()
+        .Move({600, 540})
+        .Release(50000)
+        .Turns(2);                                                      // began on the box, ended beside
+    Scene.Move(gBox.Center()).Press().Turns().Release(300000).Turns(2); // too long for a click
     Scene.Key("f").Key("d").Key("c").Key("F").Key("D").Key("C").Key("x").Tab(9).Tab(10).Ticks(2);
     EXPECT_EQ(Scene.Play().Writes(), WRITES{});
 }
@@ -80,8 +85,8 @@ TEST(FanWrites, ADropWritesOnlyTheFanOfThePageOnTop)
     SCENE Scene;
     Scene.Node(1, {1, 0}).Tab(5).Node(1, {1, 0}).Tab(10).Thumb(4).Tab(8).Thumb(4);
     EXPECT_EQ(Scene.Play().Writes(),
-              (WRITES{SettingOf(4).Node(1, {1, 0}).Level(1), SettingOf(5).Node(1, {1, 0}).Level(1), SettingOf(10).Level(4),
-                      SettingOf(8), SettingOf(8).Level(4)}));
+              (WRITES{SettingOf(4).Node(1, {1, 0}).Level(1), SettingOf(5).Node(1, {1, 0}).Level(1),
+                      SettingOf(10).Level(4), SettingOf(8), SettingOf(8).Level(4)}));
 }
 
 TEST(FanWrites, AServiceOutOfResourcesGivesTheDefaultCurve)

@@ -38,8 +38,9 @@ TEST(InformationPage, AboutAsksForItsTextsInTheirOrder)
     const RUN Run = Scene.Key("enter").Turns(2).Play();
     EXPECT_EQ(StringsOfTurn(Run, Click), (std::vector<std::string>{"37", "38", "39", "36"}));
     EXPECT_EQ(Run.NamedInTurn("CreateMessageBox", Click).size(), 1u);
-    ExpectBox(Run, gAboutPage, "[\"Ventara Fan Console by Kestrin\",\"            All rights reserved\","
-                               "\"            www.kestrin.example\"]");
+    ExpectBox(Run, gAboutPage,
+              "[\"Ventara Fan Console by Kestrin\",\"            All rights reserved\","
+              "\"            www.kestrin.example\"]");
 }
 
 TEST(InformationPage, HelpFallsBackToItsOwnTexts)
@@ -64,8 +65,9 @@ TEST(InformationPage, AboutFallsBackToTextsThatNameTheMaker)
         Scene.Line("string " + std::to_string(Item) + " null");
     }
     const RUN Run = Scene.Button(ABOUT).Key("enter").Turns(2).Play();
-    ExpectBox(Run, gAboutPage, "[\"Ventara, made by Kestrin\",\"            All rights reserved.\","
-                               "\"            https://www.kestrin.example\"]");
+    ExpectBox(Run, gAboutPage,
+              "[\"Ventara, made by Kestrin\",\"            All rights reserved.\","
+              "\"            https://www.kestrin.example\"]");
 }
 
 TEST(InformationPage, IsClosedByEnterEscapeTheRightButtonAndOkAndGivesTheScreenBack)
@@ -163,7 +165,8 @@ TEST(InformationPage, StaysOpenForEverythingElse)
     for (UINT64 Turn = Opened.Number; Turn <= Last; Turn++) {
         EXPECT_TRUE(StoodStill(Run, Turn)) << Turn;
     }
-    EXPECT_EQ(Run.Count("SetAllFansFullSpeed") + Run.Count("LoadDefaultFanSettings") + Run.Count("RestoreFanSettings"), 0u);
+    EXPECT_EQ(Run.Count("SetAllFansFullSpeed") + Run.Count("LoadDefaultFanSettings") + Run.Count("RestoreFanSettings"),
+              0u);
     EXPECT_EQ(Run.Writes(), WRITES{});
 }
 

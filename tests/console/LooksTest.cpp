@@ -116,13 +116,16 @@ std::vector<TEXT_PLACE> PlacesAtRest()
         const std::string Name = "source " + std::to_string(Number);
         Places.push_back({Name + "'s name", Source(Number).Part(56, 7, 48, gRow), 0xF5F5F5, OWN_GROUND});
         Places.push_back({Name + "'s value", SourceNumber(Number), 0xF7B500, PALETTE_GROUND, NOT_RIGHT});
-        Places.push_back({Name + "'s unit", SourceNumber(Number).Part(41, 0, 15, gRow), Label, PALETTE_GROUND, NOT_LEFT});
+        Places.push_back(
+            {Name + "'s unit", SourceNumber(Number).Part(41, 0, 15, gRow), Label, PALETTE_GROUND, NOT_LEFT});
     }
     constexpr UINT32 NodeColors[] = {0x04961F, 0x006DF7, 0xFAB000, 0xCA0000};
     for (int Node = 0; Node < 4; Node++) {
         // From behind the icons to the panel's outline.
-        Places.push_back({"legend of node " + std::to_string(Node + 1), {868, 260 + 29 * Node, 88, gRow},
-                          NodeColors[Node], PALETTE_GROUND});
+        Places.push_back({"legend of node " + std::to_string(Node + 1),
+                          {868, 260 + 29 * Node, 88, gRow},
+                          NodeColors[Node],
+                          PALETTE_GROUND});
     }
     for (int Number = 0; Number < 7; Number++) {
         // A gauge is 127 wide; its last column is left to look at.
@@ -145,8 +148,9 @@ TEST(Looks, EveryTextAtRestStandsOnOneGroundAndCanBeRead)
 
 TEST(Looks, CaptionsUnderThePointerStandOnOneGroundAndCanBeRead)
 {
-    const std::pair<PLACE, std::string> Hovers[] = { // the pointer stays beside the caption, and its picture of 16 by 24 too
-        {{832, 83}, "About"},      {{905, 83}, "Help"},        {{976, 83}, "Exit"},
+    const std::pair<PLACE, std::string> Hovers[] = {
+        // the pointer stays beside the caption, and its picture of 16 by 24 too
+        {{832, 83}, "About"},       {{905, 83}, "Help"},         {{976, 83}, "Exit"},
         {{664, 570}, "Full speed"}, {{480, 130}, "fan 6's tab"}, {{60, 345}, "source 1's name"}};
     SCENE Scene;
     Scene.Ticks(3);
@@ -155,7 +159,8 @@ TEST(Looks, CaptionsUnderThePointerStandOnOneGroundAndCanBeRead)
     }
     const RUN Run = Scene.Play();
     for (TEXT_PLACE& Place : PlacesAtRest()) {
-        if (std::any_of(std::begin(Hovers), std::end(Hovers), [&](const auto& Hover) { return Hover.second == Place.Name; })) {
+        if (std::any_of(std::begin(Hovers), std::end(Hovers),
+                        [&](const auto& Hover) { return Hover.second == Place.Name; })) {
             Place.Color = Place.Name.starts_with("source") ? Place.Color : 0xFFFFFF;
             ExpectOnOneGround(Run.Picture(Place.Name), Place);
         }

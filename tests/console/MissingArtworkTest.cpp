@@ -25,7 +25,8 @@ TEST_P(MissingPicture, IsNoReasonToFail)
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, MissingPicture,
-                         testing::Values(2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 13, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 26));
+                         testing::Values(2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 13, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24,
+                                         26));
 
 TEST(MissingArtwork, AllOfItStillLeavesAConsoleThatLeaves)
 {
@@ -75,8 +76,8 @@ TEST(MissingArtwork, TheFirmwaresScreenShowsAroundTheFrameAndThroughItsCorners)
         ExpectSamePicture(With, Before, Beside);
     }
     const PICTURE Bare = Cornerless().Turns(2).Screenshot("without").Play().Picture("without");
-    for (const AREA& Corner : {gConsole.Part(0, 0, 20, 20), gConsole.Part(922, 0, 20, 20), gConsole.Part(0, 674, 20, 20),
-                               gConsole.Part(922, 674, 20, 20)}) {
+    for (const AREA& Corner : {gConsole.Part(0, 0, 20, 20), gConsole.Part(922, 0, 20, 20),
+                               gConsole.Part(0, 674, 20, 20), gConsole.Part(922, 674, 20, 20)}) {
         const PLACE Outmost = {Corner.X == gConsole.X ? Corner.X : Corner.X + 19,
                                Corner.Y == gConsole.Y ? Corner.Y : Corner.Y + 19};
         EXPECT_EQ(PixelAt(With, Outmost), PixelAt(Before, Outmost)) << Outmost.X << ", " << Outmost.Y;

@@ -5,9 +5,9 @@ namespace {
 
 struct NAME {
     int Item;
-    int Room;     // characters
-    PLACE Text;   // of the first one
-    AREA Around;  // what a name may change
+    int Room;    // characters
+    PLACE Text;  // of the first one
+    AREA Around; // what a name may change
 };
 
 constexpr NAME gNames[] = {

@@ -12,8 +12,8 @@ TEST(OwnSensors, OnlyADragWritesAndTheCancelButtonTakesItBackOnEveryPage)
     const HWMON_TREE::FILES Before = Tree.Bytes();
     LINUX_BOARD Board;
     std::string Error;
-    ASSERT_TRUE(Board.Find({.Root = Tree.Root, .Temperatures = {}, .SetFans = true, .Keep = false, .Say = nullptr},
-                           &Error));
+    ASSERT_TRUE(
+        Board.Find({.Root = Tree.Root, .Temperatures = {}, .SetFans = true, .Keep = false, .Say = nullptr}, &Error));
     Board.Open();
 
     SCENE Look;

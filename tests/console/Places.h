@@ -33,14 +33,14 @@ constexpr AREA gScreen = {0, 0, 1024, 768};
 constexpr PLACE gAway = {600, 20}; // above the console's frame: nothing is there
 constexpr AREA gConsole = {43, 36, 942, 694};
 constexpr AREA gPanel = {274, 220, 690, 328};
-constexpr AREA gBox = {286, 232, 20, 20};      // of the curve, on the pages that have one
-constexpr AREA gFrame = {382, 262, 391, 241};  // of nodes, thumb and chart
+constexpr AREA gBox = {286, 232, 20, 20};     // of the curve, on the pages that have one
+constexpr AREA gFrame = {382, 262, 391, 241}; // of nodes, thumb and chart
 constexpr AREA gLegend = {836, 250, 120, 130};
 
 enum BUTTON { ABOUT, HELP, EXIT, FULL_SPEED, DEFAULT, CANCEL };
 constexpr AREA Button(BUTTON Which)
 {
-    constexpr AREA Buttons[] = {{770, 81, 72, 26},  {851, 81, 72, 26},  {932, 81, 51, 30},
+    constexpr AREA Buttons[] = {{770, 81, 72, 26},   {851, 81, 72, 26},   {932, 81, 51, 30},
                                 {531, 558, 138, 26}, {678, 558, 138, 26}, {825, 558, 138, 26}};
     return Buttons[Which];
 }
@@ -81,10 +81,25 @@ constexpr PLACE NodePlace(GRID Grid, int Node) { return CellArea(Grid, NodeCell(
 constexpr PLACE ThumbPlace(int Level) { return CellArea(SIX_ROWS, {0, 6 - Level}).Center(); }
 
 // Everything that answers a click or a drag, but for Exit.
-constexpr PLACE gPlacesOfUse[] = {
-    Button(ABOUT).Center(), Button(HELP).Center(), Button(FULL_SPEED).Center(), Button(DEFAULT).Center(),
-    Button(CANCEL).Center(), Tab(4).Center(), Tab(5).Center(), Tab(6).Center(), Tab(7).Center(), Tab(8).Center(),
-    Tab(9).Center(), Tab(10).Center(), Source(0).Center(), Source(1).Center(), Source(2).Center(), gBox.Center(),
-    NodePlace(EIGHT_ROWS, 0), NodePlace(EIGHT_ROWS, 1), NodePlace(EIGHT_ROWS, 2), NodePlace(EIGHT_ROWS, 3),
-    ThumbPlace(3), ThumbPlace(6),
-};
+constexpr PLACE gPlacesOfUse[] = {Button(ABOUT).Center(),
+                                  Button(HELP).Center(),
+                                  Button(FULL_SPEED).Center(),
+                                  Button(DEFAULT).Center(),
+                                  Button(CANCEL).Center(),
+                                  Tab(4).Center(),
+                                  Tab(5).Center(),
+                                  Tab(6).Center(),
+                                  Tab(7).Center(),
+                                  Tab(8).Center(),
+                                  Tab(9).Center(),
+                                  Tab(10).Center(),
+                                  Source(0).Center(),
+                                  Source(1).Center(),
+                                  Source(2).Center(),
+                                  gBox.Center(),
+                                  NodePlace(EIGHT_ROWS, 0),
+                                  NodePlace(EIGHT_ROWS, 1),
+                                  NodePlace(EIGHT_ROWS, 2),
+                                  NodePlace(EIGHT_ROWS, 3),
+                                  ThumbPlace(3),
+                                  ThumbPlace(6)};

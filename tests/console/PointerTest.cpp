@@ -65,7 +65,8 @@ TEST(Pointer, AButtonShowsThePointerOverItEvenDuringAPress)
 {
     SCENE Scene;
     const PLACE Corner = Button(FULL_SPEED).Corner();
-    Scene.Move(gAway).Turns().Screenshot("rest").Hover(Corner).Screenshot("hover").Press().Turns(2).Screenshot("pressed");
+    Scene.Move(gAway).Turns().Screenshot("rest").Hover(Corner).Screenshot("hover").Press().Turns(2).Screenshot(
+        "pressed");
     Scene.Away().Screenshot("left").Hover(Corner).Screenshot("back").Release(400000).Turns().Screenshot("released");
     const RUN Run = Scene.Away().Screenshot("end").Play();
     EXPECT_EQ(FullSpeeds(Run), 0u);

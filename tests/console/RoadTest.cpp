@@ -43,8 +43,8 @@ TEST(Road, OfOneClickOnTheBox)
     // The box's first event flips and paints it, its second mirrors the state and paints it at rest; the links of the
     // unchecked box write, then those of a click inside bring the legend up to date: both wait until the second event's
     // function, at whose priority they are, has returned. The frame isn't live any more.
-    EXPECT_EQ(Story(Run, 8), (STORY{"wait 3", "signal", "box", "signal", "box", "signal", "signal", "write 00",
-                                    "legend"}));
+    EXPECT_EQ(Story(Run, 8),
+              (STORY{"wait 3", "signal", "box", "signal", "box", "signal", "signal", "write 00", "legend"}));
     // The state is back at rest, so the pointer enters the box anew.
     EXPECT_EQ(Story(Run, 9), (STORY{"wait 3", "box", "read 8"}));
     EXPECT_EQ(Story(Run, 10), STORY{"wait 3"});

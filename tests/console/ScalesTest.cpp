@@ -4,9 +4,9 @@
 
 namespace {
 
-constexpr AREA gFoot = {391, 520, 400, 25};   // the panel's foot between the captions, where the temperatures are
-constexpr AREA gLeft = {330, 247, 40, 270};   // of duty or degrees
-constexpr AREA gRight = {800, 251, 33, 260};  // of revolutions
+constexpr AREA gFoot = {391, 520, 400, 25};  // the panel's foot between the captions, where the temperatures are
+constexpr AREA gLeft = {330, 247, 40, 270};  // of duty or degrees
+constexpr AREA gRight = {800, 251, 33, 260}; // of revolutions
 
 UINTN White(const PICTURE& Picture, const AREA& Area) { return CountColor(Picture, 0xFFFFFF, Area); }
 
@@ -19,7 +19,8 @@ bool LightsOnly(const PICTURE& Picture, const AREA& Scale, PLACE Label)
 
 TEST(Scales, ChangeTheirFaceForADragAndComeBackExactly)
 {
-    for (const auto& [Fan, Grip] : {std::pair{4, NodePlace(EIGHT_ROWS, 1)}, {7, NodePlace(SIX_ROWS, 1)}, {9, ThumbPlace(3)}}) {
+    for (const auto& [Fan, Grip] :
+         {std::pair{4, NodePlace(EIGHT_ROWS, 1)}, {7, NodePlace(SIX_ROWS, 1)}, {9, ThumbPlace(3)}}) {
         SCOPED_TRACE(Fan);
         SCENE Scene;
         Scene.Tab(Fan).Away().Screenshot("rest").Move(Grip).Press().Turns(4).Screenshot("drag");
@@ -51,7 +52,8 @@ TEST(Scales, ALitLabelGoesInOneTurnAndTheNextComesInTheTurnAfter)
     const RUN Run = Scene.Screenshot("between").Turns().Screenshot("second").Turns(2).Release(1000).Turns(2).Play();
     const auto LastTexts = [&Run](TURN Turn) {
         const std::vector<std::string> Texts = Run.Texts(Turn);
-        return std::vector<std::string>(Texts.end() - std::min<INT64>(4, static_cast<INT64>(Texts.size())), Texts.end());
+        return std::vector<std::string>(Texts.end() - std::min<INT64>(4, static_cast<INT64>(Texts.size())),
+                                        Texts.end());
     };
     EXPECT_EQ(LastTexts(First), (std::vector<std::string>{"55", "55", "50", "50"}));
     EXPECT_EQ(LastTexts(Moved), (std::vector<std::string>{"  ", "  ", "    ", "    "}));

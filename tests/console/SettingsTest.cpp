@@ -23,12 +23,13 @@ TEST(FanPages, AreBuiltPartByPartOfWhatTheBoardHas)
 {
     // The six buttons; gauges, sources; for each fan its nodes and its level, then for each its tab and its box; captions.
     EXPECT_EQ(AskedAtStart("full"),
-              (ASKED{"27",    "28",    "29",    "24",    "25",    "26",    "11",    "12",    "13",    "14", "15",
-                     "16",    "17",    "0",     "1",     "2",     "get 4", "get 5", "get 6", "get 6", "get 7", "get 7",
-                     "get 8", "get 8", "get 9", "get 10", "4",    "get 4", "5",     "get 5", "6",     "get 6", "7",
-                     "get 7", "8",     "get 8", "9",     "10",    "22",    "30"}));
-    EXPECT_EQ(AskedAtStart("small"), (ASKED{"27", "28", "29", "24", "25", "26", "11", "15", "0", "1", "get 4", "get 6",
-                                            "get 6", "get 9", "4", "get 4", "6", "get 6", "9", "22", "30"}));
+              (ASKED{"27",    "28",    "29",    "24",    "25",    "26",     "11",    "12",    "13",    "14",
+                     "15",    "16",    "17",    "0",     "1",     "2",      "get 4", "get 5", "get 6", "get 6",
+                     "get 7", "get 7", "get 8", "get 8", "get 9", "get 10", "4",     "get 4", "5",     "get 5",
+                     "6",     "get 6", "7",     "get 7", "8",     "get 8",  "9",     "10",    "22",    "30"}));
+    EXPECT_EQ(AskedAtStart("small"),
+              (ASKED{"27",    "28",    "29",    "24", "25",    "26", "11",    "15", "0",  "1", "get 4",
+                     "get 6", "get 6", "get 9", "4",  "get 4", "6",  "get 6", "9",  "22", "30"}));
     // A second fan of six rows has a level too; one of an unknown kind has nothing.
     for (const auto& [Board, Reads] : {std::pair{"full", 2}, {"kind0", 3}, {"kind2", 0}}) {
         const ASKED Asked = AskedAtStart(Board);
@@ -72,14 +73,12 @@ constexpr char gProbeNotFound[] = "GetVariable 0 0x800000000000000e";
 constexpr char gProbeFound[] = "GetVariable 0 0x8000000000000005";
 constexpr char gRead[] = "GetVariable 24 0x0000000000000000";
 // Byte 0 the fan on top, bytes 8 to 15 the temperature, bytes 16 to 19 its source.
-constexpr char gDefaultsWritten[] = "SetVariable 24 0x0000000000000000 040000000000000000000000000000000000000000000000";
+constexpr char gDefaultsWritten[] =
+    "SetVariable 24 0x0000000000000000 040000000000000000000000000000000000000000000000";
 constexpr char gChosenWritten[] = "SetVariable 24 0x0000000000000000 090000000000000047000000000000000100000000000000";
 
 // A tick in an even turn, without readouts, takes the temperature over.
-SCENE& ChooseFan9AndSource1(SCENE& Scene)
-{
-    return Scene.Turns().Reading(1, 0x47).Tab(9).Source(1).Ticks(2).Away();
-}
+SCENE& ChooseFan9AndSource1(SCENE& Scene) { return Scene.Turns().Reading(1, 0x47).Tab(9).Source(1).Ticks(2).Away(); }
 
 TEST(Settings, TheViewOutlivesAStartButNotAReset)
 {

@@ -23,22 +23,22 @@ TEST(Slider, FollowsThePointerFromItsGrabPointAndStopsAtItsEnds)
         std::vector<PLACE> Through;
         int Written;
     } const Cases[] = {
-        {383, {{397, 303}}, 5},               // 80 up: two rows, whatever the grab point
-        {420, {{397, 340}}, 5},               // the same from the thumb's foot
-        {402, {{397, 441}}, 2},               // 39 down: nearest is one row down
-        {402, {{900, 362}}, 4},               // beside the column the thumb still follows
-        {402, {{10, 442}}, 2},                // on its other side too
-        {402, {{397, 100}}, 6},               // above: the top
-        {402, {{397, 700}}, 1},               // below: the bottom
-        {402, {{397, 263}}, 6},               // inside the band, and further than the thumb can go: 120 - 139
-        {402, {{397, 501}}, 1},               // 120 + 99
-        {402, {{397, 442}, {900, 100}}, 2},   // beyond the band beside the column: the last offset
+        {383, {{397, 303}}, 5},             // 80 up: two rows, whatever the grab point
+        {420, {{397, 340}}, 5},             // the same from the thumb's foot
+        {402, {{397, 441}}, 2},             // 39 down: nearest is one row down
+        {402, {{900, 362}}, 4},             // beside the column the thumb still follows
+        {402, {{10, 442}}, 2},              // on its other side too
+        {402, {{397, 100}}, 6},             // above: the top
+        {402, {{397, 700}}, 1},             // below: the bottom
+        {402, {{397, 263}}, 6},             // inside the band, and further than the thumb can go: 120 - 139
+        {402, {{397, 501}}, 1},             // 120 + 99
+        {402, {{397, 442}, {900, 100}}, 2}, // beyond the band beside the column: the last offset
         {402, {{397, 442}, {10, 760}}, 2},
-        {402, {{397, 442}, {382, 300}}, 2},   // the exact lines keep the last offset too
+        {402, {{397, 442}, {382, 300}}, 2}, // the exact lines keep the last offset too
         {402, {{397, 442}, {412, 300}}, 2},
         {402, {{397, 442}, {397, 262}}, 2},
         {402, {{397, 442}, {397, 502}}, 2},
-        {402, {{397, 442}, {381, 300}}, 6},   // and their neighbours don't: 120 - 102, nearest to 0
+        {402, {{397, 442}, {381, 300}}, 6}, // and their neighbours don't: 120 - 102, nearest to 0
         {402, {{397, 442}, {413, 300}}, 6},
     };
     SCENE Scene;
@@ -74,7 +74,15 @@ TEST(Slider, TakesTheLastDragsOffsetWhenLetGoBeforeItsFirstStep)
 TEST(Slider, LeavesNoGridAndNoLinesBehind)
 {
     SCENE Scene;
-    Scene.Tab(9).Away().Screenshot("rest").Move(gThumb).Press().Turns(2).Move(gThumb.By(0, 10)).Turns().Screenshot("drag");
+    Scene.Tab(9)
+        .Away()
+        .Screenshot("rest")
+        .Move(gThumb)
+        .Press()
+        .Turns(2)
+        .Move(gThumb.By(0, 10))
+        .Turns()
+        .Screenshot("drag");
     const RUN Run = Scene.Turns().Release(10000).Turns().Away().Screenshot("dropped").Play();
     EXPECT_EQ(Run.Writes(), Levels(9, {3})); // 130 is nearest to 120
     EXPECT_TRUE(Run.Differ("rest", "drag", gFrame.Part(200, 0, 100, 241)));

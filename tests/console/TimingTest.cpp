@@ -41,7 +41,12 @@ TEST(Timing, SlowSensorsHoldUpNeitherTheTickNorAClick)
 
 TEST(Timing, ASlowDisplayLeavesADragWhereThePointerLetsGo)
 {
-    const RUN Run = SCENE().Line("slow Blt 30000").Ticks(2).Drag(NodePlace(EIGHT_ROWS, 2), {{590, 320}, {606, 307}}).Ticks(2).Play();
+    const RUN Run = SCENE()
+                        .Line("slow Blt 30000")
+                        .Ticks(2)
+                        .Drag(NodePlace(EIGHT_ROWS, 2), {{590, 320}, {606, 307}})
+                        .Ticks(2)
+                        .Play();
     EXPECT_EQ(Run.Writes(), WRITES{SettingOf(4).Node(2, {1, -1}).Level(1)});
 }
 

@@ -43,7 +43,8 @@ void ExpectNothingTwice(const RUN& Run, UINT64 First, UINT64 Last)
         std::set<AREA> Seen;
         for (const AREA& Block : Run.Blocks(Turn)) {
             const bool IsPointer = Block.Width == 16 && Block.Height == 24; // it goes with every block
-            EXPECT_TRUE(IsPointer || Seen.insert(Block).second) << Block.X << ", " << Block.Y << " twice in turn " << Turn;
+            EXPECT_TRUE(IsPointer || Seen.insert(Block).second)
+                << Block.X << ", " << Block.Y << " twice in turn " << Turn;
         }
     }
 }
@@ -53,9 +54,20 @@ TEST(TurnCost, AtRestATurnSendsTheNumbersThatAreDueAndNothingElse)
     // In the first round the pointer still moves away from where the start has drawn it.
     const RUN Run = SceneWithPool().Turns(28).Play();
     const AREA Pointer = PointerAt({0, 0});
-    const BLOCKS Due[14] = {{SourceNumber(0), FanNumber(4)}, {}, {SourceNumber(1), FanNumber(5)}, {},
-                            {SourceNumber(2), FanNumber(6)}, {}, {FanNumber(7)}, {}, {FanNumber(8)}, {},
-                            {FanNumber(9)}, {}, {FanNumber(10)}, {}};
+    const BLOCKS Due[14] = {{SourceNumber(0), FanNumber(4)},
+                            {},
+                            {SourceNumber(1), FanNumber(5)},
+                            {},
+                            {SourceNumber(2), FanNumber(6)},
+                            {},
+                            {FanNumber(7)},
+                            {},
+                            {FanNumber(8)},
+                            {},
+                            {FanNumber(9)},
+                            {},
+                            {FanNumber(10)},
+                            {}};
     for (UINT64 Turn = 15; Turn <= 28; Turn++) {
         SCOPED_TRACE(Turn);
         // Each number takes its text's picture and the box that it is laid in; a turn without a number takes nothing.
@@ -101,7 +113,8 @@ TEST(TurnCost, ATurnOfADragSendsTheFrameOnceAndTakesNoPool)
     const PLACE Next = Node1.By(5, 4);
     const PLACE Last = Node1.By(10, 8);
     SCENE Scene = SceneWithPool();
-    const RUN Run = Scene.Move(Node1).Press().Turns(3).Hover(Next).Turns().Hover(Last).Turns().Release(300000).Turns(2).Play();
+    const RUN Run =
+        Scene.Move(Node1).Press().Turns(3).Hover(Next).Turns().Hover(Last).Turns().Release(300000).Turns(2).Play();
     EXPECT_EQ(Run.Blocks(6), (BLOCKS{PointerAt(Node1), gFrame, PointerAt(Next)})); // off, frame, on
     EXPECT_EQ(Run.Blocks(8), (BLOCKS{gFrame, PointerAt(Next)}));
     EXPECT_EQ(Run.Blocks(10), (BLOCKS{gFrame, PointerAt(Last)})); // the readout of turn 9 moved it
@@ -140,7 +153,7 @@ TEST(TurnCost, AStartSendsEachBlockAsOftenAsItsOrderAsks)
 // console gives back count too: a block's number tells between which of the console's own it was given. Those that the
 // firmware gave since the last of the console's own are counted from there on, so the figure can only be too large.
 struct HOLDINGS {
-    std::vector<CALL_LINE> Lines; // pool calls and waits
+    std::vector<CALL_LINE> Lines;                      // pool calls and waits
     std::map<UINT64, std::pair<size_t, UINT64>> Freed; // block: line, bytes
 
     explicit HOLDINGS(const RUN& Run)

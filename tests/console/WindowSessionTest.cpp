@@ -54,8 +54,15 @@ struct PERSON {
     {
         SDL_Event Mouse{};
         if (Turn % gRound == First) {
-            Mouse.motion = {.type = SDL_MOUSEMOTION, .timestamp = 0, .windowID = 0, .which = 0, .state = 0, .x = X, .y = Y,
-                            .xrel = 0, .yrel = 0};
+            Mouse.motion = {.type = SDL_MOUSEMOTION,
+                            .timestamp = 0,
+                            .windowID = 0,
+                            .which = 0,
+                            .state = 0,
+                            .x = X,
+                            .y = Y,
+                            .xrel = 0,
+                            .yrel = 0};
             SDL_PushEvent(&Mouse);
         } else if (Turn % gRound == First + 4) {
             Mouse.button.button = SDL_BUTTON_LEFT;

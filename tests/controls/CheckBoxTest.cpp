@@ -60,8 +60,12 @@ TEST_F(CHECK_BOX, RunsItsLinksAtAClickAndMirrorsAlways)
         UINT8 Kind;
         UINT32 Component;
     } Links[7] = {
-        {"o", CHECK_BOX_LINK_OUTSIDE, 0}, {"i", CHECK_BOX_LINK_INSIDE, Ids[0]}, {"u", CHECK_BOX_LINK_UNCHECKED, Ids[2]},
-        {"c", CHECK_BOX_LINK_CHECKED, Ids[1]}, {"c", CHECK_BOX_LINK_CHECKED, 0}, {"i", CHECK_BOX_LINK_INSIDE, 0},
+        {"o", CHECK_BOX_LINK_OUTSIDE, 0},
+        {"i", CHECK_BOX_LINK_INSIDE, Ids[0]},
+        {"u", CHECK_BOX_LINK_UNCHECKED, Ids[2]},
+        {"c", CHECK_BOX_LINK_CHECKED, Ids[1]},
+        {"c", CHECK_BOX_LINK_CHECKED, 0},
+        {"i", CHECK_BOX_LINK_INSIDE, 0},
         {"never", 4, 0},
     };
     for (UINTN I = 0; I < 7; I++) {

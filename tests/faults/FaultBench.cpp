@@ -16,7 +16,7 @@ namespace {
 // Longer than any run takes on a machine that has other things to do: a run that needs more hangs.
 constexpr unsigned gSecondsToHang = 120;
 constexpr UINT64 gFaultsToTell = 20;
-constexpr UINTN gPoolFillLimit = 4096;   // whole pictures would take most of a run's time
+constexpr UINTN gPoolFillLimit = 4096;    // whole pictures would take most of a run's time
 constexpr UINT64 gTurnsWithoutKeys = 400; // then keys work again: a run without a script ends by Escape
 
 // Up to so many calls of an operation in a run, each of them fails in all ways, one after the other; not where fewer than
@@ -226,8 +226,8 @@ MOMENT BeforeSettling(const std::string& Script)
 bool IsRepaired(const MOMENT& LastRepaired)
 {
     const MOMENT Moment = Now();
-    return Moment.Turn != 0 &&
-           (Moment.Start < LastRepaired.Start || (Moment.Start == LastRepaired.Start && Moment.Turn <= LastRepaired.Turn));
+    return Moment.Turn != 0 && (Moment.Start < LastRepaired.Start ||
+                                (Moment.Start == LastRepaired.Start && Moment.Turn <= LastRepaired.Turn));
 }
 
 std::string Here() { return " in start " + std::to_string(Now().Start) + ", turn " + std::to_string(Now().Turn); }
@@ -248,10 +248,9 @@ struct ALLOCATION_SWEEP {
         if (!IsSwept(Sweep.Turns) || Splitter.Result.Places++ % Sweep.Step != 0) {
             return false;
         }
-        return Splitter.Split("allocation " + std::to_string(Splitter.Result.Places) + Here(),
-                              {.LeavesPool = false,
-                               .LeavesEvents = false,
-                               .SameRows = IsRepaired(LastRepaired) ? SameRows : 0});
+        return Splitter.Split(
+            "allocation " + std::to_string(Splitter.Result.Places) + Here(),
+            {.LeavesPool = false, .LeavesEvents = false, .SameRows = IsRepaired(LastRepaired) ? SameRows : 0});
     }
 };
 
@@ -327,7 +326,8 @@ struct OPERATION_FAILURE {
 
 } // namespace
 
-std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference, const EXPECTATION& Expected)
+std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference,
+                               const EXPECTATION& Expected)
 {
     std::vector<std::string> Faults;
     if (!Result.Ran || !Result.Error.empty()) {
@@ -358,8 +358,8 @@ std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESUL
         }
     }
     if (Count != 0) {
-        Faults.push_back(std::to_string(Count) + " pixels differ, the first at (" + std::to_string(First % 1024) + ", " +
-                         std::to_string(First / 1024) + ")");
+        Faults.push_back(std::to_string(Count) + " pixels differ, the first at (" + std::to_string(First % 1024) +
+                         ", " + std::to_string(First / 1024) + ")");
     }
     return Faults;
 }

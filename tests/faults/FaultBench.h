@@ -17,7 +17,8 @@ struct SCENARIO {
     const char* Board;
     UINT8 Generation;
     std::string Script;
-    UINTN ComparedRows = gDisplayHeight; // of the display, from the top; with less than all, the chart isn't compared either
+    UINTN ComparedRows =
+        gDisplayHeight; // of the display, from the top; with less than all, the chart isn't compared either
 };
 
 // A start of each board and generation, followed by a short use of everything, so that what a failure left out is used; and
@@ -26,14 +27,15 @@ const SCENARIO& FindScenario(const std::string& Name);
 
 // What a run with a failure must show all the same: see Judge.
 struct EXPECTATION {
-    bool LeavesPool = false; // FreePool itself fails, so that pool stays behind
+    bool LeavesPool = false;   // FreePool itself fails, so that pool stays behind
     bool LeavesEvents = false; // CloseEvent itself fails
-    UINTN SameRows = 0; // so many rows of the display are at the end those of a run without failure
+    UINTN SameRows = 0;        // so many rows of the display are at the end those of a run without failure
 };
 
 // What is wrong with a run, in words; empty: nothing. A run may end early with EFI_PROTOCOL_ERROR, and it may show less,
 // but no pool is left, no event, and the firmware has nothing to complain of, a record least of all that no fan may get.
-std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference, const EXPECTATION& Expected);
+std::vector<std::string> Judge(const SESSION_RESULT& Result, const SESSION_RESULT& Reference,
+                               const EXPECTATION& Expected);
 
 // Turns of the first start, the first and the last of them included; 0 is the time in which the console starts. Further
 // starts are swept too where the last is gToTheEnd.
@@ -45,10 +47,11 @@ struct TURNS {
 
 // What is swept, and how.
 struct SWEEP {
-    TURNS Turns;              // the places in these turns
-    UINT64 Step = 1;          // of allocations each Step-th
-    bool Settles = true;      // the scenario's settling is played; without it a run is much shorter
-    bool SamePicture = false; // the rows compared must be whole at the end wherever the failure came before the settling
+    TURNS Turns;         // the places in these turns
+    UINT64 Step = 1;     // of allocations each Step-th
+    bool Settles = true; // the scenario's settling is played; without it a run is much shorter
+    bool SamePicture =
+        false; // the rows compared must be whole at the end wherever the failure came before the settling
 };
 
 struct SWEEP_RESULT {

@@ -79,7 +79,8 @@ std::string CheckScreen()
             const UINTN X = gGuiCore->CursorX + Column;
             const UINTN Y = gGuiCore->CursorY + Row;
             const PIXEL& Pixel = Image[Row * gGuiCore->CursorWidth + Column];
-            if (X >= gScreenWidth || Y >= gScreenHeight || (Pixel.Red == 0xFF && Pixel.Blue == 0xFF && Pixel.Green == 0)) {
+            if (X >= gScreenWidth || Y >= gScreenHeight ||
+                (Pixel.Red == 0xFF && Pixel.Blue == 0xFF && Pixel.Green == 0)) {
                 continue;
             }
             const PIXEL& Shown = gGuiCore->Screen[Y * gScreenWidth + X];
@@ -208,7 +209,7 @@ std::string CheckBoard(const FAN_PAGE* Page, bool Set)
         }
     }
     return LayoutHasSlider(Page->Layout) && Held.FixedLevel != Page->Slider.Level + 1 ? "thumb and board don't agree"
-                                                                                       : "";
+                                                                                      : "";
 }
 
 } // namespace
@@ -247,7 +248,8 @@ std::string CheckTurn(TURN_WATCH* Watch)
     if (!Fault.empty()) {
         return Fault;
     }
-    if (gGuiCore->TargetKind > FocusEventDestroy || (gGuiCore->TargetId > gGuiCore->Components->Count && gGuiCore->TargetId != gUnregisteredId) ||
+    if (gGuiCore->TargetKind > FocusEventDestroy ||
+        (gGuiCore->TargetId > gGuiCore->Components->Count && gGuiCore->TargetId != gUnregisteredId) ||
         gGuiCore->TargetReset > 1 || gDragLock > 1) {
         return "the mailbox holds no legal target";
     }

@@ -176,8 +176,8 @@ VOID LookAtTurn()
         }
         if (!Told.empty()) {
             gSweep.Faults.push_back(std::string(Gesture.Name) + ", " + Letter + " in turn " + std::to_string(Turn) +
-                                    " of " + std::to_string(Gesture.First) + " to " + std::to_string(Gesture.Rest) + ": " +
-                                    Told);
+                                    " of " + std::to_string(Gesture.First) + " to " + std::to_string(Gesture.Rest) +
+                                    ": " + Told);
         }
     }
 }

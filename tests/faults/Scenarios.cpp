@@ -32,7 +32,12 @@ SCENE Begun()
 std::string Settled(SCENE Scene)
 {
     Scene.Turns(2).Line(gSettleMark).Tab(9).Drag(ThumbPlace(3), {ThumbPlace(3).By(0, 1)});
-    Scene.Drag(ThumbPlace(5), {ThumbPlace(5).By(0, 1)}).Tab(4).Move(Source(2).Center()).Turns(3).Move(gCorner).Turns(20);
+    Scene.Drag(ThumbPlace(5), {ThumbPlace(5).By(0, 1)})
+        .Tab(4)
+        .Move(Source(2).Center())
+        .Turns(3)
+        .Move(gCorner)
+        .Turns(20);
     return Read(Scene, 57, 1234, 1100).Ticks(45).Script;
 }
 
@@ -49,10 +54,7 @@ std::string ShortUse()
     return Scene.Script;
 }
 
-std::string Page(BUTTON Which)
-{
-    return Settled(Begun().Button(Which).Move(gMiddle).Turns(3).Key("enter").Turns(5));
-}
+std::string Page(BUTTON Which) { return Settled(Begun().Button(Which).Move(gMiddle).Turns(3).Key("enter").Turns(5)); }
 
 // The pointer keeps to the frame in the first start. Where it left a mark beside that, because the ground couldn't be
 // painted back, the second start would come upon it and keep it as a part of the screen.
@@ -63,17 +65,17 @@ std::string TwoStarts()
     return Settled(UseControls(Scene));
 }
 
-SCENE Watching() { return SCENE().Turns(2).Point({1020, 765}).Ticks(40).Move({0, 0}).Turns(3).Move({1023, 767}).Turns(3); }
+SCENE Watching()
+{
+    return SCENE().Turns(2).Point({1020, 765}).Ticks(40).Move({0, 0}).Turns(3).Move({1023, 767}).Turns(3);
+}
 
 constexpr UINTN gGaugeTop = 624; // first row of the voltage gauges
 
 const std::vector<SCENARIO> gStarts = {
-    {"StartOnTheFullBoard", "full", 0, ShortUse()},
-    {"StartOnGeneration4", "full", 4, ShortUse()},
-    {"StartOnKind0", "kind0", 0, ShortUse()},
-    {"StartOnKind2", "kind2", 0, ShortUse()},
-    {"StartOnTheSmallBoard", "small", 0, ShortUse()},
-    {"StartOnTheSecondSource", "second-source", 0, ShortUse()},
+    {"StartOnTheFullBoard", "full", 0, ShortUse()},   {"StartOnGeneration4", "full", 4, ShortUse()},
+    {"StartOnKind0", "kind0", 0, ShortUse()},         {"StartOnKind2", "kind2", 0, ShortUse()},
+    {"StartOnTheSmallBoard", "small", 0, ShortUse()}, {"StartOnTheSecondSource", "second-source", 0, ShortUse()},
     {"StartOnTheBareBoard", "bare", 0, ShortUse()},
 };
 

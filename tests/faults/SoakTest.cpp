@@ -21,7 +21,9 @@ constexpr double gSlower = 2; // more than a busy machine makes of it, less than
 UINT64 TurnsWanted()
 {
     static const char* const Wanted = std::getenv("VENTARA_SOAK_TURNS");
-    static const UINT64 Turns = Wanted != nullptr ? std::strtoull(Wanted, nullptr, 10) : VENTARA_SANITIZED ? 8000 : 200000;
+    static const UINT64 Turns = Wanted != nullptr   ? std::strtoull(Wanted, nullptr, 10)
+                                : VENTARA_SANITIZED ? 8000
+                                                    : 200000;
     return Turns;
 }
 
@@ -37,7 +39,7 @@ struct SOAK {
     std::mt19937_64 Random{20260101};
     POOL_LOOK First;
     POOL_LOOK Last;
-    UINT64 Turns = 0; // of the main loop
+    UINT64 Turns = 0;            // of the main loop
     std::vector<double> Seconds; // when each part was over
 
     UINT64 Draw(UINT64 Below) { return Random() % Below; }

@@ -11,10 +11,7 @@
 
 #if VENTARA_SANITIZED
 // An allocation of an absurd size is refused, as a firmware does it. A small quarantine keeps the copies quick.
-extern "C" const char* __asan_default_options()
-{
-    return "allocator_may_return_null=1:quarantine_size_mb=2";
-}
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1:quarantine_size_mb=2"; }
 #endif
 
 namespace {

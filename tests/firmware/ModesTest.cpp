@@ -22,7 +22,10 @@ TEST(Modes, TheOneThatSuitsTheConsoleBestIsChosen)
         {"red first is better than another size", {{0, 1280, 1024, true}, {1, 1024, 768, false}}, {1280, 1024}, 1},
         {"a dense panel at its own size", {{0, 1024, 768, true}, {1, 3840, 2160, true}}, {3840, 2160}, 1},
         {"one row short of twice the size", {{0, 1024, 768, true}, {1, 2560, 1535, true}}, {2560, 1535}, 0},
-        {"a dense panel that doesn't offer its own size", {{0, 1024, 768, true}, {1, 2048, 1536, true}}, {3840, 2160}, 0},
+        {"a dense panel that doesn't offer its own size",
+         {{0, 1024, 768, true}, {1, 2048, 1536, true}},
+         {3840, 2160},
+         0},
         {"the only mode", {{0, 1366, 768, true}}, {1366, 768}, 0},
         {"a panel's own size before another", {{0, 1280, 1024, true}, {1, 1920, 1080, true}}, {1920, 1080}, 1},
         {"the smallest with room", {{0, 1920, 1080, true}, {1, 1280, 800, true}, {2, 800, 600, true}}, {0, 0}, 1},
@@ -71,7 +74,7 @@ TEST(Modes, ThePanelsOwnSizeComesFromItsFirstDetailedTiming)
     EXPECT_EQ(Size.Width, 3840u);
     EXPECT_EQ(Size.Height, 2160u);
     EXPECT_EQ(ReadNativeSize(Edid.data(), 71).Width, 0u); // cut short
-    Edid[54] = Edid[55] = 0; // no timing but a text
+    Edid[54] = Edid[55] = 0;                              // no timing but a text
     EXPECT_EQ(ReadNativeSize(Edid.data(), Edid.size()).Width, 0u);
     EXPECT_EQ(ReadNativeSize(nullptr, 0).Width, 0u);
 }

@@ -9,7 +9,8 @@ namespace {
 TEST(Page, AParagraphIsWrappedBetweenWordsAndLosesNone)
 {
     PAGE Page = {};
-    AddParagraph(&Page, u"The file ", u"\\ventara-board.efi", u" is missing on the volume that this starter was read "
+    AddParagraph(&Page, u"The file ", u"\\ventara-board.efi",
+                 u" is missing on the volume that this starter was read "
                  u"from. Copy it there and start again. If the volume is a stick, write the image to it anew.");
     ASSERT_EQ(Page.RowCount, 3u);
     std::u16string Joined;

@@ -61,8 +61,8 @@ EFI_STATUS Control(EFI_USB_IO_PROTOCOL*, EFI_USB_DEVICE_REQUEST*, EFI_USB_DATA_D
     return EFI_DEVICE_ERROR;
 }
 
-EFI_STATUS Transfer(EFI_USB_IO_PROTOCOL* This, UINT8, BOOLEAN IsNew, UINTN, UINTN, EFI_ASYNC_USB_TRANSFER_CALLBACK Notify,
-                    VOID* Context)
+EFI_STATUS Transfer(EFI_USB_IO_PROTOCOL* This, UINT8, BOOLEAN IsNew, UINTN, UINTN,
+                    EFI_ASYNC_USB_TRANSFER_CALLBACK Notify, VOID* Context)
 {
     auto* Mouse = reinterpret_cast<USB_MOUSE*>(This);
     Mouse->Notify = IsNew ? Notify : nullptr;
@@ -79,8 +79,8 @@ EFI_STATUS GetInterface(EFI_USB_IO_PROTOCOL* This, EFI_USB_INTERFACE_DESCRIPTOR*
 
 EFI_STATUS GetEndpoint(EFI_USB_IO_PROTOCOL*, UINT8, EFI_USB_ENDPOINT_DESCRIPTOR* Descriptor)
 {
-    *Descriptor = {.Length = 7, .DescriptorType = 5, .EndpointAddress = 0x81, .Attributes = 3, .MaxPacketSize = 8,
-                   .Interval = 10};
+    *Descriptor = {
+        .Length = 7, .DescriptorType = 5, .EndpointAddress = 0x81, .Attributes = 3, .MaxPacketSize = 8, .Interval = 10};
     return EFI_SUCCESS;
 }
 
@@ -112,7 +112,8 @@ struct Pointers : HOSTED {
     }
     EFI_HANDLE Plug(TOUCH_SCREEN* Screen)
     {
-        Screen->Protocol = {.Reset = nullptr, .GetState = GetAbsoluteState, .WaitForInput = nullptr, .Mode = &Screen->Mode};
+        Screen->Protocol = {
+            .Reset = nullptr, .GetState = GetAbsoluteState, .WaitForInput = nullptr, .Mode = &Screen->Mode};
         return Plug(gEfiAbsolutePointerProtocolGuid, Screen, &gSomePath);
     }
     EFI_HANDLE Plug(const EFI_GUID& Guid, VOID* Device, ACPI_PATH* Path)
@@ -154,8 +155,8 @@ TEST_F(Pointers, AMouseGoesEightPixelsAMillimetreAndLosesNoPartOfAPixel)
         UINT64 Resolution; // counts a millimetre
         INT32 Way;         // told four times
         INT64 Pixels;      // in all
-    } const Cases[] = {{8, 3, 12}, {16, 3, 6}, {16, -3, -6}, {400, 25, 2}, {400, -75, -6}, {4, 1, 8},
-                       {0, 5, 20}, {~0ull, 5, 20}};
+    } const Cases[] = {{8, 3, 12},     {16, 3, 6}, {16, -3, -6}, {400, 25, 2},
+                       {400, -75, -6}, {4, 1, 8},  {0, 5, 20},   {~0ull, 5, 20}};
     for (const auto& Case : Cases) {
         Begin();
         SIMPLE_MOUSE Mouse = {};
@@ -179,13 +180,20 @@ TEST_F(Pointers, APlaceIsItsShareOfTheRange)
     struct {
         UINT64 Minimum, Maximum, Place;
         INT64 Share; // -1: not read
-    } const Cases[] = {{0, 1023, 0, 0}, {0, 1023, 1023, gFullScale}, {100, 300, 200, gFullScale / 2},
-                       {100, 300, 99, 0}, {100, 300, 999, gFullScale}, {0, ~0ull, 1ull << 63, gFullScale / 2},
-                       {0, 0, 0, -1}, {5, 4, 4, -1}};
+    } const Cases[] = {{0, 1023, 0, 0},
+                       {0, 1023, 1023, gFullScale},
+                       {100, 300, 200, gFullScale / 2},
+                       {100, 300, 99, 0},
+                       {100, 300, 999, gFullScale},
+                       {0, ~0ull, 1ull << 63, gFullScale / 2},
+                       {0, 0, 0, -1},
+                       {5, 4, 4, -1}};
     for (const auto& Case : Cases) {
         Begin();
         TOUCH_SCREEN Screen = {};
-        Screen.Mode = {.AbsoluteMinX = Case.Minimum, .AbsoluteMinY = Case.Minimum, .AbsoluteMaxX = Case.Maximum,
+        Screen.Mode = {.AbsoluteMinX = Case.Minimum,
+                       .AbsoluteMinY = Case.Minimum,
+                       .AbsoluteMaxX = Case.Maximum,
                        .AbsoluteMaxY = Case.Maximum};
         Screen.State = {.CurrentX = Case.Place, .CurrentY = Case.Place, .CurrentZ = 0, .ActiveButtons = 3};
         Plug(&Screen);
@@ -254,8 +262,8 @@ TEST_F(Pointers, WhatStandsForAllDevicesIsAskedOnlyWhereNoDeviceIsKnown)
 
 TEST_F(Pointers, AMouseOfTheFirmwareAtTheKeyboardControllerIsKnownByItsPath)
 {
-    for (auto [Name, Length, IsMouse] : {std::tuple{0x0F13, 12, true}, {0x0F03, 12, true}, {0x0303, 12, false},
-                                         {0x0F13, 2, false}}) {
+    for (auto [Name, Length, IsMouse] :
+         {std::tuple{0x0F13, 12, true}, {0x0F03, 12, true}, {0x0303, 12, false}, {0x0F13, 2, false}}) {
         Begin();
         ACPI_PATH Path = PathOfPnp(static_cast<UINT16>(Name), static_cast<UINT8>(Length));
         SIMPLE_MOUSE Mouse = {};
@@ -288,8 +296,8 @@ struct MachinePointer : Pointers {
         Device->Protocol.UsbAsyncInterruptTransfer = Transfer;
         Device->Protocol.UsbGetInterfaceDescriptor = GetInterface;
         Device->Protocol.UsbGetEndpointDescriptor = GetEndpoint;
-        Device->Interface = {.NumEndpoints = 1, .InterfaceClass = Class, .InterfaceSubClass = SubClass,
-                             .InterfaceProtocol = Protocol};
+        Device->Interface = {
+            .NumEndpoints = 1, .InterfaceClass = Class, .InterfaceSubClass = SubClass, .InterfaceProtocol = Protocol};
         const EFI_HANDLE Handle = Plug(gEfiUsbIoProtocolGuid, &Device->Protocol, nullptr);
         if (!EfiError(Driver()->Supported(Driver(), Handle, nullptr))) {
             (void)Driver()->Start(Driver(), Handle, nullptr);
@@ -384,7 +392,8 @@ TEST_F(MachinePointer, WhatIsNoMouseIsLeftAlone)
 {
     struct {
         UINT8 Class, SubClass, Protocol;
-    } const Others[] = {{3, 1, 1}, {8, 6, 0x50}, {3, 0, 0}}; // a keyboard, a stick, a device that says nothing of itself
+    } const Others[] = {
+        {3, 1, 1}, {8, 6, 0x50}, {3, 0, 0}}; // a keyboard, a stick, a device that says nothing of itself
     for (const auto& Other : Others) {
         USB_MOUSE Device = {};
         EFI_HANDLE Handle = PlugUsb(&Device, Other.Class, Other.SubClass, Other.Protocol);

@@ -106,7 +106,7 @@ VOID WriteTestPort(UINT16 Port, UINT8 Value)
 }
 
 class Ps2Mouse : public testing::Test {
-  protected:
+protected:
     void SetUp() override
     {
         gController = &Controller;

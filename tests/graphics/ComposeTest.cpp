@@ -77,16 +77,16 @@ TEST_F(COMPOSE, AtTheEdgeOnlyPureBlackIsTransparent)
         UINTN Width, Height;
     } Cases[] = {
         {1019, 700, false, 4, 3}, {1020, 700, true, 4, 3}, // touching counts, though nothing is cut
-        {500, 764, false, 4, 3},  {500, 765, true, 4, 3},
-        {1022, 700, true, 2, 3},  {500, 767, true, 4, 1},  {1023, 767, true, 1, 1},
+        {500, 764, false, 4, 3},  {500, 765, true, 4, 3},  {1022, 700, true, 2, 3},
+        {500, 767, true, 4, 1},   {1023, 767, true, 1, 1},
     };
     for (const auto& Case : Cases) {
         SCOPED_TRACE(Case.X * 1000 + Case.Y);
         Point(Case.X, Case.Y);
         const CALLS Calls = Compose();
         ASSERT_FALSE(Calls.empty());
-        EXPECT_EQ(Calls.back(), (BLT_CALL{static_cast<UINT64>(Case.X), static_cast<UINT64>(Case.Y), Case.Width,
-                                          Case.Height, 0}));
+        EXPECT_EQ(Calls.back(),
+                  (BLT_CALL{static_cast<UINT64>(Case.X), static_cast<UINT64>(Case.Y), Case.Width, Case.Height, 0}));
         const UINTN X = static_cast<UINTN>(Case.X);
         const UINTN Y = static_cast<UINTN>(Case.Y);
         EXPECT_EQ(ColorAt(Display(), X, Y), ColorOf(gSolid));

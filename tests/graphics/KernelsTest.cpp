@@ -212,8 +212,8 @@ TEST_F(KernelsTest, GrayingGivesWhatThePlainTwinGivesInPlaceAndFromAnotherBuffer
         const PIXEL Key = RandomColor();
         const bool InPlace = Coin();
         const UINTN Stride = InPlace ? Blocks.DstStride : Blocks.SrcStride;
-        plain::GrayPixels({Expected, Blocks.DstStride}, {InPlace ? Expected : Src, Stride}, Blocks.Columns,
-                          Blocks.Rows, Key);
+        plain::GrayPixels({Expected, Blocks.DstStride}, {InPlace ? Expected : Src, Stride}, Blocks.Columns, Blocks.Rows,
+                          Key);
         GrayPixels({Dst, Blocks.DstStride}, {InPlace ? Dst : Src, Stride}, Blocks.Columns, Blocks.Rows, Key);
     });
 }

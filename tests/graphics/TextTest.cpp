@@ -37,8 +37,8 @@ TEST_F(TEXT, HasALimitByTheFirmwaresGeneration)
         UINT8 Generation;
         UINTN Length;
         bool Taken;
-    } Cases[] = {{0, 1, true}, {0, 63, true}, {0, 64, false}, {4, 0, false}, {4, 1, true}, {4, 64, true},
-                 {4, 128, true}, {4, 129, false}, {5, 64, false}};
+    } Cases[] = {{0, 1, true},  {0, 63, true},  {0, 64, false},  {4, 0, false}, {4, 1, true},
+                 {4, 64, true}, {4, 128, true}, {4, 129, false}, {5, 64, false}};
     for (const auto& Case : Cases) {
         SCOPED_TRACE(Case.Generation * 1000 + Case.Length);
         Again(Case.Generation);

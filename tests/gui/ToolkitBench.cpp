@@ -58,8 +58,8 @@ std::vector<BLT_CALL> HOSTED::Blts()
     std::vector<BLT_CALL> Calls;
     for (const CALL_LINE& Line : CallsNamed(ParseTrace(Boot->Trace.Lines), "Blt")) {
         EXPECT_EQ(Line.Text("status"), "0x0000000000000000");
-        Calls.push_back({Line.Number("x"), Line.Number("y"), Line.Number("width"), Line.Number("height"),
-                         Line.Number("delta")});
+        Calls.push_back(
+            {Line.Number("x"), Line.Number("y"), Line.Number("width"), Line.Number("height"), Line.Number("delta")});
     }
     Boot->Trace.Lines.clear();
     return Calls;

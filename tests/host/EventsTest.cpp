@@ -170,8 +170,7 @@ TEST_F(EventsTest, CreationRefusesWhatTheSpecificationRefuses)
 
 TEST_F(EventsTest, AWaitStopsAtTheLowestDueTimerAndElseAtTheEmptyHandle)
 {
-    EFI_EVENT Array[4] = {CreateTimer(5000000), CreateTimer(200000),
-                          CreateTimer(2000000), nullptr};
+    EFI_EVENT Array[4] = {CreateTimer(5000000), CreateTimer(200000), CreateTimer(2000000), nullptr};
     UINTN Index = 9;
     EXPECT_TRUE(EfiError(Events.Wait(4, Array, &Index)));
     EXPECT_EQ(Index, 3u);

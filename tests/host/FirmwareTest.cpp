@@ -80,8 +80,8 @@ TEST_F(FirmwareTest, TimerCalendarAndStallFollowOneClock)
 TEST(BootTest, EachBootIsFreshAndItsBoardGivesBackWhatItTook)
 {
     for (UINTN At = 0; At < gBoardNameCount; At++) {
-        BOOT Boot{BOOT_OPTIONS{
-            .Board = gBoardNames[At], .ArtworkPack = gArtworkPack, .ArtworkPackSize = gArtworkPackSize}};
+        BOOT Boot{
+            BOOT_OPTIONS{.Board = gBoardNames[At], .ArtworkPack = gArtworkPack, .ArtworkPackSize = gArtworkPackSize}};
         Boot.Complaints.Quiet = true;
         EXPECT_TRUE(Boot.Variables.All().empty());
         ASSERT_EQ(Boot.InstallBoard(), EFI_SUCCESS) << gBoardNames[At];

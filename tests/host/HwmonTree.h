@@ -50,7 +50,8 @@ struct HWMON_TREE {
         Files["fan" + std::to_string(Fan) + "_input"] = std::to_string(1000 + Fan);
         Files[Pwm] = "77";
         Files[Pwm + "_enable"] = "5";
-        const char* Points[][2] = {{"30000", "51"}, {"45000", "100"}, {"60000", "160"}, {"72000", "220"}, {"100000", "255"}};
+        const char* Points[][2] = {
+            {"30000", "51"}, {"45000", "100"}, {"60000", "160"}, {"72000", "220"}, {"100000", "255"}};
         for (int Point = 0; Point < 5; Point++) {
             const std::string Stem = Pwm + "_auto_point" + std::to_string(Point + 1);
             Files[Stem + "_temp"] = Points[Point][0];
@@ -61,6 +62,7 @@ struct HWMON_TREE {
     // A processor, a chip with three curves, and one of slopes that takes a duty.
     void MakeDesktop() const
     {
+        // clang-format off
         Chip("hwmon0", {{"name", "acpitz"}, {"temp1_input", "27800"}});
         Chip("hwmon1", {{"name", "coretemp"}, {"temp1_input", "56400"}, {"temp1_label", "Package id 0"},
                         {"temp2_input", "55000"}, {"temp2_label", "Core 0"}});
@@ -73,5 +75,6 @@ struct HWMON_TREE {
                                                        {"temp7_label", "PCH_CHIP_TEMP"}, {"in0_input", "1216"},
                                                        {"in3_input", "3328"}, {"in3_label", "3VCC"}},
                                                       1), 2), 3));
+        // clang-format on
     }
 };

@@ -150,11 +150,10 @@ TEST_F(LinuxBoardTest, TheListNamesEachSensorOnceAndWhatBecomesOfIt)
     Tree.Chip("hwmon11", {{"name", "amdgpu"}, {"fan1_input", "900"}, {"pwm1", "60"}, {"pwm1_enable", "2"}});
     ASSERT_TRUE(Find());
     const std::string List = Board->List();
-    for (const char* Line :
-         {"56.4 °C   temperature 1\n", "55.0 °C   not shown\n", "nothing likely   not shown\n",
-          "1001 rpm   fan 1, a page with a curve of 8 levels; can be set with --set-fans\n",
-          "800 rpm   fan 6, a page with a slider; can be set with --set-fans\n",
-          "never set: it is the graphics card's\n", "3.328 V   voltage 3\n"}) {
+    for (const char* Line : {"56.4 °C   temperature 1\n", "55.0 °C   not shown\n", "nothing likely   not shown\n",
+                             "1001 rpm   fan 1, a page with a curve of 8 levels; can be set with --set-fans\n",
+                             "800 rpm   fan 6, a page with a slider; can be set with --set-fans\n",
+                             "never set: it is the graphics card's\n", "3.328 V   voltage 3\n"}) {
         EXPECT_NE(List.find(Line), std::string::npos) << Line << "in\n" << List;
     }
     EXPECT_EQ(std::count(List.begin(), List.end(), '\n'), 15);
@@ -177,7 +176,7 @@ TEST_F(LinuxBoardTest, WhatCannotBeReadIsAFailedReadingAndComesBackByItself)
     Spoil([&] { std::filesystem::remove(Tree.Path("hwmon1/temp1_input")); }); // the module is gone
     Spoil([&] { Tree.Write("hwmon1/temp1_input", ""); });                     // no value yet
     Spoil([&] { Tree.Write("hwmon1/temp1_input", "12x"); });
-    Spoil([&] { Tree.Write("hwmon1/temp1_input", "127000"); });               // nothing is wired there
+    Spoil([&] { Tree.Write("hwmon1/temp1_input", "127000"); }); // nothing is wired there
     Spoil([&] { Tree.Write("hwmon1/temp1_fault", "1"); });
     Spoil([&] {
         std::filesystem::remove(Tree.Path("hwmon1/temp1_input"));
@@ -338,12 +337,14 @@ TEST_F(LinuxBoardTest, NoDutyGoesBelowTheChipsFloor)
 
 TEST_F(LinuxBoardTest, SomeFansAreNeverSetAndItIsSaidWhy)
 {
+    // clang-format off
     Tree.Chip("hwmon0", {{"name", "nct6798"},
                          {"fan1_input", "2800"}, {"fan1_label", "AIO Pump"}, {"pwm1", "255"}, {"pwm1_enable", "1"},
                          {"fan2_input", "0"}, {"pwm2", "100"}, {"pwm2_enable", "5"},
                          {"fan3_input", "900"}, {"pwm3", "100"}, {"pwm3_enable", "5"},
                          {"fan4_input", "900"}, {"pwm4", "100"}, {"pwm4_enable", ""},
                          {"fan5_input", "900"}});
+    // clang-format on
     ASSERT_EQ(chmod(Tree.Path("hwmon0/pwm3").c_str(), 0444), 0);
     const HWMON_TREE::FILES Before = Tree.Bytes();
     Open(true);
@@ -356,8 +357,8 @@ TEST_F(LinuxBoardTest, SomeFansAreNeverSetAndItIsSaidWhy)
     }
     (void)Board->SetFullSpeed(Board.get());
     EXPECT_EQ(Tree.Bytes(), Before);
-    for (const char* Reason : {"pump", "stands still", "doesn't let it be written", "couldn't be given back",
-                               "the speed alone"}) {
+    for (const char* Reason :
+         {"pump", "stands still", "doesn't let it be written", "couldn't be given back", "the speed alone"}) {
         EXPECT_TRUE(HasSaid(Reason)) << Reason;
     }
 }

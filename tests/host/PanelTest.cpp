@@ -58,14 +58,10 @@ TEST(Panel, WithRoomForTheConsoleShowsItsPixelsAsSquaresInTheMiddle)
 {
     constexpr SHOWN Cases[] = {
         // panel                            picture at   times
-        {{1024, 768, PANEL_BLT_ONLY}, 0, 0, 1},
-        {{1024, 768, PANEL_RED_FIRST}, 0, 0, 1},
-        {{1366, 768, PANEL_THREE_BYTES}, 171, 0, 1},
-        {{1280, 1024, PANEL_RED_FIRST}, 128, 128, 1},
-        {{1025, 769, PANEL_BLUE_FIRST}, 0, 0, 1},
-        {{2048, 1536, PANEL_BLT_ONLY}, 0, 0, 2},
-        {{3840, 2160, PANEL_THREE_BYTES}, 896, 312, 2},
-        {{3200, 2400, PANEL_BLUE_FIRST}, 64, 48, 3},
+        {{1024, 768, PANEL_BLT_ONLY}, 0, 0, 1},         {{1024, 768, PANEL_RED_FIRST}, 0, 0, 1},
+        {{1366, 768, PANEL_THREE_BYTES}, 171, 0, 1},    {{1280, 1024, PANEL_RED_FIRST}, 128, 128, 1},
+        {{1025, 769, PANEL_BLUE_FIRST}, 0, 0, 1},       {{2048, 1536, PANEL_BLT_ONLY}, 0, 0, 2},
+        {{3840, 2160, PANEL_THREE_BYTES}, 896, 312, 2}, {{3200, 2400, PANEL_BLUE_FIRST}, 64, 48, 3},
     };
     const std::vector<UINT32> Pattern = MakePattern();
     for (const SHOWN& Case : Cases) {
@@ -83,7 +79,8 @@ TEST(Panel, WithRoomForTheConsoleShowsItsPixelsAsSquaresInTheMiddle)
                 const bool Block = Column >= 333 && Column < 340 && Row >= 222 && Row < 227;
                 const UINT32 Wanted = X < Case.X || Y < Case.Y || Column >= gPictureWidth || Row >= gPictureHeight
                                           ? Surround
-                                          : Block ? 0xABCDEF : Pattern[Row * gPictureWidth + Column];
+                                      : Block ? 0xABCDEF
+                                              : Pattern[Row * gPictureWidth + Column];
                 Wrong += Layered.Boot.Display.Words()[UINTN{Y} * Case.Panel.Width + X] != Wanted ? 1 : 0;
             }
         }
@@ -141,8 +138,9 @@ TEST(Panel, GivesBackWhatWasPaintedAndMovesIt)
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Graphics = Layered.Graphics;
     // One down and to the right, over itself.
     ASSERT_EQ(Graphics->Blt(Graphics, nullptr, EfiBltVideoToVideo, 10, 20, 11, 21, 2, 2, 0), EFI_SUCCESS);
-    ASSERT_EQ(Graphics->Blt(Graphics, reinterpret_cast<PIXEL*>(Back.data()), EfiBltVideoToBltBuffer, 11, 21, 0, 0, 2, 2, 0),
-              EFI_SUCCESS);
+    ASSERT_EQ(
+        Graphics->Blt(Graphics, reinterpret_cast<PIXEL*>(Back.data()), EfiBltVideoToBltBuffer, 11, 21, 0, 0, 2, 2, 0),
+        EFI_SUCCESS);
     EXPECT_EQ(Back, (std::vector<UINT32>{1, 2, 3, 4}));
     EXPECT_EQ(Layered.At(2 * 10, 2 * 20), 1u);
     EXPECT_EQ(Layered.At(2 * 12 + 1, 2 * 22 + 1), 4u);

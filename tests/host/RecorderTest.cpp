@@ -18,7 +18,8 @@ protected:
         Input.PointerY = 20;
     }
 
-    std::string Close() {
+    std::string Close()
+    {
         EXPECT_TRUE(CloseRecorder(Open));
         std::ifstream File(Path);
         return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};

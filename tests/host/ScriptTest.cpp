@@ -32,6 +32,7 @@ TEST(ScriptTest, AMistakeIsToldWithItsPlaceAndWhatWasExpected)
 
 TEST(ScriptTest, WhatIsNoneOfAVerbsArgumentsIsRefused)
 {
+    // clang-format off
     for (const char* Line :
          {"frob", "pointer 1", "pointer 1 x", "pointer 1 2 3", "left", "key", "key esc esc", "key zz 1", "key ab",
           "key 17 10000", "advance", "advance -1", "tick 0", "tick x", "reading 18 1", "reading 4", "reading 4 -1",
@@ -40,6 +41,7 @@ TEST(ScriptTest, WhatIsNoneOfAVerbsArgumentsIsRefused)
           "fail Start NOT_FOUND", "fail Blt NOT_FOUND 0", "fail Blt NOWHERE", "slow", "slow Blt", "slow blt 5", "slow Blt -1", "slow Blt 5 5", "without", "without NOTHING",
           "artwork", "artwork 5", "artwork 5 /no/such/file", "artwork type 17", "screenshot", "start now",
           "reset\nturn", "reset", "reset\nreset\nstart"}) {
+        // clang-format on
         EXPECT_NE(FirstError(Line), "") << Line;
     }
     // 65 bytes are one too many for a record.
@@ -62,7 +64,8 @@ TEST(ScriptTest, ArgumentsArriveAsTheyAreMeant)
     EXPECT_EQ(Only("reading 17 absent").Reading.Kind, READING_OVERRIDE::ABSENT);
     EXPECT_TRUE(Only("reading 17 live").Live);
     EXPECT_FALSE(Only("string 31 null").String.has_value());
-    EXPECT_TRUE(*Only("string 31  a#1 \xC3\xB8  # no part of it").String == u"a#1 \u00F8") << "only a '#' behind a blank comments";
+    EXPECT_TRUE(*Only("string 31  a#1 \xC3\xB8  # no part of it").String == u"a#1 \u00F8")
+        << "only a '#' behind a blank comments";
     EXPECT_EQ(Only("fail LocateProtocol EFI_NOT_FOUND 3").Status, EFI_NOT_FOUND);
     EXPECT_EQ(Only("fail GetFan10Setting DEVICE_ERROR").Call, CALL_GET_FAN_10_SETTING);
     EXPECT_EQ(Only("slow GetItemString 20000").Count, 20000u);
@@ -105,12 +108,14 @@ TEST(CommandLineTest, OptionsReachTheSession)
 
 TEST(CommandLineTest, ABadOptionIsRefused)
 {
+    // clang-format off
     for (const std::vector<std::string>& Words : std::vector<std::vector<std::string>>{
              {"--bored"}, {"small"}, {"--board"}, {"--board", "large"}, {"--seed", "x"}, {"--seed", "-1"},
              {"--generation", "256"}, {"--pool-limit", "0"}, {"--pool-fail", ""}, {"--headless=yes"}, {"--trace", ""},
              {"--headless", "--record", "r"}, {"--record", "r", "--script", "s"}, {"--set-fans"},
              {"--board", "full", "--hwmon", "d"}, {"--board", "linux", "--keep"}, {"--board", "linux", "--temperature", ""},
              {"--list-sensors", "--temperature=a", "--temperature=b", "--temperature=c", "--temperature=d"}}) {
+        // clang-format on
         COMMAND Command;
         std::string Error;
         EXPECT_FALSE(ParseCommandLine(Words, &Command, &Error)) << Words[0];

@@ -7,7 +7,8 @@ UINTN gStarts = 0;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) EFI_STATUS _ModuleEntryPoint(EFI_HANDLE, EFI_SYSTEM_TABLE* SystemTable)
+extern "C" __attribute__((visibility("default"))) EFI_STATUS _ModuleEntryPoint(EFI_HANDLE,
+                                                                               EFI_SYSTEM_TABLE* SystemTable)
 {
     gStarts++;
     if (gStarts != 1) {

@@ -38,7 +38,8 @@ CALL_LINE ParseLine(const std::string& Line)
     char Name[64];
     int Size = 0;
     if (std::sscanf(Line.c_str(), R"({"us":%llu,"start":%llu,"turn":%llu,"call":"%63[^"]"%n)", &Call.Microseconds,
-                    &Call.Start, &Call.Turn, Name, &Size) != 4 || Size == 0 || Line.back() != '}') {
+                    &Call.Start, &Call.Turn, Name, &Size) != 4 ||
+        Size == 0 || Line.back() != '}') {
         throw std::runtime_error("no trace line: " + Line);
     }
     Call.Call = Name;
@@ -71,10 +72,7 @@ std::string CALL_LINE::Text(std::string_view Field) const
     return std::string(Rest.substr(0, End + (Rest.starts_with('[') ? 1 : 0)));
 }
 
-UINT64 CALL_LINE::Number(std::string_view Field) const
-{
-    return std::strtoull(Text(Field).c_str(), nullptr, 10);
-}
+UINT64 CALL_LINE::Number(std::string_view Field) const { return std::strtoull(Text(Field).c_str(), nullptr, 10); }
 
 std::vector<CALL_LINE> ParseTrace(const std::vector<std::string>& Lines)
 {

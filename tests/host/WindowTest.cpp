@@ -12,7 +12,7 @@ namespace {
 class OpenedWindow : public testing::Test {
 protected:
     OpenedWindow()
-{
+    {
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         const char* Error = nullptr;
         Window = OpenWindow("Test", &Error);
@@ -22,14 +22,23 @@ protected:
 
     ~OpenedWindow() override { CloseWindow(Window); }
 
-    static VOID PutMotion(int X, int Y) {
+    static VOID PutMotion(int X, int Y)
+    {
         SDL_Event Event{};
-        Event.motion = {.type = SDL_MOUSEMOTION, .timestamp = 0, .windowID = 0, .which = 0, .state = 0, .x = X, .y = Y,
-                        .xrel = 0, .yrel = 0};
+        Event.motion = {.type = SDL_MOUSEMOTION,
+                        .timestamp = 0,
+                        .windowID = 0,
+                        .which = 0,
+                        .state = 0,
+                        .x = X,
+                        .y = Y,
+                        .xrel = 0,
+                        .yrel = 0};
         SDL_PushEvent(&Event);
     }
 
-    static VOID PutButton(bool Down, UINT8 Button, int X, int Y) {
+    static VOID PutButton(bool Down, UINT8 Button, int X, int Y)
+    {
         SDL_Event Event{};
         Event.type = Down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
         Event.button.button = Button;
@@ -39,21 +48,24 @@ protected:
         SDL_PushEvent(&Event);
     }
 
-    static VOID PutKey(SDL_Keycode Symbol) {
+    static VOID PutKey(SDL_Keycode Symbol)
+    {
         SDL_Event Event{};
         Event.type = SDL_KEYDOWN;
         Event.key.keysym.sym = Symbol;
         SDL_PushEvent(&Event);
     }
 
-    static VOID PutText(const char* Text) {
+    static VOID PutText(const char* Text)
+    {
         SDL_Event Event{};
         Event.type = SDL_TEXTINPUT;
         SDL_strlcpy(Event.text.text, Text, sizeof Event.text.text);
         SDL_PushEvent(&Event);
     }
 
-    VOID ExpectTurn(INT32 X, INT32 Y, bool Left, bool Right, bool Moved) {
+    VOID ExpectTurn(INT32 X, INT32 Y, bool Left, bool Right, bool Moved)
+    {
         EXPECT_TRUE(PumpWindow(Window, &Input));
         EXPECT_EQ(Input.PointerX, X);
         EXPECT_EQ(Input.PointerY, Y);

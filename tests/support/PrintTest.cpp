@@ -74,10 +74,7 @@ TEST(Print, GuidsAndTimesHaveTheirForms)
     EXPECT_EQ(Format(u"%t", &Time), u"03/07/2009  09:05");
 }
 
-TEST(Print, OnlyALineFeedOfTheFormatGetsACarriageReturn)
-{
-    EXPECT_EQ(Format(u"\n\r\na%s", u"b\n"), u"\r\n\r\nab\n");
-}
+TEST(Print, OnlyALineFeedOfTheFormatGetsACarriageReturn) { EXPECT_EQ(Format(u"\n\r\na%s", u"b\n"), u"\r\n\r\nab\n"); }
 
 TEST(Print, AFormatThatBreaksOffInsideAnElementEndsThere)
 {
@@ -115,9 +112,11 @@ TEST(Print, AWidthFarBeyondTheBufferFillsIt)
 
 TEST(Print, AStatusHasItsTextAndAnUnknownOneItsNumber)
 {
-    EXPECT_EQ(Format(u"%r|%r|%r", EFI_SUCCESS, EFI_LOAD_ERROR, EFI_PROTOCOL_ERROR), u"Success|Load Error|Protocol Error");
-    EXPECT_EQ(Format(u"%r|%r|%r|%r", UINT64{4}, UINT64{5}, EFI_STATUS{0x8000000000000000}, EFI_STATUS{0x8000000000000019}),
-              u"Warning Buffer Too Small|00000005|00000000|00000019");
+    EXPECT_EQ(Format(u"%r|%r|%r", EFI_SUCCESS, EFI_LOAD_ERROR, EFI_PROTOCOL_ERROR),
+              u"Success|Load Error|Protocol Error");
+    EXPECT_EQ(
+        Format(u"%r|%r|%r|%r", UINT64{4}, UINT64{5}, EFI_STATUS{0x8000000000000000}, EFI_STATUS{0x8000000000000019}),
+        u"Warning Buffer Too Small|00000005|00000000|00000019");
 }
 
 using CONSOLE_PRINT = HOSTED;

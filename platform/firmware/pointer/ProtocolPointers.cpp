@@ -18,7 +18,7 @@ constexpr UINT32 gPnpMouseClass = 0x0F;
 
 struct DEVICE {
     EFI_HANDLE Handle;
-    EFI_SIMPLE_POINTER_PROTOCOL* Simple;     // one of the two
+    EFI_SIMPLE_POINTER_PROTOCOL* Simple; // one of the two
     EFI_ABSOLUTE_POINTER_PROTOCOL* Absolute;
     INT64 RestX; // counts that made no whole pixel yet
     INT64 RestY;

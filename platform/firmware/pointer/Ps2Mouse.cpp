@@ -5,8 +5,8 @@ namespace {
 constexpr UINT16 gDataPort = 0x60;
 constexpr UINT16 gCommandPort = 0x64; // status when read
 
-constexpr UINT8 gOutputFull = 0x01;  // a byte waits for us
-constexpr UINT8 gInputFull = 0x02;   // the controller hasn't taken our last byte yet
+constexpr UINT8 gOutputFull = 0x01; // a byte waits for us
+constexpr UINT8 gInputFull = 0x02;  // the controller hasn't taken our last byte yet
 constexpr UINT8 gFromAuxiliary = 0x20;
 
 constexpr UINT8 gEnableAuxiliary = 0xA8;

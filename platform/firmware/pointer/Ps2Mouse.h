@@ -21,12 +21,12 @@ struct PS2_PORTS {
 
 enum PS2_STATE : UINT8 {
     PS2_STOPPED,
-    PS2_STOPPING,    // waits for the acknowledgement of its silence
-    PS2_ABSENT,      // waits until it tries again
-    PS2_SETTING_UP,  // the commands of the set-up are on their way
-    PS2_STREAMING,   // packets come as the mouse moves
-    PS2_ASKED,       // waits for the acknowledgement of a question
-    PS2_ANSWERING,   // the answer is the packet that comes next
+    PS2_STOPPING,   // waits for the acknowledgement of its silence
+    PS2_ABSENT,     // waits until it tries again
+    PS2_SETTING_UP, // the commands of the set-up are on their way
+    PS2_STREAMING,  // packets come as the mouse moves
+    PS2_ASKED,      // waits for the acknowledgement of a question
+    PS2_ANSWERING,  // the answer is the packet that comes next
 };
 
 struct PS2_MOUSE {

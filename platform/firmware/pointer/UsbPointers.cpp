@@ -67,7 +67,8 @@ EFI_DRIVER_BINDING_PROTOCOL gDriverBinding;
 EFI_STATUS Request(EFI_USB_IO_PROTOCOL* UsbIo, UINT8 Type, UINT8 Code, UINT16 Value, UINT16 Index, VOID* Data,
                    UINT16 Length)
 {
-    EFI_USB_DEVICE_REQUEST Packet = {.RequestType = Type, .Request = Code, .Value = Value, .Index = Index, .Length = Length};
+    EFI_USB_DEVICE_REQUEST Packet = {
+        .RequestType = Type, .Request = Code, .Value = Value, .Index = Index, .Length = Length};
     UINT32 Status = 0;
     return UsbIo->UsbControlTransfer(UsbIo, &Packet, Length == 0 ? EfiUsbNoData : EfiUsbDataIn, gRequestTime, Data,
                                      Length, &Status);
@@ -307,8 +308,8 @@ EFI_STATUS OpenUsbPointers(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
         .DriverBindingHandle = Image,
     };
     EFI_HANDLE Handle = Image;
-    EFI_STATUS Status = gBoot->InstallMultipleProtocolInterfaces(&Handle, &gEfiDriverBindingProtocolGuid,
-                                                                 &gDriverBinding, nullptr);
+    EFI_STATUS Status =
+        gBoot->InstallMultipleProtocolInterfaces(&Handle, &gEfiDriverBindingProtocolGuid, &gDriverBinding, nullptr);
     if (EfiError(Status)) {
         return Status;
     }

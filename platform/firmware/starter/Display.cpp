@@ -172,9 +172,14 @@ DISPLAY_RESULT OpenLayer()
         return DISPLAY_READY;
     }
     const PLACEMENT Place = gLayer != nullptr ? gLayer->Place : PlacePicture(gPictureWidth, gPictureHeight);
-    gConsoleDisplay = {.Graphics = gLayer != nullptr ? &gLayer->Graphics : gGraphics, .Font = Font,
-                       .PanelWidth = Place.PanelWidth, .PanelHeight = Place.PanelHeight, .X = Place.X, .Y = Place.Y,
-                       .Width = Place.Width, .Height = Place.Height};
+    gConsoleDisplay = {.Graphics = gLayer != nullptr ? &gLayer->Graphics : gGraphics,
+                       .Font = Font,
+                       .PanelWidth = Place.PanelWidth,
+                       .PanelHeight = Place.PanelHeight,
+                       .X = Place.X,
+                       .Y = Place.Y,
+                       .Width = Place.Width,
+                       .Height = Place.Height};
     // Without it a message box isn't scaled and has the firmware's letters.
     (void)Boot->InstallProtocolInterface(&gConsoleDisplayHandle, &gConsoleDisplayGuid, EFI_NATIVE_INTERFACE,
                                          &gConsoleDisplay);
@@ -186,7 +191,8 @@ DISPLAY_RESULT OpenLayer()
     }
     ReplaceLookup(&gEfiGraphicsOutputProtocolGuid, &gLayer->Graphics);
     // Without a timer a pixel comes late.
-    if (!EfiError(Boot->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnLayerTimer, nullptr, &gLayerTimer))) {
+    if (!EfiError(
+            Boot->CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnLayerTimer, nullptr, &gLayerTimer))) {
         (void)Boot->SetTimer(gLayerTimer, TimerPeriodic, gLayerPeriod);
     } else {
         gLayerTimer = nullptr;

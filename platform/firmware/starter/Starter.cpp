@@ -93,8 +93,9 @@ bool PrepareDisplay()
                             u"another output or attach another display, and start again.");
         break;
     case DISPLAY_NO_MEMORY:
-        AddParagraph(&Page, u"There is not enough memory for the picture of the screen. Give the machine more memory and "
-                            u"start again.");
+        AddParagraph(&Page,
+                     u"There is not enough memory for the picture of the screen. Give the machine more memory and "
+                     u"start again.");
         break;
     }
     TellProblem(&Page);
@@ -114,7 +115,8 @@ VOID TellLoadProblem(LOAD_RESULT Result, const CHAR16* Path, EFI_STATUS Status)
                      u"). If it is a stick, see that it is plugged in, and start again.");
         break;
     case LOAD_MISSING:
-        AddParagraph(&Page, u"The file ", Path, u" is missing on the volume that this starter was read from. Copy it "
+        AddParagraph(&Page, u"The file ", Path,
+                     u" is missing on the volume that this starter was read from. Copy it "
                      u"there and start again.");
         break;
     case LOAD_UNREADABLE:
@@ -126,11 +128,13 @@ VOID TellLoadProblem(LOAD_RESULT Result, const CHAR16* Path, EFI_STATUS Status)
                      u"). Copy it to the volume anew and start again.");
         break;
     case LOAD_REFUSED:
-        AddParagraph(&Page, u"Secure Boot refuses the file ", Path, u". Sign the file with a key that this firmware "
+        AddParagraph(&Page, u"Secure Boot refuses the file ", Path,
+                     u". Sign the file with a key that this firmware "
                      u"trusts, or switch Secure Boot off in the firmware's set-up, and start again.");
         break;
     case LOAD_NO_MEMORY:
-        AddParagraph(&Page, u"There is not enough memory to load the file ", Path, u". Give the machine more memory and "
+        AddParagraph(&Page, u"There is not enough memory to load the file ", Path,
+                     u". Give the machine more memory and "
                      u"start again.");
         break;
     }

@@ -98,7 +98,8 @@ EFI_DEVICE_PATH_PROTOCOL* MakeFilePath(EFI_BOOT_SERVICES* Boot, EFI_HANDLE Volum
     }
     UINTN FileNode = sizeof(EFI_DEVICE_PATH_PROTOCOL) + (Characters + 1) * sizeof(CHAR16);
     VOID* Block = nullptr;
-    if (EfiError(Boot->AllocatePool(EfiBootServicesData, Nodes + FileNode + sizeof(EFI_DEVICE_PATH_PROTOCOL), &Block))) {
+    if (EfiError(
+            Boot->AllocatePool(EfiBootServicesData, Nodes + FileNode + sizeof(EFI_DEVICE_PATH_PROTOCOL), &Block))) {
         return nullptr;
     }
     auto* At = static_cast<UINT8*>(Block);

@@ -187,8 +187,8 @@ FAN_SETTING FAN_FILES::Get(FAN_CONTROL Control) const
     FAN_SETTING Setting = {};
     if (Control != CONTROL_CURVE8) {
         // A fan that nobody holds back runs as fast as it can.
-        Setting.FixedLevel = Means == FAN_SPEED_ALONE ? gFixedLevels
-                                                      : NearestLevel(NumberOf(mNow.Duty), CONTROL_FIXED_LEVEL);
+        Setting.FixedLevel =
+            Means == FAN_SPEED_ALONE ? gFixedLevels : NearestLevel(NumberOf(mNow.Duty), CONTROL_FIXED_LEVEL);
     }
     if (Control == CONTROL_FIXED_LEVEL) {
         return Setting;
@@ -201,8 +201,8 @@ FAN_SETTING FAN_FILES::Get(FAN_CONTROL Control) const
         for (UINT8 Node = 0; Node < gCurveNodes; Node++) {
             // Points closer than the grid's columns are moved apart, as far as there is room for those behind.
             const UINT8 Last = static_cast<UINT8>(gCurveColumns - (gCurveNodes - 1 - Node));
-            Column = std::min(Last, std::max(static_cast<UINT8>(Column + 1),
-                                             NearestColumn(NumberOf(mNow.Points[Node].Temperature))));
+            Column = std::min(
+                Last, std::max(static_cast<UINT8>(Column + 1), NearestColumn(NumberOf(mNow.Points[Node].Temperature))));
             Level = std::max(Level, NearestLevel(NumberOf(mNow.Points[Node].Duty), Control));
             Curve.Nodes[Node] = {Column, Level};
         }
@@ -264,7 +264,8 @@ bool FAN_FILES::PutOr(const HELD& Wanted, const HELD& Before, std::string* Error
     }
     std::string Second;
     if (!Put(Before, &Second) || !mNow.Matches(Before)) {
-        *Error += SetFullSpeed(&Second) ? "; it runs at full speed now" : "; and what it had can't be given back: " + Second;
+        *Error +=
+            SetFullSpeed(&Second) ? "; it runs at full speed now" : "; and what it had can't be given back: " + Second;
     }
     return false;
 }

@@ -40,7 +40,8 @@ private:
         bool operator==(const POINT&) const = default;
     };
     struct HELD {
-        std::string Mode; // of pwmN_enable: 1 a fixed duty, 0 full speed, others by the chip; empty: there is no such file
+        std::string
+            Mode; // of pwmN_enable: 1 a fixed duty, 0 full speed, others by the chip; empty: there is no such file
         std::string Duty;
         std::vector<POINT> Points;
         bool IsFixed() const { return Mode.empty() || Mode == "0" || Mode == "1"; }

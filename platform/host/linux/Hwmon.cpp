@@ -36,6 +36,7 @@ constexpr struct {
     const char* Driver;
     const char* Label;
 } gTemperatureRoles[] = {
+    // clang-format off
     {0, "coretemp", "Package"}, {0, "k10temp", "Tdie"}, // Tctl is for control and can lie above the truth
     {0, "k10temp", ""},         {0, "zenpower", "Tdie"}, {0, "coretemp", ""}, {0, "cpu_thermal", ""},
     {0, "", "CPU"},             {0, "", "PECI"},
@@ -43,6 +44,7 @@ constexpr struct {
     {1, "", "MB"},              {1, "", "Board"},        {1, "nct", "AUXTIN"},   {1, "it8", ""},
     {1, "acpitz", ""},
     {2, "pch", ""},             {2, "", "PCH"},          {2, "", "Chipset"},
+    // clang-format on
 };
 // A processor that reads no more than this at the start isn't running, and a chipset's channel that nobody feeds has 0.
 constexpr INT64 gLowestLikely = 1000;
@@ -55,13 +57,10 @@ constexpr struct {
     const char* Driver;
     const char* Label;
 } gVoltageRoles[] = {
-    {0, "", "Vcore"}, {0, "", "CPU Core"}, {0, "", "CPUVC"},
-    {1, "", "VCCIO"}, {1, "", "CPU I/O"},  {1, "", "VTT"},   {1, "", "SoC"},
-    {2, "", "3.3V"},  {2, "", "3VCC"},     {2, "", "AVCC"},
-    {3, "", "+5V"},   {3, "", "5VCC"},
-    {4, "", "12V"},
-    {5, "amdgpu", ""}, {5, "nouveau", ""}, {5, "", "GPU"},
-    {6, "", "DRAM"},  {6, "", "DIMM"},     {6, "", "VDDQ"},
+    {0, "", "Vcore"}, {0, "", "CPU Core"}, {0, "", "CPUVC"}, {1, "", "VCCIO"},  {1, "", "CPU I/O"},
+    {1, "", "VTT"},   {1, "", "SoC"},      {2, "", "3.3V"},  {2, "", "3VCC"},   {2, "", "AVCC"},
+    {3, "", "+5V"},   {3, "", "5VCC"},     {4, "", "12V"},   {5, "amdgpu", ""}, {5, "nouveau", ""},
+    {5, "", "GPU"},   {6, "", "DRAM"},     {6, "", "DIMM"},  {6, "", "VDDQ"},
 };
 
 std::vector<std::string> NamesIn(const std::string& Folder, bool* Good)

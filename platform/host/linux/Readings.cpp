@@ -13,7 +13,10 @@ using CLOCK_NOW = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds gPause{250};
 constexpr std::chrono::seconds gLongestWait{1};
 
-INT64 Now() { return std::chrono::duration_cast<std::chrono::milliseconds>(CLOCK_NOW::now().time_since_epoch()).count(); }
+INT64 Now()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(CLOCK_NOW::now().time_since_epoch()).count();
+}
 
 } // namespace
 

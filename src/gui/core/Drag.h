@@ -22,11 +22,12 @@ struct DRAG_BEATS {
     INT64* StartX;       // where the pointer was when it began
     INT64* StartY;
     DRAG_REPORT* Report;
-    UINT8* (*Started)(VOID* Control);   // the control's own mark that its drag has begun; null when nothing of it is in hand
-    VOID (*Hold)(VOID* Control);        // in each turn of the held button, before anything else; null: nothing
-    VOID (*Move)(VOID* Control);        // in each but the first
-    VOID (*Drop)(VOID* Control);        // the end: the thing falls into its place, and the resting picture comes back
-    EFI_STATUS (*Fire)(UINT32 State);   // tells the listeners: L_HOLD at the begin, L_HOLD_TO_RELEASE at the end
+    UINT8* (*Started)(
+        VOID* Control);          // the control's own mark that its drag has begun; null when nothing of it is in hand
+    VOID (*Hold)(VOID* Control); // in each turn of the held button, before anything else; null: nothing
+    VOID (*Move)(VOID* Control); // in each but the first
+    VOID (*Drop)(VOID* Control); // the end: the thing falls into its place, and the resting picture comes back
+    EFI_STATUS (*Fire)(UINT32 State); // tells the listeners: L_HOLD at the begin, L_HOLD_TO_RELEASE at the end
 };
 
 // 1 while a thumb or a node is being dragged; buttons and page-bar members then ignore the held press.

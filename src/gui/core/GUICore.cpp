@@ -243,10 +243,7 @@ GUI_COMPONENT* ComponentOf(UINT32 Id)
     return Component;
 }
 
-VOID ClearTarget()
-{
-    ClearTargetOf(gGuiCore);
-}
+VOID ClearTarget() { ClearTargetOf(gGuiCore); }
 
 VOID SignalComponent(const GUI_COMPONENT* Component)
 {

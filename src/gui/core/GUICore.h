@@ -61,16 +61,16 @@ enum HOVER_PHASE : UINT32 {
 using HOVER_HANDLER = EFI_STATUS (*)(EFI_EVENT Event, VOID* Context);
 
 struct GUI_COMPONENT {
-    GUI_RECT Rect;     // its own copy; a control that moves writes here too
+    GUI_RECT Rect; // its own copy; a control that moves writes here too
     LIST_ENTRY Link;
-    UINT32 Id;         // the registry's Count at registration: order of registration, and rank in the hit scan
-    UINT8 Kind;        // COMPONENT_KIND
-    UINT8 Enabled;     // 1 at registration; 0 takes it out of the reaction of the hit scan
-    UINT8 Active;      // 1 when it belongs to the page on show and the page's condition holds
+    UINT32 Id;                // the registry's Count at registration: order of registration, and rank in the hit scan
+    UINT8 Kind;               // COMPONENT_KIND
+    UINT8 Enabled;            // 1 at registration; 0 takes it out of the reaction of the hit scan
+    UINT8 Active;             // 1 when it belongs to the page on show and the page's condition holds
     EFI_EVENT PrimaryEvent;   // not owned; null if none
     const CHAR16* Name;       // not owned; null if none
     EFI_EVENT SecondaryEvent; // not owned; null if none
-    VOID* Owner; // the control's record; for BASE the GUI_CORE; for a page-bar member the PAGE_BAR
+    VOID* Owner;              // the control's record; for BASE the GUI_CORE; for a page-bar member the PAGE_BAR
 };
 
 // New entries go to the tail and nothing leaves before teardown, so ids and positions agree.
@@ -87,8 +87,8 @@ struct GUI_CORE {
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Background;      // the clean picture from which things are erased
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Overlay;         // as large as Screen; nobody uses it
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* CursorBlend;     // screen and cursor laid together, the block that goes to the video
-    UINT64 CursorClipHeight; // cursor height after clipping at row 768
-    UINT64 CursorClipWidth;  // cursor width after clipping at column 1024
+    UINT64 CursorClipHeight;                        // cursor height after clipping at row 768
+    UINT64 CursorClipWidth;                         // cursor width after clipping at column 1024
     UINT64 CursorWidth;
     UINT64 CursorHeight;
     UINT64 CursorImageSize; // bytes, as the decoder gives them

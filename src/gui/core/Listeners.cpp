@@ -66,15 +66,9 @@ VOID FreeListenerList(GUI_LISTENER_LIST* List)
 
 } // namespace
 
-VOID AddSliderListener(GUI_CALLBACK Callback, UINT32 State)
-{
-    AddListener(&gSliderListeners, Callback, State);
-}
+VOID AddSliderListener(GUI_CALLBACK Callback, UINT32 State) { AddListener(&gSliderListeners, Callback, State); }
 
-VOID AddDragDropListener(GUI_CALLBACK Callback, UINT32 State)
-{
-    AddListener(&gDragDropListeners, Callback, State);
-}
+VOID AddDragDropListener(GUI_CALLBACK Callback, UINT32 State) { AddListener(&gDragDropListeners, Callback, State); }
 
 VOID AddListenerByKind(GUI_CALLBACK Callback, UINT8 Kind, UINT32 State)
 {
@@ -88,15 +82,9 @@ VOID AddListenerByKind(GUI_CALLBACK Callback, UINT8 Kind, UINT32 State)
     }
 }
 
-EFI_STATUS FireSliderListeners(UINT32 State)
-{
-    return FireListeners(&gSliderListeners, State);
-}
+EFI_STATUS FireSliderListeners(UINT32 State) { return FireListeners(&gSliderListeners, State); }
 
-EFI_STATUS FireDragDropListeners(UINT32 State)
-{
-    return FireListeners(&gDragDropListeners, State);
-}
+EFI_STATUS FireDragDropListeners(UINT32 State) { return FireListeners(&gDragDropListeners, State); }
 
 VOID FreeListeners()
 {

@@ -19,8 +19,7 @@ EFI_GRAPHICS_OUTPUT_BLT_PIXEL* gSavedScreen = nullptr;
 namespace {
 
 constexpr CHAR16 gSettingsName[] = u"GlobalVariable";
-constexpr EFI_GUID gSettingsGuid = {
-    0x1D1140CD, 0x3B1C, 0x4B04, {0xA3, 0xBE, 0xD8, 0xA9, 0x23, 0xE5, 0x73, 0xB8}};
+constexpr EFI_GUID gSettingsGuid = {0x1D1140CD, 0x3B1C, 0x4B04, {0xA3, 0xBE, 0xD8, 0xA9, 0x23, 0xE5, 0x73, 0xB8}};
 
 // Called with 10 and 0, as the service's own users do.
 constexpr UINTN gConfigureA = 10;
@@ -36,10 +35,7 @@ struct SERVICE {
     EFI_STATUS (*WhenFound)(); // its failure ends the search too
 };
 
-template <typename T> VOID** Place(T** Interface)
-{
-    return reinterpret_cast<VOID**>(Interface);
-}
+template <typename T> VOID** Place(T** Interface) { return reinterpret_cast<VOID**>(Interface); }
 
 // What the display shows now, on the assumption of a linear 1024 by 768 frame buffer with rows back to back.
 EFI_STATUS SaveScreen()
@@ -68,10 +64,7 @@ EFI_STATUS InitializeBoard()
     return EFI_SUCCESS;
 }
 
-EFI_STATUS ConfigureSections()
-{
-    return gImageSection->Configure(gConfigureA, gConfigureB);
-}
+EFI_STATUS ConfigureSections() { return gImageSection->Configure(gConfigureA, gConfigureB); }
 
 // EFI_BUFFER_TOO_SMALL when the variable exists, since there is no room for any; EFI_NOT_FOUND when it doesn't.
 EFI_STATUS ProbeSettings()

@@ -159,10 +159,8 @@ static_assert(offsetof(FLOAT_MATH_PROTOCOL, IntToFloat) == 14 * 8);
 // --- Artwork ---
 
 // The file of nearly all pictures, in numbered sections, and the file of the pointer picture.
-constexpr EFI_GUID gArtworkFileGuid = {
-    0xFCE4728C, 0x2599, 0x4B10, {0x98, 0xEA, 0x5F, 0x38, 0x72, 0x8A, 0xF5, 0xC4}};
-constexpr EFI_GUID gCursorFileGuid = {
-    0x511799D5, 0x4E57, 0x40CF, {0x83, 0x60, 0xC7, 0x52, 0x0E, 0xED, 0x1C, 0xCC}};
+constexpr EFI_GUID gArtworkFileGuid = {0xFCE4728C, 0x2599, 0x4B10, {0x98, 0xEA, 0x5F, 0x38, 0x72, 0x8A, 0xF5, 0xC4}};
+constexpr EFI_GUID gCursorFileGuid = {0x511799D5, 0x4E57, 0x40CF, {0x83, 0x60, 0xC7, 0x52, 0x0E, 0xED, 0x1C, 0xCC}};
 
 constexpr UINT8 EFI_SECTION_PE32 = 16;
 constexpr UINT8 EFI_SECTION_RAW = 25;
@@ -183,8 +181,10 @@ constexpr EFI_GUID gImageSectionProtocolGuid = {
 struct IMAGE_SECTION_PROTOCOL {
     VOID* Unused0;
     // The section with that instance number, in a pool buffer that the caller frees.
+    // clang-format off
     EFI_STATUS (*GetArtworkSection)(UINT32 Instance, VOID** Data, UINTN* Size, const EFI_GUID* FileGuid,
                                     const UINT8* SectionType);
+    // clang-format on
     VOID* Unused2[2];
     // Called once with 10 and 0; a negative status ends the start.
     EFI_STATUS (*Configure)(UINTN A, UINTN B);
@@ -197,6 +197,7 @@ constexpr EFI_GUID gImageDecoderProtocolGuid = {
 struct IMAGE_DECODER_PROTOCOL {
     VOID* Unused0[6];
     // JPEG to a pool buffer whose rows are PixelsPerRow pixels apart, which can be more than Width.
+    // clang-format off
     EFI_STATUS (*ConvertJPEGToUgaBltA)(IMAGE_DECODER_PROTOCOL* This, const VOID* Image, UINT32 ImageSize,
                                        EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
                                        UINT32* Width, UINT32* PixelsPerRow);
@@ -204,6 +205,7 @@ struct IMAGE_DECODER_PROTOCOL {
     EFI_STATUS (*ConvertBmpToGopBltA)(IMAGE_DECODER_PROTOCOL* This, const VOID* Image, UINT32 ImageSize,
                                       EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
                                       UINT32* Width);
+    // clang-format on
     VOID* Unused8[12];
     // 4: the font protocol is asked for pictures of the text's own size. Any other: for wide ones with row information.
     UINT8 (*GetFirmwareGeneration)(IMAGE_DECODER_PROTOCOL* This);
@@ -233,15 +235,19 @@ static_assert(offsetof(MESSAGE_BOX, ButtonFocus) == 66 && offsetof(MESSAGE_BOX, 
 
 struct DRAW_PRIMITIVES_PROTOCOL {
     VOID* Unused0[8];
+    // clang-format off
     EFI_STATUS (*CreateMessageBox)(MESSAGE_BOX* Box, UINTN X, UINTN Y, UINTN Width, UINTN Height, UINT16 LineCount,
                                    CHAR16** Lines, UINT16 ButtonCount, CHAR16** Buttons);
+    // clang-format on
     // Told the pointer's position; keeps the button's look and ButtonFocus up to date.
     EFI_STATUS (*UpdateMessageBox)(MESSAGE_BOX* Box, UINTN X, UINTN Y);
     EFI_STATUS (*DrawMessageBox)(MESSAGE_BOX* Box);
     VOID* Unused11[26];
     // A straight line into a buffer. Color is a pixel word by value.
+    // clang-format off
     EFI_STATUS (*DrawLine)(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer, UINTN BufferWidth, UINTN BufferHeight, UINTN X0,
                            UINTN Y0, UINTN X1, UINTN Y1, UINTN Thickness, UINT32 Color);
+    // clang-format on
 };
 static_assert(offsetof(DRAW_PRIMITIVES_PROTOCOL, CreateMessageBox) == 8 * 8);
 static_assert(offsetof(DRAW_PRIMITIVES_PROTOCOL, DrawLine) == 37 * 8);
