@@ -3,6 +3,8 @@
 #include "platform/board/ArtworkSections.h"
 #include "shell/contract/Services.h"
 
+namespace {
+
 struct ARTWORK_OVERRIDE {
     UINT32 Instance;
     const UINT8* Data; // null: the section is missing
@@ -12,20 +14,20 @@ struct ARTWORK_OVERRIDE {
 // Room for every instance of the catalogue twice over; a script that names more is refused the rest.
 constexpr UINTN gMaxOverrides = 64;
 
-static const UINT8* gPack = nullptr;
-static UINT32 gSectionCount = 0;
-static UINT8 gForcedSectionType = 0; // 0: as stored
-static ARTWORK_OVERRIDE gOverride[gMaxOverrides] = {};
-static UINTN gOverrideCount = 0;
+const UINT8* gPack = nullptr;
+UINT32 gSectionCount = 0;
+UINT8 gForcedSectionType = 0; // 0: as stored
+ARTWORK_OVERRIDE gOverride[gMaxOverrides] = {};
+UINTN gOverrideCount = 0;
 
 // The pack is a block of bytes without alignment: it is read byte by byte, and so also the same on every machine.
-static UINT32 ReadUint32(const UINT8* Bytes)
+UINT32 ReadUint32(const UINT8* Bytes)
 {
     return static_cast<UINT32>(Bytes[0]) | static_cast<UINT32>(Bytes[1]) << 8 | static_cast<UINT32>(Bytes[2]) << 16 |
            static_cast<UINT32>(Bytes[3]) << 24;
 }
 
-static ARTWORK_PACK_ENTRY ReadEntry(const UINT8* Pack, UINT32 Index)
+ARTWORK_PACK_ENTRY ReadEntry(const UINT8* Pack, UINT32 Index)
 {
     const UINT8* Bytes = Pack + sizeof(ARTWORK_PACK_HEADER) + Index * sizeof(ARTWORK_PACK_ENTRY);
     return {
@@ -37,6 +39,31 @@ static ARTWORK_PACK_ENTRY ReadEntry(const UINT8* Pack, UINT32 Index)
         .Size = ReadUint32(Bytes + offsetof(ARTWORK_PACK_ENTRY, Size)),
     };
 }
+
+bool IsType(UINT8 Stored, UINT8 Wanted) { return Wanted == (gForcedSectionType != 0 ? gForcedSectionType : Stored); }
+
+const ARTWORK_OVERRIDE* FindOverride(UINT32 Instance)
+{
+    for (UINTN Index = 0; Index < gOverrideCount; Index++) {
+        if (gOverride[Index].Instance == Instance) {
+            return &gOverride[Index];
+        }
+    }
+    return nullptr;
+}
+
+bool HasSection(UINT32 Instance)
+{
+    for (UINT32 Index = 0; Index < gSectionCount; Index++) {
+        const ARTWORK_PACK_ENTRY Entry = ReadEntry(gPack, Index);
+        if (Entry.File == ARTWORK_FILE_MAIN && Entry.Instance == Instance) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
 
 bool CheckArtworkPack(const UINT8* Pack, UINTN Size)
 {
@@ -91,32 +118,6 @@ VOID ResetArtwork()
 {
     gOverrideCount = 0;
     gForcedSectionType = 0;
-}
-
-static bool IsType(UINT8 Stored, UINT8 Wanted)
-{
-    return Wanted == (gForcedSectionType != 0 ? gForcedSectionType : Stored);
-}
-
-static const ARTWORK_OVERRIDE* FindOverride(UINT32 Instance)
-{
-    for (UINTN Index = 0; Index < gOverrideCount; Index++) {
-        if (gOverride[Index].Instance == Instance) {
-            return &gOverride[Index];
-        }
-    }
-    return nullptr;
-}
-
-static bool HasSection(UINT32 Instance)
-{
-    for (UINT32 Index = 0; Index < gSectionCount; Index++) {
-        const ARTWORK_PACK_ENTRY Entry = ReadEntry(gPack, Index);
-        if (Entry.File == ARTWORK_FILE_MAIN && Entry.Instance == Instance) {
-            return true;
-        }
-    }
-    return false;
 }
 
 bool FindArtworkSection(UINT8 File, UINT8 SectionType, const UINT32* Instance, const UINT8** Data, UINTN* Size)

@@ -1,6 +1,10 @@
 #include "platform/board/ArtworkPool.h"
 
-static EFI_BOOT_SERVICES* gArtworkBootServices = nullptr;
+namespace {
+
+EFI_BOOT_SERVICES* gArtworkBootServices = nullptr;
+
+} // namespace
 
 VOID UseArtworkPool(EFI_BOOT_SERVICES* BootServices) { gArtworkBootServices = BootServices; }
 

@@ -1,8 +1,9 @@
 #include "platform/board/ArtworkServices.h"
 #include "platform/board/ArtworkSections.h"
 
-static EFI_STATUS CopySection(const EFI_GUID* FileGuid, UINT8 SectionType, const UINT32* Instance, VOID** Data,
-                              UINTN* Size)
+namespace {
+
+EFI_STATUS CopySection(const EFI_GUID* FileGuid, UINT8 SectionType, const UINT32* Instance, VOID** Data, UINTN* Size)
 {
     UINT8 File = 0;
     if (SameGuid(*FileGuid, gArtworkFileGuid)) {
@@ -29,7 +30,7 @@ static EFI_STATUS CopySection(const EFI_GUID* FileGuid, UINT8 SectionType, const
     return EFI_SUCCESS;
 }
 
-static EFI_STATUS GetFileSection(const EFI_GUID* FileGuid, UINT8 SectionType, VOID** Data, UINTN* Size)
+EFI_STATUS GetFileSection(const EFI_GUID* FileGuid, UINT8 SectionType, VOID** Data, UINTN* Size)
 {
     if (FileGuid == nullptr || Data == nullptr || Size == nullptr) {
         return EFI_INVALID_PARAMETER;
@@ -37,8 +38,8 @@ static EFI_STATUS GetFileSection(const EFI_GUID* FileGuid, UINT8 SectionType, VO
     return CopySection(FileGuid, SectionType, nullptr, Data, Size);
 }
 
-static EFI_STATUS GetArtworkSection(UINT32 Instance, VOID** Data, UINTN* Size, const EFI_GUID* FileGuid,
-                                    const UINT8* SectionType)
+EFI_STATUS GetArtworkSection(UINT32 Instance, VOID** Data, UINTN* Size, const EFI_GUID* FileGuid,
+                             const UINT8* SectionType)
 {
     if (FileGuid == nullptr || SectionType == nullptr || Data == nullptr || Size == nullptr) {
         return EFI_INVALID_PARAMETER;
@@ -47,7 +48,9 @@ static EFI_STATUS GetArtworkSection(UINT32 Instance, VOID** Data, UINTN* Size, c
 }
 
 // There is nothing to set up here: the pack is in memory already.
-static EFI_STATUS Configure(UINTN, UINTN) { return EFI_SUCCESS; }
+EFI_STATUS Configure(UINTN, UINTN) { return EFI_SUCCESS; }
+
+} // namespace
 
 IMAGE_LOOKUP_PROTOCOL gBoardImageLookup = {.Unused0 = nullptr, .GetFileSection = GetFileSection};
 

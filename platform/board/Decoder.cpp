@@ -1,16 +1,16 @@
 #include "platform/board/Decoder.h"
 #include "platform/board/StoredImage.h"
 
+namespace {
+
 // A JPEG is coded in blocks of eight by eight, and the decoder's rows are whole blocks.
 constexpr UINT32 gJpegRowMultiple = 8;
 
-static UINT8 gGeneration = 0;
+UINT8 gGeneration = 0;
 
-VOID SetDecoderGeneration(UINT8 Generation) { gGeneration = Generation; }
-
-static EFI_STATUS ConvertJPEGToUgaBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
-                                       EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
-                                       UINT32* Width, UINT32* PixelsPerRow)
+EFI_STATUS ConvertJPEGToUgaBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
+                                EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height, UINT32* Width,
+                                UINT32* PixelsPerRow)
 {
     if (Image == nullptr || Blt == nullptr || BltSize == nullptr || Height == nullptr || Width == nullptr ||
         PixelsPerRow == nullptr) {
@@ -24,9 +24,8 @@ static EFI_STATUS ConvertJPEGToUgaBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Imag
     return Status;
 }
 
-static EFI_STATUS ConvertBmpToGopBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
-                                      EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height,
-                                      UINT32* Width)
+EFI_STATUS ConvertBmpToGopBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT32 ImageSize,
+                               EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Blt, UINTN* BltSize, UINT32* Height, UINT32* Width)
 {
     if (Image == nullptr || Blt == nullptr || BltSize == nullptr || Height == nullptr || Width == nullptr) {
         return EFI_INVALID_PARAMETER;
@@ -40,7 +39,11 @@ static EFI_STATUS ConvertBmpToGopBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image
     return Status;
 }
 
-static UINT8 GetFirmwareGeneration(IMAGE_DECODER_PROTOCOL*) { return gGeneration; }
+UINT8 GetFirmwareGeneration(IMAGE_DECODER_PROTOCOL*) { return gGeneration; }
+
+} // namespace
+
+VOID SetDecoderGeneration(UINT8 Generation) { gGeneration = Generation; }
 
 IMAGE_DECODER_PROTOCOL gBoardImageDecoder = {
     .Unused0 = {},

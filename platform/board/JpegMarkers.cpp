@@ -1,5 +1,7 @@
 #include "platform/board/JpegMarkers.h"
 
+namespace {
+
 constexpr UINT8 gMarkerPrefix = 0xFF;
 constexpr UINT8 gStuffedByte = 0x00; // after the prefix: the prefix was coded data
 constexpr UINT8 gFirstRestart = 0xD0;
@@ -13,7 +15,7 @@ constexpr UINT32 gHuffmanLengths = 16; // code lengths of 1 to 16 bits
 constexpr UINT32 gMaxHuffmanSymbols = 256;
 
 // Body of a segment: any number of tables, each with its class and number, a count for each code length, and symbols.
-static bool CheckHuffmanTables(const UINT8* Body, UINT32 Size)
+bool CheckHuffmanTables(const UINT8* Body, UINT32 Size)
 {
     UINT32 Place = 0;
     while (Place < Size) {
@@ -34,7 +36,7 @@ static bool CheckHuffmanTables(const UINT8* Body, UINT32 Size)
 }
 
 // Where the coded data of a scan ends: at the next prefix that begins a marker other than a restart.
-static UINT32 SkipCodedData(const UINT8* Image, UINT32 ImageSize, UINT32 Place)
+UINT32 SkipCodedData(const UINT8* Image, UINT32 ImageSize, UINT32 Place)
 {
     while (ImageSize - Place >= 2) {
         const UINT8 Next = Image[Place + 1];
@@ -46,6 +48,8 @@ static UINT32 SkipCodedData(const UINT8* Image, UINT32 ImageSize, UINT32 Place)
     }
     return Place;
 }
+
+} // namespace
 
 bool CheckJpegMarkers(const UINT8* Image, UINT32 ImageSize)
 {

@@ -2,12 +2,14 @@
 #include "platform/board/ArtworkPool.h"
 #include "platform/board/JpegMarkers.h"
 
+namespace {
+
 // The library asks for blocks through these. When the pool says no, it reports a damaged picture like any other, so the
 // shortage is noted here.
-static bool gPoolRanOut = false;
+bool gPoolRanOut = false;
 
 // The blocks are cleared: a JPEG that uses a table which it hasn't defined finds an empty one.
-static VOID* AllocateForImage(size_t Size)
+VOID* AllocateForImage(size_t Size)
 {
     auto* Block = static_cast<UINT8*>(AllocateArtworkPool(Size));
     if (Block == nullptr) {
@@ -19,6 +21,8 @@ static VOID* AllocateForImage(size_t Size)
     }
     return Block;
 }
+
+} // namespace
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
@@ -38,9 +42,11 @@ static VOID* AllocateForImage(size_t Size)
 #define STBI_FREE(Block) FreeArtworkPool(Block)
 #include <stb/stb_image.h>
 
+namespace {
+
 static_assert(gMaxImageSide == STBI_MAX_DIMENSIONS);
 
-static UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count)
+UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count)
 {
     UINT64 Value = 0;
     for (UINTN Index = 0; Index < Count; Index++) {
@@ -50,7 +56,7 @@ static UINT64 ReadLittleEndian(const UINT8* Bytes, UINTN Count)
 }
 
 // The library fills a BMP that ends too early with zeros: all its rows have to be there.
-static bool HasBmpRows(const UINT8* Image, UINT32 ImageSize, UINT32 Width, UINT32 Height)
+bool HasBmpRows(const UINT8* Image, UINT32 ImageSize, UINT32 Width, UINT32 Height)
 {
     constexpr UINT32 SmallestHeaders = 26;
     constexpr UINT64 OldInfoHeaderSize = 12; // that form has 16-bit sides, so its depth stands earlier
@@ -64,13 +70,15 @@ static bool HasBmpRows(const UINT8* Image, UINT32 ImageSize, UINT32 Width, UINT3
     return PixelOffset <= ImageSize && RowSize * Height <= ImageSize - PixelOffset;
 }
 
-static bool IsFormat(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT32 ImageSize)
+bool IsFormat(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT32 ImageSize)
 {
     if (ImageSize < 2) {
         return false;
     }
     return Format == STORED_IMAGE_JPEG ? Image[0] == 0xFF && Image[1] == 0xD8 : Image[0] == 'B' && Image[1] == 'M';
 }
+
+} // namespace
 
 EFI_STATUS ReadStoredImage(STORED_IMAGE_FORMAT Format, const UINT8* Image, UINT32 ImageSize, UINT32 RowMultiple,
                            EFI_GRAPHICS_OUTPUT_BLT_PIXEL** Pixels, UINT32* Width, UINT32* Height, UINT32* Stride)

@@ -10,6 +10,8 @@
 #include "support/Report.h"
 #include "support/Strings.h"
 
+namespace {
+
 // How the caption of each frame is rendered. The key is the colour around the letters, which stays out.
 struct CAPTION_LOOK {
     PIXEL Color;
@@ -29,7 +31,7 @@ constexpr CHAR8 gSourcePath[] = "src\\controls\\Button.cpp";
 
 // Loads the strip and sets the rectangle, to the visible part of a picture that hangs over the screen's edge. False
 // without a picture of which anything shows there.
-static bool LoadButtonStrip(BTN_COMPONENT* Button, UINT32 ImageId, const EFI_GUID* FileGuid, UINT32 X, UINT32 Y)
+bool LoadButtonStrip(BTN_COMPONENT* Button, UINT32 ImageId, const EFI_GUID* FileGuid, UINT32 X, UINT32 Y)
 {
     UINT32 Width = 0;
     UINT32 Height = 0;
@@ -47,7 +49,7 @@ static bool LoadButtonStrip(BTN_COMPONENT* Button, UINT32 ImageId, const EFI_GUI
     return true;
 }
 
-static VOID DrawButtonCaption(BTN_COMPONENT* Button, UINT32 Frame, const CHAR16* Title, UINT16 TextX, UINT16 TextY)
+VOID DrawButtonCaption(BTN_COMPONENT* Button, UINT32 Frame, const CHAR16* Title, UINT16 TextX, UINT16 TextY)
 {
     const CAPTION_LOOK& Look = gCaptionLooks[Frame];
     if (!EfiError(StringToBlt(&Look.Color, &Look.Key, &Button->TextPicture, &Button->TextWidth, &Button->TextHeight,
@@ -59,13 +61,36 @@ static VOID DrawButtonCaption(BTN_COMPONENT* Button, UINT32 Frame, const CHAR16*
     ReleasePool(Button->TextPicture);
 }
 
-static VOID FreeButtonPool(BTN_COMPONENT* Button)
+VOID FreeButtonPool(BTN_COMPONENT* Button)
 {
     ReleasePool(Button->Strip);
     ReleasePool(Button->CaptionStrip);
     ReleasePool(Button->TextPicture);
     ReleasePool(Button->Title);
 }
+
+// The first listener of the click stands for all: they are members of one event group.
+VOID SignalClickListeners(const BTN_COMPONENT* Button)
+{
+    for (LIST_ENTRY* Link = Button->Listeners.ForwardLink; Link != &Button->Listeners; Link = Link->ForwardLink) {
+        const BUTTON_LISTENER* Listener = RecordOf<BUTTON_LISTENER>(Link, offsetof(BUTTON_LISTENER, Link));
+        if (Listener->Type == BUTTON_LISTENER_CLICK) {
+            SignalIfAny(Listener->Event);
+            return;
+        }
+    }
+}
+
+VOID TargetButton(BTN_COMPONENT* Button, UINT8 Reset)
+{
+    gGuiCore->TargetId = static_cast<UINT16>(Button->Id);
+    gGuiCore->Target = Button;
+    gGuiCore->TargetKind = _BTN_COMPONENT;
+    gGuiCore->TargetReset = Reset;
+    (void)ButtonDispatch();
+}
+
+} // namespace
 
 EFI_STATUS CreateButton(BTN_COMPONENT** ButtonOut, const EFI_GUID* FileGuid, UINT32 ImageId, const CHAR16* Title,
                         UINT32 X, UINT32 Y, UINT16 TextX, UINT16 TextY)
@@ -185,18 +210,6 @@ EFI_STATUS AddButtonListener(BTN_COMPONENT* Button, UINT32 Type, EFI_EVENT_NOTIF
     return Status;
 }
 
-// The first listener of the click stands for all: they are members of one event group.
-static VOID SignalClickListeners(const BTN_COMPONENT* Button)
-{
-    for (LIST_ENTRY* Link = Button->Listeners.ForwardLink; Link != &Button->Listeners; Link = Link->ForwardLink) {
-        const BUTTON_LISTENER* Listener = RecordOf<BUTTON_LISTENER>(Link, offsetof(BUTTON_LISTENER, Link));
-        if (Listener->Type == BUTTON_LISTENER_CLICK) {
-            SignalIfAny(Listener->Event);
-            return;
-        }
-    }
-}
-
 EFI_STATUS ButtonDispatch()
 {
     if (gGuiCore->TargetKind != _BTN_COMPONENT || gGuiCore->Target == nullptr) {
@@ -222,15 +235,6 @@ EFI_STATUS ButtonDispatch()
         ClearTarget();
     }
     return EFI_NOT_FOUND;
-}
-
-static VOID TargetButton(BTN_COMPONENT* Button, UINT8 Reset)
-{
-    gGuiCore->TargetId = static_cast<UINT16>(Button->Id);
-    gGuiCore->Target = Button;
-    gGuiCore->TargetKind = _BTN_COMPONENT;
-    gGuiCore->TargetReset = Reset;
-    (void)ButtonDispatch();
 }
 
 EFI_STATUS OnButtonEvent(EFI_EVENT, VOID* Context)
@@ -274,7 +278,6 @@ SCAN_RESULT ScanButton(const GUI_COMPONENT* Component)
         return SCAN_NEXT;
     }
 }
-
 
 const COMPONENT_CLASS gButtonClass = {
     .Kind = _BTN_COMPONENT,

@@ -12,6 +12,8 @@
 #include "support/Strings.h"
 #include "support/Print.h"
 
+namespace {
+
 constexpr UINT32 gFrameCount = 4;
 constexpr UINTN gNameSize = 256; // bytes of a generated name's block
 
@@ -22,12 +24,10 @@ constexpr UINT32 gPlainGap = 5;
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\CheckBox.cpp";
 
-UINT32 gCheckBoxCount = 0;
-
 // Links of destroyed boxes whose events are still open.
-static LIST_ENTRY gLeftLinks = {&gLeftLinks, &gLeftLinks};
+LIST_ENTRY gLeftLinks = {&gLeftLinks, &gLeftLinks};
 
-static VOID FillSquare(PIXEL* Picture, UINT32 Width, UINT32 Inset, PIXEL Color)
+VOID FillSquare(PIXEL* Picture, UINT32 Width, UINT32 Inset, PIXEL Color)
 {
     for (UINT32 Row = Inset; Row < gPlainSize - Inset; Row++) {
         FillPixels(Picture + static_cast<UINTN>(Row) * Width + Inset, gPlainSize - 2 * Inset, Color);
@@ -35,7 +35,7 @@ static VOID FillSquare(PIXEL* Picture, UINT32 Width, UINT32 Inset, PIXEL Color)
 }
 
 // A strip drawn from nothing, wide enough for the caption. Null without pool.
-static PIXEL* DrawPlainStrip(UINT32 Width, UINT32 Height)
+PIXEL* DrawPlainStrip(UINT32 Width, UINT32 Height)
 {
     const UINTN FramePixels = static_cast<UINTN>(Width) * Height;
     PIXEL* Strip = AllocateArray<PIXEL>(FramePixels * gFrameCount);
@@ -56,12 +56,12 @@ static PIXEL* DrawPlainStrip(UINT32 Width, UINT32 Height)
     return Strip;
 }
 
-static UINT32 Larger(UINT32 A, UINT32 B) { return A > B ? A : B; }
+UINT32 Larger(UINT32 A, UINT32 B) { return A > B ? A : B; }
 
 // Loads the strip, or draws a plain one where the file has none, and cuts it at the screen's edge. Without pool the box
 // stays without a picture and without a size: it is then neither drawn nor hit.
-static VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32 Instance, const EFI_GUID* FileGuid,
-                         UINT8 Format, UINT16 CaptionX, UINT16 CaptionY)
+VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32 Instance, const EFI_GUID* FileGuid,
+                  UINT8 Format, UINT16 CaptionX, UINT16 CaptionY)
 {
     UINT32 Width = 0;
     UINT32 Height = 0;
@@ -97,7 +97,7 @@ static VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32
     }
 }
 
-static VOID NameBox(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT16 CaptionX, UINT16 CaptionY)
+VOID NameBox(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT16 CaptionX, UINT16 CaptionY)
 {
     if (Caption != nullptr) {
         Box->HasCaption = 1;
@@ -111,6 +111,89 @@ static VOID NameBox(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT16 Capt
         (void)FormatUnicodeText(Box->Name, gNameSize, u"%s%d", u"Check_Box_", static_cast<INT32>(gCheckBoxCount));
     }
 }
+
+CHECK_BOX_LINK* LinkOf(LIST_ENTRY* Entry) { return RecordOf<CHECK_BOX_LINK>(Entry, offsetof(CHECK_BOX_LINK, Link)); }
+
+VOID MirrorState(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK* Link)
+{
+    if (Link->Target != nullptr) {
+        *Link->Target = Box->State;
+    }
+}
+
+VOID SwitchComponent(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK* Link)
+{
+    if (Link->ComponentId == 0) {
+        return;
+    }
+    GUI_COMPONENT* Component = ComponentOf(Link->ComponentId);
+    if (Component == nullptr) {
+        return;
+    }
+    const UINT8 Checked = Box->State != 0 ? 1 : 0;
+    if (Link->Kind == CHECK_BOX_LINK_CHECKED) {
+        Component->Active = Checked;
+    } else if (Link->Kind == CHECK_BOX_LINK_UNCHECKED) {
+        Component->Active = 1 - Checked;
+    }
+}
+
+// Signals the first link of a kind that has an event, which reaches the whole group. False if the box has no link of the
+// kind.
+bool SignalLinks(CHECK_BOX_COMPONENT* Box, UINT8 Kind)
+{
+    bool Found = false;
+    for (LIST_ENTRY* Entry = Box->Links.ForwardLink; Entry != &Box->Links; Entry = Entry->ForwardLink) {
+        const CHECK_BOX_LINK* Link = LinkOf(Entry);
+        if (Link->Kind == Kind) {
+            Found = true;
+            if (Link->Event != nullptr) {
+                (void)gBS->SignalEvent(Link->Event);
+                break;
+            }
+        }
+    }
+    return Found;
+}
+
+bool PointerInBox(const GUI_RECT& Rect)
+{
+    const INT64 X = gGuiCore->PointerX;
+    const INT64 Y = gGuiCore->PointerY;
+    return X >= Rect.X && X < static_cast<INT64>(Rect.X) + Rect.Width && Y >= Rect.Y &&
+           Y < static_cast<INT64>(Rect.Y) + Rect.Height;
+}
+
+VOID TargetBox(CHECK_BOX_COMPONENT* Box, UINT8 Reset)
+{
+    gGuiCore->TargetId = static_cast<UINT16>(Box->Id);
+    gGuiCore->Target = Box;
+    gGuiCore->TargetKind = _CHECK_BOX_COMPONENT;
+    gGuiCore->TargetReset = Reset;
+}
+
+SCAN_RESULT ScanCheckBox(const GUI_COMPONENT* Component)
+{
+    if (Component->Enabled == 0) {
+        gGuiCore->HitId = 0;
+        return SCAN_NEXT;
+    }
+    if (Component->Enabled != 1) {
+        return SCAN_NEXT;
+    }
+    if (gGuiCore->MouseState == NOEVENT) {
+        return SCAN_STOP;
+    }
+    if (gGuiCore->MouseState == L_CLICK && Component->Active == 1) {
+        SignalComponent(Component);
+        return SCAN_STOP;
+    }
+    return SCAN_NEXT;
+}
+
+} // namespace
+
+UINT32 gCheckBoxCount = 0;
 
 EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT32 X, UINT32 Y, UINT32 Instance,
                           const EFI_GUID* FileGuid, UINT8 Format, UINT16 CaptionX, UINT16 CaptionY)
@@ -145,11 +228,6 @@ EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT
     New->State = 1;
     *Box = New;
     return EFI_SUCCESS;
-}
-
-static CHECK_BOX_LINK* LinkOf(LIST_ENTRY* Entry)
-{
-    return RecordOf<CHECK_BOX_LINK>(Entry, offsetof(CHECK_BOX_LINK, Link));
 }
 
 EFI_STATUS DestroyCheckBox(CHECK_BOX_COMPONENT* Box)
@@ -210,64 +288,6 @@ EFI_STATUS AddCheckBoxLink(CHECK_BOX_COMPONENT* Box, VOID* Context, EFI_EVENT_NO
     Link->Kind = Kind;
     Box->LinkCount++;
     return EFI_SUCCESS;
-}
-
-static VOID MirrorState(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK* Link)
-{
-    if (Link->Target != nullptr) {
-        *Link->Target = Box->State;
-    }
-}
-
-static VOID SwitchComponent(const CHECK_BOX_COMPONENT* Box, const CHECK_BOX_LINK* Link)
-{
-    if (Link->ComponentId == 0) {
-        return;
-    }
-    GUI_COMPONENT* Component = ComponentOf(Link->ComponentId);
-    if (Component == nullptr) {
-        return;
-    }
-    const UINT8 Checked = Box->State != 0 ? 1 : 0;
-    if (Link->Kind == CHECK_BOX_LINK_CHECKED) {
-        Component->Active = Checked;
-    } else if (Link->Kind == CHECK_BOX_LINK_UNCHECKED) {
-        Component->Active = 1 - Checked;
-    }
-}
-
-// Signals the first link of a kind that has an event, which reaches the whole group. False if the box has no link of the
-// kind.
-static bool SignalLinks(CHECK_BOX_COMPONENT* Box, UINT8 Kind)
-{
-    bool Found = false;
-    for (LIST_ENTRY* Entry = Box->Links.ForwardLink; Entry != &Box->Links; Entry = Entry->ForwardLink) {
-        const CHECK_BOX_LINK* Link = LinkOf(Entry);
-        if (Link->Kind == Kind) {
-            Found = true;
-            if (Link->Event != nullptr) {
-                (void)gBS->SignalEvent(Link->Event);
-                break;
-            }
-        }
-    }
-    return Found;
-}
-
-static bool PointerInBox(const GUI_RECT& Rect)
-{
-    const INT64 X = gGuiCore->PointerX;
-    const INT64 Y = gGuiCore->PointerY;
-    return X >= Rect.X && X < static_cast<INT64>(Rect.X) + Rect.Width && Y >= Rect.Y &&
-           Y < static_cast<INT64>(Rect.Y) + Rect.Height;
-}
-
-static VOID TargetBox(CHECK_BOX_COMPONENT* Box, UINT8 Reset)
-{
-    gGuiCore->TargetId = static_cast<UINT16>(Box->Id);
-    gGuiCore->Target = Box;
-    gGuiCore->TargetKind = _CHECK_BOX_COMPONENT;
-    gGuiCore->TargetReset = Reset;
 }
 
 VOID ShowCheckBoxState(CHECK_BOX_COMPONENT* Box)
@@ -362,25 +382,6 @@ VOID DrawCheckBox(INT32 Frame, CHECK_BOX_COMPONENT* Box)
     (void)ComposeScreen(gGuiCore, Picture.Data, Rect.X, Rect.Y, Rect.Width, Rect.Height);
 }
 
-static SCAN_RESULT ScanCheckBox(const GUI_COMPONENT* Component)
-{
-    if (Component->Enabled == 0) {
-        gGuiCore->HitId = 0;
-        return SCAN_NEXT;
-    }
-    if (Component->Enabled != 1) {
-        return SCAN_NEXT;
-    }
-    if (gGuiCore->MouseState == NOEVENT) {
-        return SCAN_STOP;
-    }
-    if (gGuiCore->MouseState == L_CLICK && Component->Active == 1) {
-        SignalComponent(Component);
-        return SCAN_STOP;
-    }
-    return SCAN_NEXT;
-}
-
 SCAN_RESULT ScanRadio(const GUI_COMPONENT* Component)
 {
     if (Component->Enabled != 1) {
@@ -404,7 +405,6 @@ SCAN_RESULT ScanRadio(const GUI_COMPONENT* Component)
         return SCAN_NEXT;
     }
 }
-
 
 const COMPONENT_CLASS gCheckBoxClass = {
     .Kind = _CHECK_BOX_COMPONENT,

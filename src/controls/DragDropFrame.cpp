@@ -11,36 +11,17 @@
 #include "support/Report.h"
 #include "support/Print.h"
 
+namespace {
+
 constexpr UINT8 gPanelByte = 0x24;       // every byte of gPanelColor
 constexpr UINT32 gPlainGridHeight = 240; // rows of pixels that the cells of a frame without artwork share
 constexpr UINTN gNameSize = 256;         // bytes of a node's name
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\DragDropFrame.cpp";
 
-bool FrameIsLive(const DRAGDROP_COMPONENT* Frame) { return (Frame->Linked != 0) != (Frame->Inverted != 0); }
+UINT32 CellCount(const DRAGDROP_COMPONENT* Frame) { return static_cast<UINT32>(Frame->Columns) * Frame->Rows; }
 
-bool FrameIsWhole(const DRAGDROP_COMPONENT* Frame)
-{
-    return Frame != nullptr && Frame->Cells != nullptr && Frame->GridImage != nullptr && Frame->WorkImage != nullptr &&
-           Frame->CleanImage != nullptr;
-}
-
-static UINT32 CellCount(const DRAGDROP_COMPONENT* Frame) { return static_cast<UINT32>(Frame->Columns) * Frame->Rows; }
-
-const DD_FRAME_CELL* CellAt(const DRAGDROP_COMPONENT* Frame, UINT32 Index)
-{
-    return Index < CellCount(Frame) ? &Frame->Cells[Index] : nullptr;
-}
-
-POINT RestingPlace(const DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Node)
-{
-    return {
-        .X = static_cast<INT64>(Node.CenterX) - Frame->CellWidth / 2 - Frame->Rect.X,
-        .Y = static_cast<INT64>(Node.CenterY) - Frame->CellHeight / 2 - Frame->Rect.Y,
-    };
-}
-
-static VOID StandOnCell(DD_FRAME_NODE* Node, const DD_FRAME_CELL& Cell)
+VOID StandOnCell(DD_FRAME_NODE* Node, const DD_FRAME_CELL& Cell)
 {
     Node->CenterX = Cell.X;
     Node->CenterY = Cell.Y;
@@ -50,8 +31,7 @@ static VOID StandOnCell(DD_FRAME_NODE* Node, const DD_FRAME_CELL& Cell)
 
 // The strip of node pictures, or four plain blocks in the nodes' colours where the file has none that fits: one of the
 // nominal size, so that the grid has its place. Without pool the nodes can be dragged all the same and aren't seen.
-static VOID LoadNodeStrip(DRAGDROP_COMPONENT* Frame, UINT32 Instance, const EFI_GUID* FileGuid, UINT32* Width,
-                          UINT32* Height)
+VOID LoadNodeStrip(DRAGDROP_COMPONENT* Frame, UINT32 Instance, const EFI_GUID* FileGuid, UINT32* Width, UINT32* Height)
 {
     (void)LoadBmpBlt(Instance, FileGuid, &Frame->NodeImages, Width, Height);
     *Height = static_cast<UINT32>(*Height / gNodeCount);
@@ -71,7 +51,7 @@ static VOID LoadNodeStrip(DRAGDROP_COMPONENT* Frame, UINT32 Instance, const EFI_
     }
 }
 
-static EFI_STATUS AllocateFramePictures(DRAGDROP_COMPONENT* Frame)
+EFI_STATUS AllocateFramePictures(DRAGDROP_COMPONENT* Frame)
 {
     Frame->Cells = AllocateZeroArray<DD_FRAME_CELL>(CellCount(Frame));
     if (Frame->Cells == nullptr) {
@@ -94,7 +74,7 @@ static EFI_STATUS AllocateFramePictures(DRAGDROP_COMPONENT* Frame)
     return EFI_SUCCESS;
 }
 
-static VOID FillCells(DRAGDROP_COMPONENT* Frame)
+VOID FillCells(DRAGDROP_COMPONENT* Frame)
 {
     for (UINT32 Row = 0; Row < Frame->Rows; Row++) {
         for (UINT32 Column = 0; Column < Frame->Columns; Column++) {
@@ -112,7 +92,7 @@ static VOID FillCells(DRAGDROP_COMPONENT* Frame)
 
 // The cell that a node starts on. For an index that is no cell it is the one up and right of the node before, as on the
 // default curve, so that the curve still rises.
-static const DD_FRAME_CELL& FirstCell(const DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 Index)
+const DD_FRAME_CELL& FirstCell(const DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 Index)
 {
     if (const DD_FRAME_CELL* Cell = CellAt(Frame, Index)) {
         return *Cell;
@@ -127,7 +107,7 @@ static const DD_FRAME_CELL& FirstCell(const DRAGDROP_COMPONENT* Frame, UINT32 Nu
     return Frame->Cells[Frame->Columns * Row + Column];
 }
 
-static VOID CreateNode(DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 CellIndex, UINT32 Width, UINT32 Height)
+VOID CreateNode(DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 CellIndex, UINT32 Width, UINT32 Height)
 {
     DD_FRAME_NODE* Node = &Frame->Nodes[Number];
     StandOnCell(Node, FirstCell(Frame, Number, CellIndex));
@@ -148,6 +128,37 @@ static VOID CreateNode(DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 CellInde
         .BufferSize = static_cast<UINT64>(Frame->CellWidth) * Frame->CellHeight * sizeof(PIXEL),
     };
     RegisterControl(Frame, &Rect, _DRAGDROP_COMPONENT, &Node->Id, Frame->PrimaryEvent, nullptr, Node->Name);
+}
+
+SCAN_RESULT ScanNode(const GUI_COMPONENT* Component)
+{
+    if (gGuiCore->MouseState == NOEVENT && Component->Enabled == 1) {
+        return SCAN_STOP;
+    }
+    return ScanHeldPart(Component, static_cast<const DRAGDROP_COMPONENT*>(Component->Owner)->Id);
+}
+
+} // namespace
+
+bool FrameIsLive(const DRAGDROP_COMPONENT* Frame) { return (Frame->Linked != 0) != (Frame->Inverted != 0); }
+
+bool FrameIsWhole(const DRAGDROP_COMPONENT* Frame)
+{
+    return Frame != nullptr && Frame->Cells != nullptr && Frame->GridImage != nullptr && Frame->WorkImage != nullptr &&
+           Frame->CleanImage != nullptr;
+}
+
+const DD_FRAME_CELL* CellAt(const DRAGDROP_COMPONENT* Frame, UINT32 Index)
+{
+    return Index < CellCount(Frame) ? &Frame->Cells[Index] : nullptr;
+}
+
+POINT RestingPlace(const DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Node)
+{
+    return {
+        .X = static_cast<INT64>(Node.CenterX) - Frame->CellWidth / 2 - Frame->Rect.X,
+        .Y = static_cast<INT64>(Node.CenterY) - Frame->CellHeight / 2 - Frame->Rect.Y,
+    };
 }
 
 EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* DutyLabels, const EFI_GUID* FileGuid,
@@ -294,14 +305,6 @@ EFI_STATUS OnDragDropRefresh(EFI_EVENT, VOID* Context)
 {
     RepaintDragDropFrame(static_cast<DRAGDROP_COMPONENT*>(Context));
     return EFI_NOT_FOUND;
-}
-
-static SCAN_RESULT ScanNode(const GUI_COMPONENT* Component)
-{
-    if (gGuiCore->MouseState == NOEVENT && Component->Enabled == 1) {
-        return SCAN_STOP;
-    }
-    return ScanHeldPart(Component, static_cast<const DRAGDROP_COMPONENT*>(Component->Owner)->Id);
 }
 
 const COMPONENT_CLASS gNodeClass = {.Kind = _DRAGDROP_COMPONENT, .Scan = ScanNode, .HoverOf = nullptr};

@@ -3,9 +3,15 @@
 #include "graphics/GraphicProtocol.h"
 #include "gui/core/GUICore.h"
 
+namespace {
+
 constexpr UINT32 gGridLineWidth = 2;
 constexpr UINT8 gTintPercent = 20;
 constexpr UINT8 gFramePercent = 99; // the most that an overlay takes
+
+UINT32 Smaller(UINT32 A, UINT32 B) { return A < B ? A : B; }
+
+} // namespace
 
 bool GridFitsScreen(UINT64 Width, UINT64 Height)
 {
@@ -27,8 +33,6 @@ VOID PaintGridImage(PIXEL* Image, UINT32 Width, UINT32 Height, UINT32 CellWidth,
         }
     }
 }
-
-static UINT32 Smaller(UINT32 A, UINT32 B) { return A < B ? A : B; }
 
 bool MarkRectangle(PIXEL* Canvas, UINT32 CanvasWidth, UINT32 CanvasHeight, INT32 X, INT32 Y, UINT32 Width,
                    UINT32 Height, PIXEL Color)

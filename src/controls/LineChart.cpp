@@ -6,6 +6,8 @@
 #include "support/Pool.h"
 #include "support/Report.h"
 
+namespace {
+
 constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
 constexpr UINT32 gGridLineCount = 10;
 constexpr UINT32 gPlotColumns = 128;       // columns that are plotted together
@@ -24,31 +26,29 @@ struct PLOTTED_LAYER {
     LINE_CHART_EXTENT Extent;
 };
 
-static PLOTTED_LAYER gPlottedRpm = {};
-static PLOTTED_LAYER gPlottedTemperature = {};
+PLOTTED_LAYER gPlottedRpm = {};
+PLOTTED_LAYER gPlottedTemperature = {};
 
-// --- Creation ---
-
-static FLOAT_WORD Quotient(INT64 A, INT64 B)
+FLOAT_WORD Quotient(INT64 A, INT64 B)
 {
     return gFloatMath->FloatDivide(gFloatMath->IntToFloat(A), gFloatMath->IntToFloat(B));
 }
 
 // t x From + u x To, in whole numbers.
-static UINT8 MixColor(FLOAT_WORD T, UINT8 From, FLOAT_WORD U, UINT8 To)
+UINT8 MixColor(FLOAT_WORD T, UINT8 From, FLOAT_WORD U, UINT8 To)
 {
     const FLOAT_WORD Sum = gFloatMath->FloatAdd(gFloatMath->FloatMultiply(T, gFloatMath->IntToFloat(From)),
                                                 gFloatMath->FloatMultiply(U, gFloatMath->IntToFloat(To)));
     return static_cast<UINT8>(gFloatMath->FloatToInt(Sum));
 }
 
-static UINT8 ScaleColor(UINT8 Value, FLOAT_WORD Factor)
+UINT8 ScaleColor(UINT8 Value, FLOAT_WORD Factor)
 {
     return static_cast<UINT8>(gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->IntToFloat(Value), Factor)));
 }
 
 // Builds both tables of a series: its colour at the top entry, fading to black towards entry 0.
-static bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color)
+bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color)
 {
     const UINT32 Count = Chart->Rect.Height + 1;
     Series->Gradient = AllocateZeroArray<PIXEL>(Count);
@@ -74,16 +74,16 @@ static bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, P
     return true;
 }
 
-static bool AllocateSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, SHARED_PICTURE_KIND Layer)
+bool AllocateSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, SHARED_PICTURE_KIND Layer)
 {
     Series->Layer = TakeSharedPicture(Layer, Chart->Rect.Width, Chart->Rect.Height);
     Series->Samples = AllocateZeroArray<UINT32>(Chart->Rect.Width);
     return Series->Layer != nullptr && Series->Samples != nullptr;
 }
 
-static UINTN HistorySize(const LINE_CHART* Chart) { return Chart->Rect.Width * sizeof(UINT32); }
+UINTN HistorySize(const LINE_CHART* Chart) { return Chart->Rect.Width * sizeof(UINT32); }
 
-static VOID StoreHistory(const CHAR16* Name, const LINE_CHART* Chart, const LINE_CHART_SERIES& Series)
+VOID StoreHistory(const CHAR16* Name, const LINE_CHART* Chart, const LINE_CHART_SERIES& Series)
 {
     (void)gRT->SetVariable(Name, &Series.VariableGuid, EFI_VARIABLE_BOOTSERVICE_ACCESS, HistorySize(Chart),
                            Series.Samples);
@@ -91,7 +91,7 @@ static VOID StoreHistory(const CHAR16* Name, const LINE_CHART* Chart, const LINE
 
 // Takes up the history that the variable holds, or makes the variable. A variable that is longer than the chart is
 // asked for with the chart's own size, which the firmware refuses: the history then starts empty.
-static VOID LoadHistory(const CHAR16* Name, const LINE_CHART* Chart, LINE_CHART_SERIES* Series)
+VOID LoadHistory(const CHAR16* Name, const LINE_CHART* Chart, LINE_CHART_SERIES* Series)
 {
     UINTN Size = 0;
     EFI_STATUS Status = gRT->GetVariable(Name, &Series->VariableGuid, nullptr, &Size, nullptr);
@@ -109,7 +109,7 @@ static VOID LoadHistory(const CHAR16* Name, const LINE_CHART* Chart, LINE_CHART_
     (void)gRT->GetVariable(Name, &Series->VariableGuid, nullptr, &Size, Series->Samples);
 }
 
-static VOID FreeChart(LINE_CHART* Chart)
+VOID FreeChart(LINE_CHART* Chart)
 {
     ReleaseSharedPicture(Chart->Rpm.Layer);
     ReleaseSharedPicture(Chart->Temperature.Layer);
@@ -123,7 +123,7 @@ static VOID FreeChart(LINE_CHART* Chart)
     FreePool(Chart);
 }
 
-static bool BuildChart(LINE_CHART* Chart)
+bool BuildChart(LINE_CHART* Chart)
 {
     Chart->Temperature.Maximum = gTemperatureMaximum;
     Chart->Rpm.Maximum = gRpmMaximum;
@@ -141,6 +141,152 @@ static bool BuildChart(LINE_CHART* Chart)
            AllocateSeries(Chart, &Chart->Rpm, SHARED_RPM_LAYER) &&
            AllocateSeries(Chart, &Chart->Temperature, SHARED_TEMPERATURE_LAYER);
 }
+
+UINT32 StoredSample(UINT64 Value)
+{
+    const UINT32 Sample = static_cast<UINT32>(Value);
+    return Sample == 0 ? 1 : Sample;
+}
+
+UINT32 LimitSample(UINT32 Sample, INT32 Minimum, INT32 Maximum)
+{
+    const INT64 Value = Sample;
+    return Value < Minimum ? static_cast<UINT32>(Minimum) : Value > Maximum ? static_cast<UINT32>(Maximum) : Sample;
+}
+
+// Some neighbouring columns of a layer: the heights at which each shows the curve, and what these heights are for all.
+struct PLOT {
+    INT32 First[gPlotColumns];
+    INT32 Last[gPlotColumns];
+    UINT32 Count;
+    INT32 Lowest;
+    INT32 Highest;
+};
+
+INT32 LimitHeight(INT64 Height, UINT32 Top)
+{
+    return static_cast<INT32>(Height < 0 ? 0 : Height > Top ? Top + INT64{1} : Height);
+}
+
+// Adds a column whose point is at Height, after one whose point is at Previous; a sample above the scale gives a height
+// above the top row. A vertical run joins the two in this column, but none rises out of a column without a point, and
+// none falls in the first column.
+VOID AddColumn(PLOT* Plot, UINT32 Top, INT64 Height, INT64 Previous, bool First)
+{
+    INT64 From = Height;
+    INT64 To = Height;
+    if (Height < Previous && !First) {
+        To = Previous - 1;
+    } else if (Height > Previous && Previous != 0) {
+        From = Previous + 1;
+    }
+    const INT32 FirstHeight = LimitHeight(From, Top);
+    const INT32 LastHeight = LimitHeight(To, Top);
+    Plot->Lowest = Plot->Count == 0 || FirstHeight < Plot->Lowest ? FirstHeight : Plot->Lowest;
+    Plot->Highest = Plot->Count == 0 || LastHeight > Plot->Highest ? LastHeight : Plot->Highest;
+    Plot->First[Plot->Count] = FirstHeight;
+    Plot->Last[Plot->Count] = LastHeight;
+    Plot->Count++;
+}
+
+PIXEL WithClass(PIXEL Color, LINE_CHART_CLASS Class)
+{
+    Color.Reserved = Class;
+    return Color;
+}
+
+// Writes the plot's columns row by row, which is the order of the pixels in memory. Most rows lie wholly above the
+// curve or wholly below it, and did so before.
+VOID WritePlot(const PLOT& Plot, PIXEL* Layer, const PIXEL* Gradient, UINT32 Width, UINT32 Top, PIXEL Line,
+               LINE_CHART_EXTENT Known)
+{
+    PIXEL* Row = Layer;
+    for (INT32 Height = static_cast<INT32>(Top); Height > 0; Height--, Row += Width) {
+        if (Height > Plot.Highest) {
+            if (Height <= Known.Highest) {
+                FillPixels(Row, Plot.Count, WithClass(gBlackPixel, LINE_CHART_ABOVE));
+            }
+        } else if (Height < Plot.Lowest) {
+            if (Height >= Known.Lowest) {
+                FillPixels(Row, Plot.Count, WithClass(Gradient[Height], LINE_CHART_FILL));
+            }
+        } else {
+            PlotChartRow(Row, {Plot.First, Plot.Last}, Plot.Count, Height, Gradient[Height], Line);
+        }
+    }
+}
+
+VOID DrawGrid(LINE_CHART* Chart)
+{
+    const UINT32 Step = Chart->Rect.Height / gGridLineCount;
+    if (Step == 0) {
+        return;
+    }
+    for (UINT32 Row = 0; Row < Chart->Rect.Height; Row += Step) {
+        FillPixels(Chart->Pixels + static_cast<UINTN>(Row) * Chart->Rect.Width, Chart->Rect.Width, gChartGridColor);
+    }
+}
+
+VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color, PLOTTED_LAYER* Plotted)
+{
+    const GUI_RECT& Rect = Chart->Rect;
+    const LINE_CHART_EXTENT Known =
+        Plotted->Layer == Series->Layer ? Plotted->Extent : LINE_CHART_EXTENT{1, static_cast<INT32>(Rect.Height)};
+    Plotted->Extent = PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Rect.Width, Rect.Height,
+                                          Series->Maximum, Series->Minimum, PixelWord(Color), Known);
+    Plotted->Layer = Series->Layer;
+}
+
+LINE_CHART_CLASS ClassOfRow(LINE_CHART_EXTENT Extent, UINT32 Height)
+{
+    const INT32 At = static_cast<INT32>(Height);
+    return At > Extent.Highest ? LINE_CHART_ABOVE : At < Extent.Lowest ? LINE_CHART_FILL : LINE_CHART_MIXED;
+}
+
+// Lays both layers over the picture. Where the areas overlap, temperature lies on top of speed.
+VOID ComposeLayers(LINE_CHART* Chart)
+{
+    const UINT32 Width = Chart->Rect.Width;
+    PIXEL* Row = Chart->Pixels;
+    CHART_LAYER_ROW Rpm = {Chart->Rpm.Layer, {}, gChartRpmColor, LINE_CHART_MIXED};
+    CHART_LAYER_ROW Temperature = {Chart->Temperature.Layer, {}, gChartTemperatureColor, LINE_CHART_MIXED};
+    for (UINT32 I = Chart->Rect.Height; I > 0; I--) {
+        Rpm.Blend = Chart->Rpm.BlendGradient[I];
+        Rpm.Whole = ClassOfRow(gPlottedRpm.Extent, I);
+        Temperature.Blend = Chart->Temperature.BlendGradient[I];
+        Temperature.Whole = ClassOfRow(gPlottedTemperature.Extent, I);
+        ComposeChartRow(Row, Width, Rpm, Temperature);
+        Row += Width;
+        Rpm.Layer += Width;
+        Temperature.Layer += Width;
+    }
+}
+
+// Paints columns First to Last of the row that lies FromBottom rows above the chart's lower edge, as far as there are
+// any.
+VOID DrawMarkRow(LINE_CHART* Chart, UINT32 FromBottom, INT64 First, INT64 Last)
+{
+    const INT64 Width = Chart->Rect.Width;
+    First = First < 0 ? 0 : First;
+    Last = Last >= Width ? Width - 1 : Last;
+    if (FromBottom > Chart->Rect.Height || First > Last) {
+        return;
+    }
+    PIXEL* Row = Chart->Pixels + static_cast<UINTN>(Chart->Rect.Height - FromBottom) * Chart->Rect.Width;
+    FillPixels(Row + First, static_cast<UINTN>(Last - First + 1), gChartMarkColor);
+}
+
+// A wedge that leans left and stands on a foot line on the bottom row.
+VOID DrawMark(LINE_CHART* Chart)
+{
+    const INT64 Middle = static_cast<INT64>(Chart->Rect.Width / 10) * 9;
+    for (UINT32 FromBottom = 6; FromBottom > 1; FromBottom--) {
+        DrawMarkRow(Chart, FromBottom, Middle + FromBottom - 6, Middle);
+    }
+    DrawMarkRow(Chart, 1, Middle - 5, Middle + 10);
+}
+
+} // namespace
 
 EFI_STATUS CreateLineChart(LINE_CHART** Chart, const GUI_RECT* Rect, const EFI_GUID* RpmGuid,
                            const EFI_GUID* TemperatureGuid)
@@ -183,14 +329,6 @@ EFI_STATUS DestroyLineChart(LINE_CHART* Chart)
     return EFI_SUCCESS;
 }
 
-// --- Samples ---
-
-static UINT32 StoredSample(UINT64 Value)
-{
-    const UINT32 Sample = static_cast<UINT32>(Value);
-    return Sample == 0 ? 1 : Sample;
-}
-
 EFI_STATUS PushLineChartSample(LINE_CHART* Chart, UINT64 Rpm, UINT64 Temperature)
 {
     if (Chart == nullptr) {
@@ -199,74 +337,6 @@ EFI_STATUS PushLineChartSample(LINE_CHART* Chart, UINT64 Rpm, UINT64 Temperature
     Chart->Rpm.Samples[Chart->Rect.Width - 1] = StoredSample(Rpm);
     Chart->Temperature.Samples[Chart->Rect.Width - 1] = StoredSample(Temperature);
     return EFI_SUCCESS;
-}
-
-static UINT32 LimitSample(UINT32 Sample, INT32 Minimum, INT32 Maximum)
-{
-    const INT64 Value = Sample;
-    return Value < Minimum ? static_cast<UINT32>(Minimum) : Value > Maximum ? static_cast<UINT32>(Maximum) : Sample;
-}
-
-// Some neighbouring columns of a layer: the heights at which each shows the curve, and what these heights are for all.
-struct PLOT {
-    INT32 First[gPlotColumns];
-    INT32 Last[gPlotColumns];
-    UINT32 Count;
-    INT32 Lowest;
-    INT32 Highest;
-};
-
-static INT32 LimitHeight(INT64 Height, UINT32 Top)
-{
-    return static_cast<INT32>(Height < 0 ? 0 : Height > Top ? Top + INT64{1} : Height);
-}
-
-// Adds a column whose point is at Height, after one whose point is at Previous; a sample above the scale gives a height
-// above the top row. A vertical run joins the two in this column, but none rises out of a column without a point, and
-// none falls in the first column.
-static VOID AddColumn(PLOT* Plot, UINT32 Top, INT64 Height, INT64 Previous, bool First)
-{
-    INT64 From = Height;
-    INT64 To = Height;
-    if (Height < Previous && !First) {
-        To = Previous - 1;
-    } else if (Height > Previous && Previous != 0) {
-        From = Previous + 1;
-    }
-    const INT32 FirstHeight = LimitHeight(From, Top);
-    const INT32 LastHeight = LimitHeight(To, Top);
-    Plot->Lowest = Plot->Count == 0 || FirstHeight < Plot->Lowest ? FirstHeight : Plot->Lowest;
-    Plot->Highest = Plot->Count == 0 || LastHeight > Plot->Highest ? LastHeight : Plot->Highest;
-    Plot->First[Plot->Count] = FirstHeight;
-    Plot->Last[Plot->Count] = LastHeight;
-    Plot->Count++;
-}
-
-static PIXEL WithClass(PIXEL Color, LINE_CHART_CLASS Class)
-{
-    Color.Reserved = Class;
-    return Color;
-}
-
-// Writes the plot's columns row by row, which is the order of the pixels in memory. Most rows lie wholly above the
-// curve or wholly below it, and did so before.
-static VOID WritePlot(const PLOT& Plot, PIXEL* Layer, const PIXEL* Gradient, UINT32 Width, UINT32 Top, PIXEL Line,
-                      LINE_CHART_EXTENT Known)
-{
-    PIXEL* Row = Layer;
-    for (INT32 Height = static_cast<INT32>(Top); Height > 0; Height--, Row += Width) {
-        if (Height > Plot.Highest) {
-            if (Height <= Known.Highest) {
-                FillPixels(Row, Plot.Count, WithClass(gBlackPixel, LINE_CHART_ABOVE));
-            }
-        } else if (Height < Plot.Lowest) {
-            if (Height >= Known.Lowest) {
-                FillPixels(Row, Plot.Count, WithClass(Gradient[Height], LINE_CHART_FILL));
-            }
-        } else {
-            PlotChartRow(Row, {Plot.First, Plot.Last}, Plot.Count, Height, Gradient[Height], Line);
-        }
-    }
 }
 
 LINE_CHART_EXTENT PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT32* Samples, UINT32 Width, UINT32 Height,
@@ -301,78 +371,6 @@ LINE_CHART_EXTENT PlotLineChartSeries(PIXEL* Layer, const PIXEL* Gradient, UINT3
         Previous = Point;
     }
     return Extent;
-}
-
-// --- Painting ---
-
-static VOID DrawGrid(LINE_CHART* Chart)
-{
-    const UINT32 Step = Chart->Rect.Height / gGridLineCount;
-    if (Step == 0) {
-        return;
-    }
-    for (UINT32 Row = 0; Row < Chart->Rect.Height; Row += Step) {
-        FillPixels(Chart->Pixels + static_cast<UINTN>(Row) * Chart->Rect.Width, Chart->Rect.Width, gChartGridColor);
-    }
-}
-
-static VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color, PLOTTED_LAYER* Plotted)
-{
-    const GUI_RECT& Rect = Chart->Rect;
-    const LINE_CHART_EXTENT Known =
-        Plotted->Layer == Series->Layer ? Plotted->Extent : LINE_CHART_EXTENT{1, static_cast<INT32>(Rect.Height)};
-    Plotted->Extent = PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Rect.Width, Rect.Height,
-                                          Series->Maximum, Series->Minimum, PixelWord(Color), Known);
-    Plotted->Layer = Series->Layer;
-}
-
-static LINE_CHART_CLASS ClassOfRow(LINE_CHART_EXTENT Extent, UINT32 Height)
-{
-    const INT32 At = static_cast<INT32>(Height);
-    return At > Extent.Highest ? LINE_CHART_ABOVE : At < Extent.Lowest ? LINE_CHART_FILL : LINE_CHART_MIXED;
-}
-
-// Lays both layers over the picture. Where the areas overlap, temperature lies on top of speed.
-static VOID ComposeLayers(LINE_CHART* Chart)
-{
-    const UINT32 Width = Chart->Rect.Width;
-    PIXEL* Row = Chart->Pixels;
-    CHART_LAYER_ROW Rpm = {Chart->Rpm.Layer, {}, gChartRpmColor, LINE_CHART_MIXED};
-    CHART_LAYER_ROW Temperature = {Chart->Temperature.Layer, {}, gChartTemperatureColor, LINE_CHART_MIXED};
-    for (UINT32 I = Chart->Rect.Height; I > 0; I--) {
-        Rpm.Blend = Chart->Rpm.BlendGradient[I];
-        Rpm.Whole = ClassOfRow(gPlottedRpm.Extent, I);
-        Temperature.Blend = Chart->Temperature.BlendGradient[I];
-        Temperature.Whole = ClassOfRow(gPlottedTemperature.Extent, I);
-        ComposeChartRow(Row, Width, Rpm, Temperature);
-        Row += Width;
-        Rpm.Layer += Width;
-        Temperature.Layer += Width;
-    }
-}
-
-// Paints columns First to Last of the row that lies FromBottom rows above the chart's lower edge, as far as there are
-// any.
-static VOID DrawMarkRow(LINE_CHART* Chart, UINT32 FromBottom, INT64 First, INT64 Last)
-{
-    const INT64 Width = Chart->Rect.Width;
-    First = First < 0 ? 0 : First;
-    Last = Last >= Width ? Width - 1 : Last;
-    if (FromBottom > Chart->Rect.Height || First > Last) {
-        return;
-    }
-    PIXEL* Row = Chart->Pixels + static_cast<UINTN>(Chart->Rect.Height - FromBottom) * Chart->Rect.Width;
-    FillPixels(Row + First, static_cast<UINTN>(Last - First + 1), gChartMarkColor);
-}
-
-// A wedge that leans left and stands on a foot line on the bottom row.
-static VOID DrawMark(LINE_CHART* Chart)
-{
-    const INT64 Middle = static_cast<INT64>(Chart->Rect.Width / 10) * 9;
-    for (UINT32 FromBottom = 6; FromBottom > 1; FromBottom--) {
-        DrawMarkRow(Chart, FromBottom, Middle + FromBottom - 6, Middle);
-    }
-    DrawMarkRow(Chart, 1, Middle - 5, Middle + 10);
 }
 
 EFI_STATUS DrawLineChart(LINE_CHART* Chart)

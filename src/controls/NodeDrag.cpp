@@ -8,21 +8,20 @@
 #include "shell/contract/Board.h"
 #include "support/Pool.h"
 
-UINT8 gDragging = 0;
-DRAG_REPORT gFrameDragReport = {};
+namespace {
 
-static INT64 gDragStartX = 0;
-static INT64 gDragStartY = 0;
+INT64 gDragStartX = 0;
+INT64 gDragStartY = 0;
 // Where the node in hand stood when its drag began. A command may move it meanwhile; the pointer keeps its grip.
-static POINT gDragBase = {};
+POINT gDragBase = {};
 // Top left corner of the dragged picture at its last drawing, relative to the frame. They keep their values between
 // drags, of whatever frame.
-static INT64 gDragFrameX = 0;
-static INT64 gDragFrameY = 0;
+INT64 gDragFrameX = 0;
+INT64 gDragFrameY = 0;
 
 // Works out the limits of the node in hand from its neighbours' cells: it stays right of the node before and left of
 // the node after, and passes neither of their rows.
-static VOID SetDragDropNodeLimits(DRAGDROP_COMPONENT* Frame)
+VOID SetDragDropNodeLimits(DRAGDROP_COMPONENT* Frame)
 {
     const UINT32 Number = Frame->ActiveNode;
     const GUI_RECT& Rect = Frame->Rect;
@@ -45,7 +44,7 @@ static VOID SetDragDropNodeLimits(DRAGDROP_COMPONENT* Frame)
 }
 
 // The cell under (X, Y), frame coordinates, or null when there is none.
-static const DD_FRAME_CELL* CellUnder(const DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
+const DD_FRAME_CELL* CellUnder(const DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
 {
     const INT64 Column = X / Frame->CellWidth;
     const INT64 Row = Y / Frame->CellHeight;
@@ -56,7 +55,7 @@ static const DD_FRAME_CELL* CellUnder(const DRAGDROP_COMPONENT* Frame, INT64 X, 
 }
 
 // Drops the node in hand into the cell under (X, Y), frame coordinates, unless another node stands there.
-static EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
+EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
 {
     const DD_FRAME_CELL* Cell = CellUnder(Frame, X, Y);
     GUI_COMPONENT* Component = ComponentOf(Frame->Nodes[Frame->ActiveNode].Id);
@@ -77,10 +76,10 @@ static EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
     return EFI_SUCCESS;
 }
 
-static UINT32 Distance(UINT32 A, UINT32 B) { return A > B ? A - B : B - A; }
+UINT32 Distance(UINT32 A, UINT32 B) { return A > B ? A - B : B - A; }
 
 // The lines that lead from the centre of the dragged picture to the frame's two scales.
-static VOID DrawGuideLines(DRAGDROP_COMPONENT* Frame, POINT Place, PIXEL Color)
+VOID DrawGuideLines(DRAGDROP_COMPONENT* Frame, POINT Place, PIXEL Color)
 {
     const INT64 CenterX = Place.X + Frame->CellWidth / 2;
     const INT64 CenterY = Place.Y + Frame->CellHeight / 2;
@@ -97,7 +96,7 @@ static VOID DrawGuideLines(DRAGDROP_COMPONENT* Frame, POINT Place, PIXEL Color)
 
 // The picture of a drag, with the top left corner of the node in hand at Place. A node over which the pointer passes is
 // not drawn in that turn.
-static VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
+VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
 {
     const DD_FRAME_NODE& Active = Frame->Nodes[Frame->ActiveNode];
     const PIXEL Color = gNodeColor[Frame->ActiveNode];
@@ -124,25 +123,6 @@ static VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
     };
 }
 
-EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
-{
-    DRAGDROP_COMPONENT* Frame = static_cast<DRAGDROP_COMPONENT*>(Context);
-    // The held button may pass over another node, and a command may bring one in where a thumb is being dragged.
-    if (gDragging == 1 || gSliderDragging == 1 || gGuiCore->MouseState != L_HOLD || !FrameIsLive(Frame)) {
-        return EFI_NOT_FOUND;
-    }
-    for (UINT8 I = 0; I < gNodeCount; I++) {
-        if (Frame->Nodes[I].Id == gGuiCore->HitId) {
-            gGuiCore->TargetId = static_cast<UINT16>(Frame->Nodes[I].Id);
-            gGuiCore->Target = Frame;
-            gGuiCore->TargetKind = _DRAGDROP_COMPONENT;
-            Frame->ActiveNode = I;
-            return EFI_SUCCESS;
-        }
-    }
-    return EFI_NOT_FOUND;
-}
-
 // The limits of the node in hand for the top left corner of its picture, in frame coordinates.
 struct PLACE_LIMITS {
     INT64 MinX;
@@ -153,7 +133,7 @@ struct PLACE_LIMITS {
     bool operator==(const PLACE_LIMITS&) const = default;
 };
 
-static PLACE_LIMITS PlaceLimits(const DRAGDROP_COMPONENT* Frame)
+PLACE_LIMITS PlaceLimits(const DRAGDROP_COMPONENT* Frame)
 {
     const DD_FRAME_NODE& Node = Frame->Nodes[Frame->ActiveNode];
     return {
@@ -164,7 +144,7 @@ static PLACE_LIMITS PlaceLimits(const DRAGDROP_COMPONENT* Frame)
     };
 }
 
-static POINT Hold(POINT Place, const PLACE_LIMITS& Limits)
+POINT Hold(POINT Place, const PLACE_LIMITS& Limits)
 {
     return {Limit(Place.X, Limits.MinX, Limits.MaxX), Limit(Place.Y, Limits.MinY, Limits.MaxY)};
 }
@@ -172,7 +152,7 @@ static POINT Hold(POINT Place, const PLACE_LIMITS& Limits)
 // Where to draw the node in hand for the pointer's present place, in frame coordinates: the wanted place while the
 // whole picture is inside the limits; along one of their sides while the pointer is beyond that side alone; else where
 // it was.
-static POINT DragPlace(const DRAGDROP_COMPONENT* Frame)
+POINT DragPlace(const DRAGDROP_COMPONENT* Frame)
 {
     const DD_FRAME_NODE& Node = Frame->Nodes[Frame->ActiveNode];
     const INT64 PointerX = gGuiCore->PointerX;
@@ -198,13 +178,13 @@ static POINT DragPlace(const DRAGDROP_COMPONENT* Frame)
     return {gDragFrameX, gDragFrameY};
 }
 
-static UINT8* NodeDragStarted(VOID* Control)
+UINT8* NodeDragStarted(VOID* Control)
 {
     auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
     return FrameIsWhole(Frame) && Frame->ActiveNode < gNoActiveNode ? &Frame->DragStarted : nullptr;
 }
 
-static VOID HoldNode(VOID* Control)
+VOID HoldNode(VOID* Control)
 {
     auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
     SetDragDropNodeLimits(Frame);
@@ -213,7 +193,7 @@ static VOID HoldNode(VOID* Control)
     }
 }
 
-static VOID MoveHeldNode(VOID* Control)
+VOID MoveHeldNode(VOID* Control)
 {
     auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
     const POINT Place = DragPlace(Frame);
@@ -222,7 +202,7 @@ static VOID MoveHeldNode(VOID* Control)
     DrawDragDropDrag(Frame, Place);
 }
 
-static VOID DropNode(VOID* Control)
+VOID DropNode(VOID* Control)
 {
     auto* Frame = static_cast<DRAGDROP_COMPONENT*>(Control);
     // A press too short for a drag leaves the node where it was.
@@ -237,6 +217,30 @@ static VOID DropNode(VOID* Control)
     }
     RepaintDragDropFrame(Frame);
     Frame->ActiveNode = gNoActiveNode;
+}
+
+} // namespace
+
+UINT8 gDragging = 0;
+DRAG_REPORT gFrameDragReport = {};
+
+EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
+{
+    DRAGDROP_COMPONENT* Frame = static_cast<DRAGDROP_COMPONENT*>(Context);
+    // The held button may pass over another node, and a command may bring one in where a thumb is being dragged.
+    if (gDragging == 1 || gSliderDragging == 1 || gGuiCore->MouseState != L_HOLD || !FrameIsLive(Frame)) {
+        return EFI_NOT_FOUND;
+    }
+    for (UINT8 I = 0; I < gNodeCount; I++) {
+        if (Frame->Nodes[I].Id == gGuiCore->HitId) {
+            gGuiCore->TargetId = static_cast<UINT16>(Frame->Nodes[I].Id);
+            gGuiCore->Target = Frame;
+            gGuiCore->TargetKind = _DRAGDROP_COMPONENT;
+            Frame->ActiveNode = I;
+            return EFI_SUCCESS;
+        }
+    }
+    return EFI_NOT_FOUND;
 }
 
 EFI_STATUS DragDropFrameDispatch()

@@ -12,6 +12,8 @@
 #include "support/Report.h"
 #include "support/Print.h"
 
+namespace {
+
 constexpr UINT32 gThumbSection = 26;
 constexpr UINT32 gThumbPitch = 40; // from one place of the thumb to the next, and the height of a plain thumb
 constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
@@ -21,26 +23,23 @@ constexpr UINTN gNameFormatSize = 128; // bytes of it that the format may fill
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\Slider.cpp";
 
-UINT8 gSliderDragging = 0;
-DRAG_REPORT gSliderDragReport = {};
-
-static INT64 gSliderDragStartX = 0;
-static INT64 gSliderDragStartY = 0;
+INT64 gSliderDragStartX = 0;
+INT64 gSliderDragStartY = 0;
 // The thumb's distance from the control's top when its drag began. A command may change the level meanwhile; the pointer
 // keeps its grip.
-static INT64 gSliderDragStart = 0;
+INT64 gSliderDragStart = 0;
 // The thumb's distance from the control's top as last worked out. It survives from drag to drag, of whatever slider.
-static INT64 gSliderOffset = 0;
+INT64 gSliderOffset = 0;
 
 // Screen row of the thumb's top for the slider's level. A level that doesn't exist lands off the control.
-static UINT32 ThumbTop(const SLIDER_COMPONENT* Slider)
+UINT32 ThumbTop(const SLIDER_COMPONENT* Slider)
 {
     return Slider->Rect.Y + (static_cast<UINT32>(Slider->Rows) - Slider->Level) * gThumbPitch - gThumbPitch;
 }
 
 // The thumb's picture, or a plain block where the file has none that fits. Without pool the thumb can be dragged all
 // the same and isn't seen.
-static VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 Rows)
+VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 Rows)
 {
     UINT32 Width = 0;
     UINT32 Height = 0;
@@ -62,8 +61,8 @@ static VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 
 }
 
 // Registers one of the two components. Its name carries the id that comes out of it, and so is written afterwards.
-static VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, COMPONENT_KIND Kind, UINT32* IdOut,
-                               EFI_EVENT SecondaryEvent, CHAR16** NameOut, const CHAR16* Stem)
+VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, COMPONENT_KIND Kind, UINT32* IdOut,
+                        EFI_EVENT SecondaryEvent, CHAR16** NameOut, const CHAR16* Stem)
 {
     CHAR16* Name = AllocateArray<CHAR16>(gNameLength);
     if (Name != nullptr) {
@@ -75,6 +74,146 @@ static VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, C
         (void)FormatUnicodeText(Name, gNameFormatSize, u"%s%d", Stem, static_cast<INT32>(*IdOut));
     }
 }
+
+// Brings the thumb, in the record and in the registry, to the place of the slider's level.
+EFI_STATUS MoveThumb(SLIDER_COMPONENT* Slider)
+{
+    GUI_COMPONENT* Thumb = Slider->ThumbId == 0 ? nullptr : ComponentOf(Slider->ThumbId);
+    if (Thumb == nullptr) {
+        return EFI_NOT_FOUND;
+    }
+    Thumb->Rect.Y = ThumbTop(Slider);
+    Slider->ThumbRect.Y = Thumb->Rect.Y;
+    return EFI_SUCCESS;
+}
+
+EFI_STATUS ShowSliderCanvas(SLIDER_COMPONENT* Slider)
+{
+    const GUI_RECT& Rect = Slider->Rect;
+    (void)PasteBlt(Slider->Canvas, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
+    return ComposeScreen(gGuiCore, Slider->Canvas, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+}
+
+VOID OverlayThumb(SLIDER_COMPONENT* Slider, INT32 Offset)
+{
+    if (Slider->ThumbImage == nullptr) {
+        return;
+    }
+    (void)OverlayBlt(Slider->ThumbImage, static_cast<INT32>(Slider->ThumbRect.Width),
+                     static_cast<INT32>(Slider->ThumbRect.Height), Slider->Canvas, Slider->Rect.Width,
+                     Slider->Rect.Height, 0, Offset, &gKeyColor, &gKeyColor, 1);
+}
+
+// False for a slider whose creation didn't get as far as its three pictures.
+bool SliderCanPaint(const SLIDER_COMPONENT* Slider)
+{
+    return Slider != nullptr && Slider->GridImage != nullptr && Slider->PlainImage != nullptr &&
+           Slider->Canvas != nullptr;
+}
+
+VOID ReportSliderDrag(const SLIDER_COMPONENT* Slider, INT64 Offset)
+{
+    if (Slider->Rect.X == 0 || Slider->Rect.Y == 0) {
+        gSliderDragReport = {};
+        return;
+    }
+    gSliderDragReport = {
+        .RelX = 0,
+        .RelY = static_cast<UINT16>(Offset),
+        .AbsX = static_cast<UINT16>(Slider->Rect.X),
+        .AbsY = static_cast<UINT16>(Slider->Rect.Y + Offset),
+        .CellWidth = Slider->CellWidth,
+        .CellHeight = Slider->CellHeight,
+    };
+}
+
+// The picture of a drag, with the thumb's top Offset pixels below the control's. For a column that can't be marked the
+// picture of the turn before stays.
+VOID PaintSliderDrag(SLIDER_COMPONENT* Slider, INT64 Offset)
+{
+    if (!SliderCanPaint(Slider)) {
+        return;
+    }
+    const GUI_RECT& Rect = Slider->Rect;
+    CopyMem(Slider->Canvas, Slider->GridImage, Rect.BufferSize);
+    if (!MarkRectangle(Slider->Canvas, Rect.Width, Rect.Height, 0, 0, gGridCellWidth, Slider->Rows * gThumbPitch,
+                       gSliderMarkColor)) {
+        return;
+    }
+    const INT64 GuideRow = Slider->ThumbRect.Height / 2 + Offset;
+    if (GuideRow >= 0 && GuideRow < Rect.Height) {
+        FillPixels(Slider->Canvas + GuideRow * Rect.Width, Rect.Width, gSliderMarkColor);
+    }
+    OverlayThumb(Slider, static_cast<INT32>(Offset));
+    (void)ShowSliderCanvas(Slider);
+    ReportSliderDrag(Slider, Offset);
+}
+
+// Works out gSliderOffset from the pointer. On the exact lines around the column, and beyond the band at its sides, the
+// offset stays.
+VOID FollowPointer(const SLIDER_COMPONENT* Slider, INT64 DeltaY)
+{
+    const INT64 Left = Slider->Rect.X;
+    const INT64 Right = Left + gGridCellWidth;
+    const INT64 Top = Slider->Rect.Y;
+    const INT64 Band = static_cast<INT64>(Slider->Rows) * gThumbPitch;
+    const INT64 Most = Band - gThumbPitch;
+    const INT64 X = gGuiCore->PointerX;
+    const INT64 Y = gGuiCore->PointerY;
+
+    if (X != Left && X != Right && Y > Top && Y < Top + Band) {
+        gSliderOffset = Limit(gSliderDragStart + DeltaY, 0, Most);
+    } else if (X > Left && X < Right && Y > Top + Band) {
+        gSliderOffset = Most;
+    } else if (X > Left && X < Right && Y < Top) {
+        gSliderOffset = 0;
+    }
+}
+
+UINT8* SliderDragStarted(VOID* Control) { return &static_cast<SLIDER_COMPONENT*>(Control)->Dragging; }
+
+VOID HoldThumb(VOID* Control)
+{
+    const auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
+    if (Slider->Dragging == 0) {
+        gSliderDragStart = static_cast<INT64>(Slider->ThumbRect.Y) - Slider->Rect.Y;
+    }
+}
+
+VOID MoveHeldThumb(VOID* Control)
+{
+    auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
+    const GUI_RECT& Rect = Slider->Rect;
+    const GUI_RECT& Thumb = Slider->ThumbRect;
+    const INT64 DeltaX = gGuiCore->PointerX - gSliderDragStartX;
+    const INT64 DeltaY = gGuiCore->PointerY - gSliderDragStartY;
+    const INT64 Left = Thumb.X + DeltaX;
+    const INT64 Top = Rect.Y + gSliderDragStart + DeltaY;
+    // A thumb narrower than its column isn't followed while all of it is inside the column.
+    if (Left > Rect.X && Top > Rect.Y && Left + Thumb.Width < static_cast<INT64>(Rect.X) + Slider->CellWidth &&
+        Top + Thumb.Height < static_cast<INT64>(Rect.Y) + Slider->CellHeight * Slider->Rows) {
+        return;
+    }
+    FollowPointer(Slider, DeltaY);
+    PaintSliderDrag(Slider, gSliderOffset);
+}
+
+VOID DropThumb(VOID* Control)
+{
+    auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
+    (void)SetSliderPosition(Slider, static_cast<UINT16>(gSliderOffset));
+    (void)RefreshSlider(Slider);
+    // Unlike a node, a thumb is no longer in hand when the listeners are told.
+    if (Slider->Dragging == 1) {
+        Slider->Dragging = 0;
+        gSliderDragging = 0;
+    }
+}
+
+} // namespace
+
+UINT8 gSliderDragging = 0;
+DRAG_REPORT gSliderDragReport = {};
 
 EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT16 Level)
 {
@@ -149,18 +288,6 @@ EFI_STATUS DestroySlider(SLIDER_COMPONENT* Slider)
     return Status;
 }
 
-// Brings the thumb, in the record and in the registry, to the place of the slider's level.
-static EFI_STATUS MoveThumb(SLIDER_COMPONENT* Slider)
-{
-    GUI_COMPONENT* Thumb = Slider->ThumbId == 0 ? nullptr : ComponentOf(Slider->ThumbId);
-    if (Thumb == nullptr) {
-        return EFI_NOT_FOUND;
-    }
-    Thumb->Rect.Y = ThumbTop(Slider);
-    Slider->ThumbRect.Y = Thumb->Rect.Y;
-    return EFI_SUCCESS;
-}
-
 EFI_STATUS SetSliderLevel(SLIDER_COMPONENT* Slider, UINT8 LevelPlusOne)
 {
     if (Slider == nullptr) {
@@ -181,30 +308,6 @@ EFI_STATUS SetSliderPosition(SLIDER_COMPONENT* Slider, UINT16 Offset)
     }
     Slider->Level = static_cast<UINT16>(Slider->Rows - RowsDown);
     return MoveThumb(Slider);
-}
-
-static EFI_STATUS ShowSliderCanvas(SLIDER_COMPONENT* Slider)
-{
-    const GUI_RECT& Rect = Slider->Rect;
-    (void)PasteBlt(Slider->Canvas, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    return ComposeScreen(gGuiCore, Slider->Canvas, Rect.X, Rect.Y, Rect.Width, Rect.Height);
-}
-
-static VOID OverlayThumb(SLIDER_COMPONENT* Slider, INT32 Offset)
-{
-    if (Slider->ThumbImage == nullptr) {
-        return;
-    }
-    (void)OverlayBlt(Slider->ThumbImage, static_cast<INT32>(Slider->ThumbRect.Width),
-                     static_cast<INT32>(Slider->ThumbRect.Height), Slider->Canvas, Slider->Rect.Width,
-                     Slider->Rect.Height, 0, Offset, &gKeyColor, &gKeyColor, 1);
-}
-
-// False for a slider whose creation didn't get as far as its three pictures.
-static bool SliderCanPaint(const SLIDER_COMPONENT* Slider)
-{
-    return Slider != nullptr && Slider->GridImage != nullptr && Slider->PlainImage != nullptr &&
-           Slider->Canvas != nullptr;
 }
 
 EFI_STATUS RefreshSlider(SLIDER_COMPONENT* Slider)
@@ -240,105 +343,6 @@ EFI_STATUS OnSliderEvent(EFI_EVENT, VOID* Context)
     gGuiCore->Target = Slider;
     gGuiCore->TargetKind = _SLIDER_COMPONENT;
     return EFI_SUCCESS;
-}
-
-static VOID ReportSliderDrag(const SLIDER_COMPONENT* Slider, INT64 Offset)
-{
-    if (Slider->Rect.X == 0 || Slider->Rect.Y == 0) {
-        gSliderDragReport = {};
-        return;
-    }
-    gSliderDragReport = {
-        .RelX = 0,
-        .RelY = static_cast<UINT16>(Offset),
-        .AbsX = static_cast<UINT16>(Slider->Rect.X),
-        .AbsY = static_cast<UINT16>(Slider->Rect.Y + Offset),
-        .CellWidth = Slider->CellWidth,
-        .CellHeight = Slider->CellHeight,
-    };
-}
-
-// The picture of a drag, with the thumb's top Offset pixels below the control's. For a column that can't be marked the
-// picture of the turn before stays.
-static VOID PaintSliderDrag(SLIDER_COMPONENT* Slider, INT64 Offset)
-{
-    if (!SliderCanPaint(Slider)) {
-        return;
-    }
-    const GUI_RECT& Rect = Slider->Rect;
-    CopyMem(Slider->Canvas, Slider->GridImage, Rect.BufferSize);
-    if (!MarkRectangle(Slider->Canvas, Rect.Width, Rect.Height, 0, 0, gGridCellWidth, Slider->Rows * gThumbPitch,
-                       gSliderMarkColor)) {
-        return;
-    }
-    const INT64 GuideRow = Slider->ThumbRect.Height / 2 + Offset;
-    if (GuideRow >= 0 && GuideRow < Rect.Height) {
-        FillPixels(Slider->Canvas + GuideRow * Rect.Width, Rect.Width, gSliderMarkColor);
-    }
-    OverlayThumb(Slider, static_cast<INT32>(Offset));
-    (void)ShowSliderCanvas(Slider);
-    ReportSliderDrag(Slider, Offset);
-}
-
-// Works out gSliderOffset from the pointer. On the exact lines around the column, and beyond the band at its sides, the
-// offset stays.
-static VOID FollowPointer(const SLIDER_COMPONENT* Slider, INT64 DeltaY)
-{
-    const INT64 Left = Slider->Rect.X;
-    const INT64 Right = Left + gGridCellWidth;
-    const INT64 Top = Slider->Rect.Y;
-    const INT64 Band = static_cast<INT64>(Slider->Rows) * gThumbPitch;
-    const INT64 Most = Band - gThumbPitch;
-    const INT64 X = gGuiCore->PointerX;
-    const INT64 Y = gGuiCore->PointerY;
-
-    if (X != Left && X != Right && Y > Top && Y < Top + Band) {
-        gSliderOffset = Limit(gSliderDragStart + DeltaY, 0, Most);
-    } else if (X > Left && X < Right && Y > Top + Band) {
-        gSliderOffset = Most;
-    } else if (X > Left && X < Right && Y < Top) {
-        gSliderOffset = 0;
-    }
-}
-
-static UINT8* SliderDragStarted(VOID* Control) { return &static_cast<SLIDER_COMPONENT*>(Control)->Dragging; }
-
-static VOID HoldThumb(VOID* Control)
-{
-    const auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
-    if (Slider->Dragging == 0) {
-        gSliderDragStart = static_cast<INT64>(Slider->ThumbRect.Y) - Slider->Rect.Y;
-    }
-}
-
-static VOID MoveHeldThumb(VOID* Control)
-{
-    auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
-    const GUI_RECT& Rect = Slider->Rect;
-    const GUI_RECT& Thumb = Slider->ThumbRect;
-    const INT64 DeltaX = gGuiCore->PointerX - gSliderDragStartX;
-    const INT64 DeltaY = gGuiCore->PointerY - gSliderDragStartY;
-    const INT64 Left = Thumb.X + DeltaX;
-    const INT64 Top = Rect.Y + gSliderDragStart + DeltaY;
-    // A thumb narrower than its column isn't followed while all of it is inside the column.
-    if (Left > Rect.X && Top > Rect.Y && Left + Thumb.Width < static_cast<INT64>(Rect.X) + Slider->CellWidth &&
-        Top + Thumb.Height < static_cast<INT64>(Rect.Y) + Slider->CellHeight * Slider->Rows) {
-        return;
-    }
-    FollowPointer(Slider, DeltaY);
-    PaintSliderDrag(Slider, gSliderOffset);
-}
-
-static VOID DropThumb(VOID* Control)
-{
-    auto* Slider = static_cast<SLIDER_COMPONENT*>(Control);
-    (void)SetSliderPosition(Slider, static_cast<UINT16>(gSliderOffset));
-    (void)RefreshSlider(Slider);
-    // Unlike a node, a thumb is no longer in hand when the listeners are told.
-    if (Slider->Dragging == 1) {
-        Slider->Dragging = 0;
-        gSliderDragging = 0;
-    }
 }
 
 EFI_STATUS SliderStep()

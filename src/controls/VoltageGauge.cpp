@@ -7,6 +7,8 @@
 #include "support/Report.h"
 #include "support/Strings.h"
 
+namespace {
+
 constexpr UINT32 gGaugeY = 624;
 constexpr INT32 gGaugeWidth = 127;
 constexpr INT32 gGaugeHeight = 81;
@@ -30,14 +32,14 @@ constexpr UINTN gValueTextLength = gNumberLength + 5; // with the zeros behind i
 constexpr CHAR8 gSourcePath[] = "src\\controls\\VoltageGauge.cpp";
 
 // t x Right + u x Left, in whole numbers.
-static UINT8 MixColor(FLOAT_WORD T, UINT8 Right, FLOAT_WORD U, UINT8 Left)
+UINT8 MixColor(FLOAT_WORD T, UINT8 Right, FLOAT_WORD U, UINT8 Left)
 {
     const FLOAT_WORD Sum = gFloatMath->FloatAdd(gFloatMath->FloatMultiply(T, gFloatMath->IntToFloat(Right)),
                                                 gFloatMath->FloatMultiply(U, gFloatMath->IntToFloat(Left)));
     return static_cast<UINT8>(gFloatMath->FloatToInt(Sum));
 }
 
-static VOID FillGradient(VOLTAGE_GAUGE* Gauge)
+VOID FillGradient(VOLTAGE_GAUGE* Gauge)
 {
     const FLOAT_WORD One = gFloatMath->IntToFloat(1);
     const FLOAT_WORD Count = gFloatMath->IntToFloat(gBarWidth);
@@ -52,6 +54,107 @@ static VOID FillGradient(VOLTAGE_GAUGE* Gauge)
         };
     }
 }
+
+UINT32 CountDigits(INT32 Value)
+{
+    UINT32 Digits = 1;
+    for (INT32 Rest = Value / 10; Rest != 0; Rest /= 10) {
+        Digits++;
+    }
+    return Digits;
+}
+
+// The value in volts. FloatToString drops trailing zeros, and this puts back what is missing of the places behind the
+// point. Digits is the number of digits of the millivolts. An empty text for a value that gets none.
+VOID FormatVolts(CHAR16 (&Text)[gValueTextLength], INT32 Value, UINT32 Digits)
+{
+    SetMem(Text, sizeof(Text), 0);
+    const CHAR16* Zeros = nullptr;
+    if (Value % 10 != 0) {
+        Zeros = u"";
+    } else if (Digits == 4 || Digits == 5) {
+        Zeros = Value % 100 != 0 ? u"0" : Value % 1000 == 0 ? u".000" : u"";
+    } else if (Digits == 3) {
+        Zeros = u"0";
+    } else if (Value == 0) {
+        AppendString(Text, u"0.000");
+        return;
+    }
+    if (Zeros == nullptr) {
+        return;
+    }
+    const FLOAT_WORD Volts = gFloatMath->FloatDivide(gFloatMath->IntToFloat(Value), gFloatMath->IntToFloat(1000));
+    (void)gFloatMath->FloatToString(Volts, Text, gNumberLength);
+    Text[gNumberLength] = 0;
+    AppendString(Text, Zeros);
+}
+
+VOID DrawGaugeFrame(VOLTAGE_GAUGE* Gauge, bool Last)
+{
+    FillPixels(Gauge->Canvas, gGaugeWidth * gGaugeHeight, gLabelBackColor);
+    FillPixels(Gauge->Canvas + gTopLineRow * gGaugeWidth, gGaugeWidth, gGaugeFrameColor);
+    FillPixels(Gauge->Canvas + gBottomLineRow * gGaugeWidth, gGaugeWidth, gGaugeFrameColor);
+    for (INT32 Row = gTopLineRow + 1; Row < gBottomLineRow; Row++) {
+        PIXEL* Line = Gauge->Canvas + Row * gGaugeWidth;
+        Line[0] = gGaugeFrameColor;
+        if (Last) {
+            Line[gGaugeWidth - 1] = gGaugeFrameColor;
+        }
+    }
+}
+
+// Columns of the bar that the value takes.
+INT64 BarLength(const VOLTAGE_GAUGE* Gauge)
+{
+    const FLOAT_WORD Part =
+        gFloatMath->FloatDivide(gFloatMath->IntToFloat(Gauge->Value), gFloatMath->IntToFloat(Gauge->Maximum));
+    return gFloatMath->FloatToInt(gFloatMath->FloatMultiply(Part, gFloatMath->IntToFloat(gBarWidth)));
+}
+
+// A field of dots on every second row and column of the lower part, closed by a solid line at its tip.
+VOID DrawBar(VOLTAGE_GAUGE* Gauge, INT64 Length)
+{
+    FillPixels(Gauge->Bar, gBarWidth * gBarHeight, gLabelBackColor);
+    const bool HasTip = Length > 0 && Length <= gBarWidth;
+    for (INT32 Row = gFirstDotRow; Row < gBarHeight; Row++) {
+        PIXEL* Line = Gauge->Bar + Row * gBarWidth;
+        for (INT32 Column = 0; Row % 2 == 0 && Column < gBarWidth && Column <= Length; Column += 2) {
+            Line[Column] = Gauge->Gradient[Column];
+        }
+        if (HasTip && Row > gFirstDotRow) {
+            Line[Length - 1] = Gauge->Gradient[Length - 1];
+        }
+    }
+}
+
+VOID OverlayCanvas(VOLTAGE_GAUGE* Gauge, const PIXEL* Picture, INT32 Width, INT32 Height, INT32 X, INT32 Y)
+{
+    if (Picture != nullptr) {
+        (void)OverlayBlt(Picture, Width, Height, Gauge->Canvas, gGaugeWidth, gGaugeHeight, X, Y, nullptr, nullptr, 0);
+    }
+}
+
+// The picture of a new value, but for the title.
+VOID PaintGauge(VOLTAGE_GAUGE* Gauge, UINT32 Digits, bool Last)
+{
+    CHAR16 Text[gValueTextLength];
+    FormatVolts(Text, Gauge->Value, Digits);
+    PIXEL* TextImage = nullptr;
+    UINT16 TextWidth = 0;
+    UINT16 TextHeight = 0;
+    if (Text[0] != 0) {
+        (void)StringToBlt(&gGaugeFrameColor, &gLabelBackColor, &TextImage, &TextWidth, &TextHeight, Text);
+    }
+    DrawGaugeFrame(Gauge, Last);
+    const INT64 Length = BarLength(Gauge);
+    DrawBar(Gauge, Length);
+    OverlayCanvas(Gauge, Gauge->Bar, gBarWidth, gBarHeight, gBarX, gBarY);
+    const INT64 TextX = Length - TextWidth + gTextGap;
+    OverlayCanvas(Gauge, TextImage, TextWidth, TextHeight, static_cast<INT32>(TextX < 0 ? -TextX : TextX), 0);
+    FreePool(TextImage);
+}
+
+} // namespace
 
 EFI_STATUS CreateVoltageGauge(VOLTAGE_GAUGE** Gauge, const CHAR16* Title, INT32 X)
 {
@@ -110,105 +213,6 @@ EFI_STATUS SetVoltageGaugeValue(VOLTAGE_GAUGE* Gauge, INT64 Value)
     Gauge->Unchanged = Value == Gauge->Value ? 1 : 0;
     Gauge->Value = static_cast<INT32>(Value);
     return EFI_SUCCESS;
-}
-
-static UINT32 CountDigits(INT32 Value)
-{
-    UINT32 Digits = 1;
-    for (INT32 Rest = Value / 10; Rest != 0; Rest /= 10) {
-        Digits++;
-    }
-    return Digits;
-}
-
-// The value in volts. FloatToString drops trailing zeros, and this puts back what is missing of the places behind the
-// point. Digits is the number of digits of the millivolts. An empty text for a value that gets none.
-static VOID FormatVolts(CHAR16 (&Text)[gValueTextLength], INT32 Value, UINT32 Digits)
-{
-    SetMem(Text, sizeof(Text), 0);
-    const CHAR16* Zeros = nullptr;
-    if (Value % 10 != 0) {
-        Zeros = u"";
-    } else if (Digits == 4 || Digits == 5) {
-        Zeros = Value % 100 != 0 ? u"0" : Value % 1000 == 0 ? u".000" : u"";
-    } else if (Digits == 3) {
-        Zeros = u"0";
-    } else if (Value == 0) {
-        AppendString(Text, u"0.000");
-        return;
-    }
-    if (Zeros == nullptr) {
-        return;
-    }
-    const FLOAT_WORD Volts = gFloatMath->FloatDivide(gFloatMath->IntToFloat(Value), gFloatMath->IntToFloat(1000));
-    (void)gFloatMath->FloatToString(Volts, Text, gNumberLength);
-    Text[gNumberLength] = 0;
-    AppendString(Text, Zeros);
-}
-
-static VOID DrawGaugeFrame(VOLTAGE_GAUGE* Gauge, bool Last)
-{
-    FillPixels(Gauge->Canvas, gGaugeWidth * gGaugeHeight, gLabelBackColor);
-    FillPixels(Gauge->Canvas + gTopLineRow * gGaugeWidth, gGaugeWidth, gGaugeFrameColor);
-    FillPixels(Gauge->Canvas + gBottomLineRow * gGaugeWidth, gGaugeWidth, gGaugeFrameColor);
-    for (INT32 Row = gTopLineRow + 1; Row < gBottomLineRow; Row++) {
-        PIXEL* Line = Gauge->Canvas + Row * gGaugeWidth;
-        Line[0] = gGaugeFrameColor;
-        if (Last) {
-            Line[gGaugeWidth - 1] = gGaugeFrameColor;
-        }
-    }
-}
-
-// Columns of the bar that the value takes.
-static INT64 BarLength(const VOLTAGE_GAUGE* Gauge)
-{
-    const FLOAT_WORD Part =
-        gFloatMath->FloatDivide(gFloatMath->IntToFloat(Gauge->Value), gFloatMath->IntToFloat(Gauge->Maximum));
-    return gFloatMath->FloatToInt(gFloatMath->FloatMultiply(Part, gFloatMath->IntToFloat(gBarWidth)));
-}
-
-// A field of dots on every second row and column of the lower part, closed by a solid line at its tip.
-static VOID DrawBar(VOLTAGE_GAUGE* Gauge, INT64 Length)
-{
-    FillPixels(Gauge->Bar, gBarWidth * gBarHeight, gLabelBackColor);
-    const bool HasTip = Length > 0 && Length <= gBarWidth;
-    for (INT32 Row = gFirstDotRow; Row < gBarHeight; Row++) {
-        PIXEL* Line = Gauge->Bar + Row * gBarWidth;
-        for (INT32 Column = 0; Row % 2 == 0 && Column < gBarWidth && Column <= Length; Column += 2) {
-            Line[Column] = Gauge->Gradient[Column];
-        }
-        if (HasTip && Row > gFirstDotRow) {
-            Line[Length - 1] = Gauge->Gradient[Length - 1];
-        }
-    }
-}
-
-static VOID OverlayCanvas(VOLTAGE_GAUGE* Gauge, const PIXEL* Picture, INT32 Width, INT32 Height, INT32 X, INT32 Y)
-{
-    if (Picture != nullptr) {
-        (void)OverlayBlt(Picture, Width, Height, Gauge->Canvas, gGaugeWidth, gGaugeHeight, X, Y, nullptr, nullptr, 0);
-    }
-}
-
-// The picture of a new value, but for the title.
-static VOID PaintGauge(VOLTAGE_GAUGE* Gauge, UINT32 Digits, bool Last)
-{
-    CHAR16 Text[gValueTextLength];
-    FormatVolts(Text, Gauge->Value, Digits);
-    PIXEL* TextImage = nullptr;
-    UINT16 TextWidth = 0;
-    UINT16 TextHeight = 0;
-    if (Text[0] != 0) {
-        (void)StringToBlt(&gGaugeFrameColor, &gLabelBackColor, &TextImage, &TextWidth, &TextHeight, Text);
-    }
-    DrawGaugeFrame(Gauge, Last);
-    const INT64 Length = BarLength(Gauge);
-    DrawBar(Gauge, Length);
-    OverlayCanvas(Gauge, Gauge->Bar, gBarWidth, gBarHeight, gBarX, gBarY);
-    const INT64 TextX = Length - TextWidth + gTextGap;
-    OverlayCanvas(Gauge, TextImage, TextWidth, TextHeight, static_cast<INT32>(TextX < 0 ? -TextX : TextX), 0);
-    FreePool(TextImage);
 }
 
 EFI_STATUS DrawVoltageGauge(VOLTAGE_GAUGE* Gauge, UINT8 FirstPaint, UINT8 Last)

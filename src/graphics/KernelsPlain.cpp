@@ -2,17 +2,32 @@
 
 namespace plain {
 
-static UINT8 Mix(UINT8 Destination, UINT8 Source, UINT32 Percent)
+namespace {
+
+UINT8 Mix(UINT8 Destination, UINT8 Source, UINT32 Percent)
 {
     return static_cast<UINT8>(((100 - Percent) * Destination + Percent * Source) / 100);
 }
 
-static VOID MixPixel(PIXEL* Dst, PIXEL Src, UINT32 Percent)
+VOID MixPixel(PIXEL* Dst, PIXEL Src, UINT32 Percent)
 {
     Dst->Blue = Mix(Dst->Blue, Src.Blue, Percent);
     Dst->Green = Mix(Dst->Green, Src.Green, Percent);
     Dst->Red = Mix(Dst->Red, Src.Red, Percent);
 }
+
+VOID ComposeChartPixel(PIXEL* Pixel, PIXEL Plotted, const CHART_LAYER_ROW& Series)
+{
+    if (Plotted.Reserved == LINE_CHART_FILL) {
+        Pixel->Blue = static_cast<UINT8>(Series.Blend.Blue + Pixel->Blue / 2);
+        Pixel->Green = static_cast<UINT8>(Series.Blend.Green + Pixel->Green / 2);
+        Pixel->Red = static_cast<UINT8>(Series.Blend.Red + Pixel->Red / 2);
+    } else if (Plotted.Reserved == LINE_CHART_LINE) {
+        *Pixel = Series.Line;
+    }
+}
+
+} // namespace
 
 VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
                    const PIXEL* Blend, UINT32 Percent)
@@ -90,17 +105,6 @@ VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height
         } else {
             Layer[I] = {Fill.Blue, Fill.Green, Fill.Red, LINE_CHART_FILL};
         }
-    }
-}
-
-static VOID ComposeChartPixel(PIXEL* Pixel, PIXEL Plotted, const CHART_LAYER_ROW& Series)
-{
-    if (Plotted.Reserved == LINE_CHART_FILL) {
-        Pixel->Blue = static_cast<UINT8>(Series.Blend.Blue + Pixel->Blue / 2);
-        Pixel->Green = static_cast<UINT8>(Series.Blend.Green + Pixel->Green / 2);
-        Pixel->Red = static_cast<UINT8>(Series.Blend.Red + Pixel->Red / 2);
-    } else if (Plotted.Reserved == LINE_CHART_LINE) {
-        *Pixel = Series.Line;
     }
 }
 

@@ -1,8 +1,8 @@
 #include "gui/core/Drag.h"
 
-UINT8 gDragLock = 0;
+namespace {
 
-static VOID EndDrag(const DRAG_BEATS& Beats, VOID* Control, UINT8* Started)
+VOID EndDrag(const DRAG_BEATS& Beats, VOID* Control, UINT8* Started)
 {
     gDragLock = 0;
     Beats.Drop(Control);
@@ -19,6 +19,10 @@ static VOID EndDrag(const DRAG_BEATS& Beats, VOID* Control, UINT8* Started)
         *Beats.UnderWay = 0;
     }
 }
+
+} // namespace
+
+UINT8 gDragLock = 0;
 
 EFI_STATUS StepDrag(const DRAG_BEATS& Beats)
 {
