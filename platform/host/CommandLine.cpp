@@ -237,11 +237,6 @@ bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Comman
     if (!Command->ScriptPath.empty()) {
         Command->Session.Window = false;
     }
-    const PANEL& Panel = Command->Session.Panel;
-    if (Command->Session.Window && (Panel.Width != gDisplayWidth || Panel.Height != gDisplayHeight)) {
-        *Error = "--panel: expected --headless or --script with a display of another size than 1024x768";
-        return false;
-    }
     if (!Command->Session.Window && !Command->Session.RecordPath.empty()) {
         *Error = "--record: expected a window, so neither --headless nor --script";
         return false;

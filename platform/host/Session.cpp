@@ -107,7 +107,7 @@ bool SESSION::Prepare()
             return Fail(DescribeScriptError(Script, Command.Line, "a simulated board"));
         }
     }
-    if (Options.Window && !Window.Open(Options.RecordPath, &Result.Error)) {
+    if (Options.Window && !Window.Open(Options.Panel, Options.RecordPath, &Result.Error)) {
         return false;
     }
     Player.KeepPictures = Options.KeepPictures;

@@ -12,6 +12,7 @@
 struct WINDOW {
     SDL_Window* Frame;
     SDL_Renderer* Renderer;
+    DISPLAY_SIZE Display;
     SDL_Texture* Picture;  // the display as it was last shown
     SDL_Texture* Enlarged; // Picture enlarged by whole numbers; null where Picture goes to the screen as it is
     DISPLAY_PLACE Place;
@@ -42,9 +43,6 @@ constexpr UINT64 gTurnAtRest = 16'000;
 constexpr UINT64 gMovingFor = 100'000;
 // A little less than a turn at rest, so that at rest every turn may show.
 constexpr UINT64 gLookInterval = 15'900;
-
-constexpr size_t gDisplayPixels = size_t{WINDOW_DISPLAY_WIDTH} * WINDOW_DISPLAY_HEIGHT;
-constexpr size_t gDisplayPitch = size_t{WINDOW_DISPLAY_WIDTH} * sizeof(UINT32);
 
 struct KEY_NAME {
     SDL_Keycode Symbol;
@@ -123,24 +121,22 @@ VOID AppendText(std::vector<EFI_INPUT_KEY>* Keys, const char* Text)
 }
 
 // The first size of the window: the display's own, twice that on a screen with room for it, and less on a small one.
-VOID ChooseSize(int* Width, int* Height)
+DISPLAY_SIZE ChooseSize(const DISPLAY_SIZE& Display)
 {
-    *Width = WINDOW_DISPLAY_WIDTH;
-    *Height = WINDOW_DISPLAY_HEIGHT;
     SDL_Rect Screen;
     if (SDL_GetDisplayUsableBounds(0, &Screen) != 0) {
-        return;
+        return Display;
     }
     // The usable area still has to hold the window's own title and border.
     constexpr int Border = 40;
-    if (Screen.w >= 2 * WINDOW_DISPLAY_WIDTH && Screen.h >= 2 * WINDOW_DISPLAY_HEIGHT + Border) {
-        *Width = 2 * WINDOW_DISPLAY_WIDTH;
-        *Height = 2 * WINDOW_DISPLAY_HEIGHT;
-    } else if (Screen.w < WINDOW_DISPLAY_WIDTH || Screen.h < WINDOW_DISPLAY_HEIGHT) {
-        const DISPLAY_PLACE Place = PlaceDisplay(Screen.w, Screen.h - Border);
-        *Width = Place.Width;
-        *Height = Place.Height;
+    if (Screen.w >= 2 * Display.Width && Screen.h >= 2 * Display.Height + Border) {
+        return {2 * Display.Width, 2 * Display.Height};
     }
+    if (Screen.w < Display.Width || Screen.h < Display.Height) {
+        const DISPLAY_PLACE Place = PlaceDisplay(Display, Screen.w, Screen.h - Border);
+        return {Place.Width, Place.Height};
+    }
+    return Display;
 }
 
 VOID TakeSizes(WINDOW* Window)
@@ -150,7 +146,7 @@ VOID TakeSizes(WINDOW* Window)
         Window->OutputWidth = Window->FrameWidth;
         Window->OutputHeight = Window->FrameHeight;
     }
-    Window->Place = PlaceDisplay(Window->OutputWidth, Window->OutputHeight);
+    Window->Place = PlaceDisplay(Window->Display, Window->OutputWidth, Window->OutputHeight);
 }
 
 VOID DestroyTextures(WINDOW* Window)
@@ -171,11 +167,12 @@ VOID DestroyTextures(WINDOW* Window)
 bool CreateTextures(WINDOW* Window)
 {
     const DISPLAY_PLACE& Place = Window->Place;
-    const bool Whole = Place.Width % WINDOW_DISPLAY_WIDTH == 0 && Place.Height % WINDOW_DISPLAY_HEIGHT == 0;
-    const bool Larger = Place.Width > WINDOW_DISPLAY_WIDTH;
+    const DISPLAY_SIZE& Display = Window->Display;
+    const bool Whole = Place.Width % Display.Width == 0 && Place.Height % Display.Height == 0;
+    const bool Larger = Place.Width > Display.Width;
 
     Window->Picture = SDL_CreateTexture(Window->Renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_STREAMING,
-                                        WINDOW_DISPLAY_WIDTH, WINDOW_DISPLAY_HEIGHT);
+                                        Display.Width, Display.Height);
     if (Window->Picture == nullptr) {
         return false;
     }
@@ -183,9 +180,9 @@ bool CreateTextures(WINDOW* Window)
     if (Whole || !Larger) {
         return true;
     }
-    const int Scale = (Place.Width + WINDOW_DISPLAY_WIDTH - 1) / WINDOW_DISPLAY_WIDTH;
+    const int Scale = (Place.Width + Display.Width - 1) / Display.Width;
     Window->Enlarged = SDL_CreateTexture(Window->Renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET,
-                                         Scale * WINDOW_DISPLAY_WIDTH, Scale * WINDOW_DISPLAY_HEIGHT);
+                                         Scale * Display.Width, Scale * Display.Height);
     if (Window->Enlarged != nullptr) {
         SDL_SetTextureScaleMode(Window->Enlarged, SDL_ScaleModeLinear);
     } else {
@@ -197,7 +194,8 @@ bool CreateTextures(WINDOW* Window)
 
 VOID Present(WINDOW* Window)
 {
-    SDL_UpdateTexture(Window->Picture, nullptr, Window->Shown.data(), static_cast<int>(gDisplayPitch));
+    SDL_UpdateTexture(Window->Picture, nullptr, Window->Shown.data(),
+                      Window->Display.Width * static_cast<int>(sizeof(UINT32)));
     SDL_Texture* Source = Window->Picture;
     if (Window->Enlarged != nullptr && SDL_SetRenderTarget(Window->Renderer, Window->Enlarged) == 0) {
         SDL_RenderCopy(Window->Renderer, Window->Picture, nullptr, nullptr);
@@ -223,7 +221,7 @@ VOID TakePointer(WINDOW* Window, int X, int Y)
         X = X * Window->OutputWidth / Window->FrameWidth;
         Y = Y * Window->OutputHeight / Window->FrameHeight;
     }
-    MapToDisplay(Window->Place, X, Y, &Window->PointerX, &Window->PointerY);
+    MapToDisplay(Window->Display, Window->Place, X, Y, &Window->PointerX, &Window->PointerY);
     SDL_ShowCursor(IsOnDisplay(Window->Place, X, Y) ? SDL_DISABLE : SDL_ENABLE);
 }
 
@@ -302,7 +300,7 @@ VOID TakeEvent(WINDOW* Window, const SDL_Event& Event, std::vector<EFI_INPUT_KEY
 
 } // namespace
 
-WINDOW* OpenWindow(const char* Title, const char** Error)
+WINDOW* OpenWindow(const char* Title, const DISPLAY_SIZE& Display, const char** Error)
 {
     // A click that brings the window to the front is meant for the console as well.
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
@@ -318,10 +316,8 @@ WINDOW* OpenWindow(const char* Title, const char** Error)
         SDL_QuitSubSystem(SDL_INIT_VIDEO);
         return nullptr;
     }
-    int Width = 0;
-    int Height = 0;
-    ChooseSize(&Width, &Height);
-    SDL_Window* Frame = SDL_CreateWindow(Title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, Width, Height,
+    const DISPLAY_SIZE Size = ChooseSize(Display);
+    SDL_Window* Frame = SDL_CreateWindow(Title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, Size.Width, Size.Height,
                                          SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     // Without vertical sync: a present that waits for the screen would hold the console's turn back.
     SDL_Renderer* Renderer = Frame == nullptr ? nullptr : SDL_CreateRenderer(Frame, -1, SDL_RENDERER_ACCELERATED);
@@ -341,9 +337,10 @@ WINDOW* OpenWindow(const char* Title, const char** Error)
     WINDOW* Window = new WINDOW{};
     Window->Frame = Frame;
     Window->Renderer = Renderer;
-    Window->PointerX = WINDOW_DISPLAY_WIDTH / 2;
-    Window->PointerY = WINDOW_DISPLAY_HEIGHT / 2;
-    Window->Shown.resize(gDisplayPixels);
+    Window->Display = Display;
+    Window->PointerX = Display.Width / 2;
+    Window->PointerY = Display.Height / 2;
+    Window->Shown.resize(static_cast<size_t>(Display.Width) * static_cast<size_t>(Display.Height));
     Window->Stale = true;
     Window->TexturesStale = true;
     Window->LastTurn = HostMicroseconds();
@@ -409,9 +406,9 @@ VOID ShowDisplay(WINDOW* Window, const UINT32* Pixels)
         return;
     }
     Window->LastLook = Now;
-    const bool Changed = std::memcmp(Window->Shown.data(), Pixels, gDisplayPixels * sizeof(UINT32)) != 0;
+    const bool Changed = !std::equal(Window->Shown.begin(), Window->Shown.end(), Pixels);
     if (Changed) {
-        std::memcpy(Window->Shown.data(), Pixels, gDisplayPixels * sizeof(UINT32));
+        std::copy_n(Pixels, Window->Shown.size(), Window->Shown.begin());
         Window->LastChange = Now;
     }
     if (Window->TexturesStale) {
@@ -447,21 +444,21 @@ VOID PaceWindow(WINDOW* Window)
 
 UINT64 TurnInterval(UINT64 SinceChange) { return SinceChange < gMovingFor ? gTurnWhileMoving : gTurnAtRest; }
 
-DISPLAY_PLACE PlaceDisplay(int Width, int Height)
+DISPLAY_PLACE PlaceDisplay(const DISPLAY_SIZE& Display, int Width, int Height)
 {
     Width = std::max(Width, 1);
     Height = std::max(Height, 1);
     INT64 PlaceWidth = Width;
-    INT64 PlaceHeight = INT64{Width} * WINDOW_DISPLAY_HEIGHT / WINDOW_DISPLAY_WIDTH;
+    INT64 PlaceHeight = INT64{Width} * Display.Height / Display.Width;
     if (PlaceHeight > Height) {
         PlaceHeight = Height;
-        PlaceWidth = INT64{Height} * WINDOW_DISPLAY_WIDTH / WINDOW_DISPLAY_HEIGHT;
+        PlaceWidth = INT64{Height} * Display.Width / Display.Height;
     }
     // Hard pixels are worth a border of up to a sixteenth of the picture.
-    const INT64 Scale = PlaceWidth / WINDOW_DISPLAY_WIDTH;
-    if (Scale >= 1 && PlaceWidth - Scale * WINDOW_DISPLAY_WIDTH <= PlaceWidth / 16) {
-        PlaceWidth = Scale * WINDOW_DISPLAY_WIDTH;
-        PlaceHeight = Scale * WINDOW_DISPLAY_HEIGHT;
+    const INT64 Scale = PlaceWidth / Display.Width;
+    if (Scale >= 1 && PlaceWidth - Scale * Display.Width <= PlaceWidth / 16) {
+        PlaceWidth = Scale * Display.Width;
+        PlaceHeight = Scale * Display.Height;
     }
     PlaceWidth = std::max<INT64>(PlaceWidth, 1);
     PlaceHeight = std::max<INT64>(PlaceHeight, 1);
@@ -471,15 +468,16 @@ DISPLAY_PLACE PlaceDisplay(int Width, int Height)
             .Height = static_cast<int>(PlaceHeight)};
 }
 
-VOID MapToDisplay(const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX, INT32* DisplayY)
+VOID MapToDisplay(const DISPLAY_SIZE& Display, const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX,
+                  INT32* DisplayY)
 {
     const INT64 FromLeft = INT64{X} - Place.X;
     const INT64 FromTop = INT64{Y} - Place.Y;
     // Clamped before the division: it rounds towards zero, and a point just outside must not land inside.
     const INT64 Column = std::clamp<INT64>(FromLeft, 0, Place.Width - 1);
     const INT64 Row = std::clamp<INT64>(FromTop, 0, Place.Height - 1);
-    *DisplayX = static_cast<INT32>(Column * WINDOW_DISPLAY_WIDTH / Place.Width);
-    *DisplayY = static_cast<INT32>(Row * WINDOW_DISPLAY_HEIGHT / Place.Height);
+    *DisplayX = static_cast<INT32>(Column * Display.Width / Place.Width);
+    *DisplayY = static_cast<INT32>(Row * Display.Height / Place.Height);
 }
 
 bool IsOnDisplay(const DISPLAY_PLACE& Place, int X, int Y)

@@ -9,8 +9,11 @@
 
 #include "uefi/SystemTable.h"
 
-constexpr int WINDOW_DISPLAY_WIDTH = 1024;
-constexpr int WINDOW_DISPLAY_HEIGHT = 768;
+// A display's size in pixels.
+struct DISPLAY_SIZE {
+    int Width;
+    int Height;
+};
 
 struct WINDOW;
 
@@ -25,9 +28,9 @@ struct WINDOW_INPUT {
     std::vector<EFI_INPUT_KEY> Keys; // in the order typed; those of this turn alone
 };
 
-// Opens a window with the title Title (UTF-8). Null when there is no screen to open it on, and *Error then says why,
+// Opens a window with the title Title (UTF-8) for a display of that size. Null when there is no screen to open it on, and *Error then says why,
 // valid until the next call. A process has one window at a time.
-WINDOW* OpenWindow(const char* Title, const char** Error);
+WINDOW* OpenWindow(const char* Title, const DISPLAY_SIZE& Display, const char** Error);
 
 VOID CloseWindow(WINDOW* Window);
 
@@ -38,7 +41,7 @@ VOID CloseWindow(WINDOW* Window);
 // to close the window.
 bool PumpWindow(WINDOW* Window, WINDOW_INPUT* Input);
 
-// Shows the display: WINDOW_DISPLAY_HEIGHT rows of WINDOW_DISPLAY_WIDTH words in the display's order (blue lowest).
+// Shows the display: its rows back to back, in words of the display's order (blue lowest).
 // Cheap to call in every turn: the screen is touched about 60 times a second at most, and only when the picture or the
 // window changed.
 VOID ShowDisplay(WINDOW* Window, const UINT32* Pixels);
@@ -61,10 +64,11 @@ struct DISPLAY_PLACE {
 
 // The largest place of the display's shape in the middle of an area of Width by Height pixels; a whole multiple of the
 // display's size where that costs little of it. Never empty, even where the area is.
-DISPLAY_PLACE PlaceDisplay(int Width, int Height);
+DISPLAY_PLACE PlaceDisplay(const DISPLAY_SIZE& Display, int Width, int Height);
 
 // The display pixel under the point (X, Y) of the output area; a point beside the picture gives the nearest pixel.
-VOID MapToDisplay(const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX, INT32* DisplayY);
+VOID MapToDisplay(const DISPLAY_SIZE& Display, const DISPLAY_PLACE& Place, int X, int Y, INT32* DisplayX,
+                  INT32* DisplayY);
 
 // True where the point lies on the picture.
 bool IsOnDisplay(const DISPLAY_PLACE& Place, int X, int Y);

@@ -4,10 +4,11 @@
 
 WINDOW_DRIVER::~WINDOW_DRIVER() { (void)Close(); }
 
-bool WINDOW_DRIVER::Open(const std::string& RecordPath, std::string* Error)
+bool WINDOW_DRIVER::Open(const PANEL& Panel, const std::string& RecordPath, std::string* Error)
 {
     const char* Reason = nullptr;
-    mWindow = OpenWindow("Ventara", &Reason);
+    mPlace = PlacePicture(Panel.Width, Panel.Height);
+    mWindow = OpenWindow("Ventara", {static_cast<int>(Panel.Width), static_cast<int>(Panel.Height)}, &Reason);
     if (mWindow == nullptr) {
         *Error = std::string("no window: ") + (Reason == nullptr ? "unknown reason" : Reason);
         return false;
@@ -25,11 +26,17 @@ bool WINDOW_DRIVER::Open(const std::string& RecordPath, std::string* Error)
 VOID WINDOW_DRIVER::BeginTurn(BOOT& Boot)
 {
     // The input is taken after the pause, so that the turn sees it fresh.
+    Boot.SettleDisplay();
     ShowDisplay(mWindow, Boot.Display.Words());
     PaceWindow(mWindow);
     (void)PumpWindow(mWindow, &mInput);
-    Boot.Pointer.State = {.X = mInput.PointerX,
-                          .Y = mInput.PointerY,
+    INT64 X = 0;
+    INT64 Y = 0;
+    PictureAt(mPlace, mInput.PointerX, mInput.PointerY, &X, &Y);
+    mInput.PointerX = static_cast<INT32>(X); // for the record, which has the console's pixels
+    mInput.PointerY = static_cast<INT32>(Y);
+    Boot.Pointer.State = {.X = X,
+                          .Y = Y,
                           .Left = static_cast<UINT8>(mInput.Left ? 1 : 0),
                           .Right = static_cast<UINT8>(mInput.Right ? 1 : 0)};
     for (const EFI_INPUT_KEY& Key : mInput.Keys) {

@@ -17,6 +17,8 @@ constexpr UINT64 gMostTurns = 4000; // then the person gives up
 // press, may last longer than a click. Sensors can't be read, so that the picture depends on nothing but what was clicked.
 struct PERSON {
     bool AtWindow = true;
+    SDL_Point Tab = {424, 150}; // in full screen
+    SDL_Point Box = {296, 242};
     UINT64 Turn = 0;
     UINT64 Left = 0; // the turn in which to leave
     bool SawSamePixels = false;
@@ -46,11 +48,11 @@ struct PERSON {
             SawSamePixels = SawSamePixels || ShowsTheDisplay();
         }
         if (Turn >= gRound && Left == 0) {
-            Click(0, 424, 150);
-            Click(gRound / 2, 296, 242);
+            Click(0, Tab);
+            Click(gRound / 2, Box);
         }
     }
-    VOID Click(UINT64 First, int X, int Y) const
+    VOID Click(UINT64 First, SDL_Point Place) const
     {
         SDL_Event Mouse{};
         if (Turn % gRound == First) {
@@ -59,15 +61,15 @@ struct PERSON {
                             .windowID = 0,
                             .which = 0,
                             .state = 0,
-                            .x = X,
-                            .y = Y,
+                            .x = Place.x,
+                            .y = Place.y,
                             .xrel = 0,
                             .yrel = 0};
             SDL_PushEvent(&Mouse);
         } else if (Turn % gRound == First + 4) {
             Mouse.button.button = SDL_BUTTON_LEFT;
-            Mouse.button.x = X;
-            Mouse.button.y = Y;
+            Mouse.button.x = Place.x;
+            Mouse.button.y = Place.y;
             for (const UINT32 Type : {SDL_MOUSEBUTTONDOWN, SDL_MOUSEBUTTONUP}) {
                 Mouse.type = Type;
                 Mouse.button.state = Type == SDL_MOUSEBUTTONDOWN ? SDL_PRESSED : SDL_RELEASED;
@@ -101,20 +103,43 @@ SESSION_OPTIONS OptionsOf(PERSON* Person)
     return Options;
 }
 
+// A session at the window, recorded and played back on an ordinary display.
+struct RECORDED {
+    const TestFolder Folder;
+    SESSION_RESULT Live;
+    SESSION_RESULT Played;
+
+    RECORDED(PERSON* Person, const PANEL& Panel)
+    {
+        setenv("SDL_VIDEODRIVER", "dummy", 1);
+        SESSION_OPTIONS Options = OptionsOf(Person);
+        Options.Window = true;
+        Options.Panel = Panel;
+        Options.RecordPath = Folder.File("recorded");
+        Live = RunSession(Options);
+        unsetenv("SDL_VIDEODRIVER");
+        EXPECT_EQ(Live.Error, "");
+        EXPECT_EQ(Live.Status, EFI_SUCCESS);
+        EXPECT_EQ(CallsNamed(ParseTrace(Live.Trace), "SetFan5Setting").size(), 1u)
+            << "the box of the page that the click brought up";
+
+        std::string Recorded;
+        EXPECT_TRUE(ReadWholeFile(Options.RecordPath, &Recorded));
+        PERSON Nobody{.AtWindow = false};
+        SESSION_OPTIONS Again = OptionsOf(&Nobody);
+        Again.Script = Recorded;
+        Played = RunSession(Again);
+        EXPECT_EQ(Played.Error, "");
+    }
+};
+
 } // namespace
 
 TEST(WindowSession, ShowsTheDisplaysPixelsTakesMouseAndKeysAndPlaysBackAsItWasRecorded)
 {
-    const TestFolder Folder;
-    setenv("SDL_VIDEODRIVER", "dummy", 1);
     PERSON Person;
-    SESSION_OPTIONS Options = OptionsOf(&Person);
-    Options.Window = true;
-    Options.RecordPath = Folder.File("recorded");
-    const SESSION_RESULT Live = RunSession(Options);
-    unsetenv("SDL_VIDEODRIVER");
-    ASSERT_EQ(Live.Error, "");
-    EXPECT_EQ(Live.Status, EFI_SUCCESS);
+    const RECORDED Recorded(&Person, {});
+    const SESSION_RESULT& Live = Recorded.Live;
     EXPECT_TRUE(Person.SawSamePixels) << "in full screen, every pixel in its colour";
 
     // On the machine's clock: turns of 4 ms at least, and the tick of 200 ms in nearly that time.
@@ -127,16 +152,22 @@ TEST(WindowSession, ShowsTheDisplaysPixelsTakesMouseAndKeysAndPlaysBackAsItWasRe
     }
     EXPECT_GE(Ticks, 2u);
     EXPECT_LE(Ticks, Microseconds / 200000);
-    ASSERT_EQ(CallsNamed(Calls, "SetFan5Setting").size(), 1u) << "the box of the page that the click brought up";
+    ExpectSamePicture(Live.Display, Recorded.Played.Display);
+}
 
-    std::string Recorded;
-    ASSERT_TRUE(ReadWholeFile(Options.RecordPath, &Recorded));
-    PERSON Nobody{.AtWindow = false};
-    SESSION_OPTIONS Again = OptionsOf(&Nobody);
-    Again.Script = Recorded;
-    const SESSION_RESULT Played = RunSession(Again);
-    ASSERT_EQ(Played.Error, "");
-    ExpectSamePicture(Live.Display, Played.Display);
+// 1280 by 1024 pixels, 128 of them on each side of the console's picture, at three quarters in the middle of the dummy screen.
+TEST(WindowSession, ShowsAWholePanelAndPointsAtTheConsolesPixelsOnIt)
+{
+    PERSON Person{.Tab = {32 + (128 + 424) * 3 / 4, (128 + 150) * 3 / 4},
+                  .Box = {32 + (128 + 296) * 3 / 4, (128 + 242) * 3 / 4}};
+    const RECORDED Recorded(&Person, {1280, 1024, PANEL_BLT_ONLY});
+    ASSERT_EQ(Recorded.Live.Display.size(), UINTN{1280} * 1024);
+    PICTURE Middle;
+    for (UINTN Row = 0; Row < gDisplayHeight; Row++) {
+        const UINT32* From = Recorded.Live.Display.data() + (128 + Row) * 1280 + 128;
+        Middle.insert(Middle.end(), From, From + gDisplayWidth);
+    }
+    ExpectSamePicture(Middle, Recorded.Played.Display);
 }
 
 TEST(WindowSession, SaysThatThereIsNoScreenAndStartsNothing)

@@ -15,7 +15,7 @@ protected:
     {
         setenv("SDL_VIDEODRIVER", "dummy", 1);
         const char* Error = nullptr;
-        Window = OpenWindow("Test", &Error);
+        Window = OpenWindow("Test", {1024, 768}, &Error);
         EXPECT_NE(Window, nullptr) << Error;
         PumpWindow(Window, &Input); // what the opening brought
     }
@@ -179,6 +179,7 @@ TEST(PlaceDisplay, KeepsTheShapeInTheMiddleOfAnyArea)
     struct CASE {
         int AreaWidth, AreaHeight;
         DISPLAY_PLACE Place;
+        DISPLAY_SIZE Display = {1024, 768};
     };
     constexpr CASE Cases[] = {
         {1024, 768, {0, 0, 1024, 768}},
@@ -188,9 +189,11 @@ TEST(PlaceDisplay, KeepsTheShapeInTheMiddleOfAnyArea)
         {1080, 1920, {28, 576, 1024, 768}}, // a whole multiple is worth a narrow border
         {3840, 2160, {480, 0, 2880, 2160}}, // 2.8 times: too much to give up for 2
         {100, 0, {49, 0, 1, 1}},            // minimised
+        {1024, 768, {0, 96, 1024, 576}, {3840, 2160}},
+        {1300, 1000, {10, 20, 1280, 960}, {640, 480}},
     };
     for (const CASE& Case : Cases) {
-        const DISPLAY_PLACE Place = PlaceDisplay(Case.AreaWidth, Case.AreaHeight);
+        const DISPLAY_PLACE Place = PlaceDisplay(Case.Display, Case.AreaWidth, Case.AreaHeight);
         EXPECT_EQ(Place.X, Case.Place.X) << Case.AreaWidth << " by " << Case.AreaHeight;
         EXPECT_EQ(Place.Y, Case.Place.Y) << Case.AreaWidth << " by " << Case.AreaHeight;
         EXPECT_EQ(Place.Width, Case.Place.Width) << Case.AreaWidth << " by " << Case.AreaHeight;
@@ -214,7 +217,7 @@ TEST(MapToDisplay, GivesThePixelUnderThePointAndTheNearestForAPointBeside)
     for (const CASE& Case : Cases) {
         INT32 DisplayX = -1;
         INT32 DisplayY = -1;
-        MapToDisplay(Doubled, Case.X, Case.Y, &DisplayX, &DisplayY);
+        MapToDisplay({1024, 768}, Doubled, Case.X, Case.Y, &DisplayX, &DisplayY);
         EXPECT_EQ(DisplayX, Case.DisplayX) << Case.X << ", " << Case.Y;
         EXPECT_EQ(DisplayY, Case.DisplayY) << Case.X << ", " << Case.Y;
         EXPECT_EQ(IsOnDisplay(Doubled, Case.X, Case.Y), Case.On) << Case.X << ", " << Case.Y;
