@@ -102,7 +102,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
     Options.Script = WriteScript(Input);
     Options.Entry = _ModuleEntryPoint;
     Options.KeepPictures = false;
-    Options.LowTextPictures = true; // several times as many turns in the same time
     Options.Failures.Call = LookAtTurn;
     gWatch = {};
     RestoreConsoleGlobals();

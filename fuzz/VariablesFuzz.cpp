@@ -62,7 +62,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* Data, size_t Size)
         "tick 2\nkey esc\nturn\nstart\ntick 4\npointer 420 150\nturn 2\nleft down\nturn 2\nadvance 100000\n"
         "left up\nturn 3\ntick 3\n";
     Options.Entry = StartFresh;
-    Options.LowTextPictures = true; // several times as many runs in the same time
     Options.Failures = {.Call = AtCall, .Allocation = nullptr, .Context = &Rewriter};
     const SESSION_RESULT Result = RunSession(Options);
     if (!Result.Error.empty() || Result.Status != EFI_SUCCESS || !Result.Leaks.empty() || !Result.Complaints.empty() ||

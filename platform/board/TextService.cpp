@@ -5,6 +5,9 @@
 namespace {
 
 constexpr EFI_HII_OUT_FLAGS gNeededFlags = EFI_HII_IGNORE_IF_NO_GLYPH | EFI_HII_IGNORE_LINE_BREAK;
+constexpr UINTN gRoomyWidth = 800;
+constexpr UINTN gRoomyHeight = 600;
+constexpr UINTN gMostGlyphs = gRoomyWidth / SYSTEM_FONT_WIDTH; // of a row in a wide picture
 constexpr PIXEL gSystemForeground = {0x98, 0x98, 0x98, 0};
 constexpr PIXEL gSystemBackground = {0, 0, 0, 0};
 
@@ -107,7 +110,7 @@ EFI_STATUS RenderText(const TEXT_MEANS& Means, EFI_HII_OUT_FLAGS Flags, const CH
 
     const bool Wide = RowInfoArray != nullptr;
     const TEXT_WALK Start = {.String = String,
-                             .MostGlyphs = Wide ? gWideImageWidth / SYSTEM_FONT_WIDTH : ~UINTN{0},
+                             .MostGlyphs = Wide ? gMostGlyphs : ~UINTN{0},
                              .Wraps = (Flags & EFI_HII_OUT_FLAG_WRAP) != 0,
                              .RowInfo = nullptr};
     TEXT_WALK Walk = Start;
@@ -121,10 +124,11 @@ EFI_STATUS RenderText(const TEXT_MEANS& Means, EFI_HII_OUT_FLAGS Flags, const CH
             return EFI_OUT_OF_RESOURCES;
         }
     }
-    const UINTN RowsHeight = RowCount * SYSTEM_FONT_HEIGHT;
-    EFI_IMAGE_OUTPUT* Image =
-        Wide ? CreateImage(Means, gWideImageWidth, Means.WideHeight != 0 ? Means.WideHeight : RowsHeight)
-             : CreateImage(Means, Walk.Count * SYSTEM_FONT_WIDTH, RowsHeight);
+    // A row that isn't the last is full.
+    const UINTN Longest = RowCount > 1 ? gMostGlyphs : Walk.Count;
+    EFI_IMAGE_OUTPUT* Image = Wide && Means.Roomy ? CreateImage(Means, gRoomyWidth, gRoomyHeight)
+                                                  : CreateImage(Means, (Longest + (Wide ? 1 : 0)) * SYSTEM_FONT_WIDTH,
+                                                                RowCount * SYSTEM_FONT_HEIGHT);
     if (Image == nullptr) {
         if (Wide) {
             Means.Free(RowInfo);

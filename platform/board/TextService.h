@@ -3,21 +3,20 @@
 // sign which the boards' strings mean by it. So the same text has the same pixels in every world.
 //
 // The picture is made from pool, in one of the two forms that firmwares in the field give: with row information asked for,
-// a wide one, 800 pixels wide, of which only the rows' cells are painted (what is beside them is zero, wider lines are
-// wrapped or cut); without it, one of the text's own size. Line breaks and characters without a glyph are passed over.
+// one that is wider than the text, of which only the rows' cells are painted (what is beside them is zero, lines of more
+// than 800 pixels are wrapped or cut); without it, one of the text's own size. Line breaks and characters without a glyph are passed over.
 #pragma once
 
 #include "shell/contract/Screen.h"
 #include "uefi/Hii.h"
 
-constexpr UINT16 gWideImageWidth = 800;
-constexpr UINT16 gWideImageHeight = 600;
-
 // Where the pictures come from.
 struct TEXT_MEANS {
     VOID* (*Allocate)(UINTN Size); // a pool block, all bytes zero; null without pool
     VOID (*Free)(VOID* Block);
-    UINTN WideHeight; // of a wide picture; 0: as high as the text's rows, so that nothing lies below them
+    // A wide picture is 800 by 600 pixels, as most firmwares give it whatever the text. Else it is a cell wider than the
+    // longest row and as high as the rows: to clear 1.9 MB for a number takes many times as long as the number.
+    bool Roomy = false;
 };
 
 // EFI_INVALID_PARAMETER for a null string or Blt; EFI_UNSUPPORTED for a picture of the caller's and flags that nobody

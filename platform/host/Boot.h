@@ -42,11 +42,11 @@ struct BOOT_OPTIONS {
     std::vector<EFI_GUID> Hidden = {};  // protocols that aren't there
     const UINT8* ArtworkPack = nullptr; // the pack that the build made, or a test's own
     UINTN ArtworkPackSize = 0;
-    UINT64 TimerAtStart = 0;      // what the CPU's timer shows when the machine is switched on
-    UINT64 TimerPeriod = 1000000; // femtoseconds of one of its ticks
-    UINT64 CountAtStart = 0;      // and the monotonic count
-    bool LowTextPictures = false; // see platform/board/TextService.h
-    PANEL Panel = {};             // the display; the console sees 1024 by 768 whatever it is
+    UINT64 TimerAtStart = 0;        // what the CPU's timer shows when the machine is switched on
+    UINT64 TimerPeriod = 1000000;   // femtoseconds of one of its ticks
+    UINT64 CountAtStart = 0;        // and the monotonic count
+    bool RoomyTextPictures = false; // see platform/board/TextService.h
+    PANEL Panel = {};               // the display; the console sees 1024 by 768 whatever it is
 };
 
 struct POINTER_STATE {

@@ -41,10 +41,8 @@ EFI_STATUS StringToImage(const EFI_HII_FONT_PROTOCOL*, EFI_HII_OUT_FLAGS Flags, 
                          const EFI_FONT_DISPLAY_INFO* Information, EFI_IMAGE_OUTPUT** Image, UINTN, UINTN,
                          EFI_HII_ROW_INFO** Rows, UINTN* RowCount, UINTN*)
 {
-    const TEXT_MEANS Means = {.Allocate = AllocateForText,
-                              .Free = FreeForText,
-                              .WideHeight = gBoot->Options().LowTextPictures ? 0u : gWideImageHeight};
-    return RenderText(Means, Flags, String, Information, Image, Rows, RowCount);
+    return RenderText({.Allocate = AllocateForText, .Free = FreeForText, .Roomy = gBoot->Options().RoomyTextPictures},
+                      Flags, String, Information, Image, Rows, RowCount);
 }
 
 // Members of the font protocol's family: present on every board, and nobody here calls them.

@@ -128,7 +128,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Machine.TimerAtStart = Options.TimerAtStart;
     Machine.TimerPeriod = Options.TimerPeriod;
     Machine.CountAtStart = Options.CountAtStart;
-    Machine.LowTextPictures = Options.LowTextPictures;
+    Machine.RoomyTextPictures = Options.RoomyTextPictures;
     Machine.ArtworkPack = Options.ArtworkPack != nullptr ? Options.ArtworkPack : gArtworkPack;
     Machine.ArtworkPackSize = Options.ArtworkPack != nullptr ? Options.ArtworkPackSize : gArtworkPackSize;
     Boot = std::make_unique<BOOT>(Machine);

@@ -48,10 +48,9 @@ struct SESSION_OPTIONS {
     UINT64 PoolLimit = 0; // the allocation of a start from which on all fail; 0: none
     UINT64 PoolFail = 0;  // the one that fails alone; 0: none
 
-    UINTN PoolFillLimit = ~0ull; // see POOL
-    bool LowTextPictures =
-        false; // the font service's pictures are only as high as their text, see platform/board/TextService.h
-    FAILURE_PLAN Failures; // while the console runs
+    UINTN PoolFillLimit = ~0ull;    // see POOL
+    bool RoomyTextPictures = false; // see platform/board/TextService.h
+    FAILURE_PLAN Failures;          // while the console runs
 
     // The console: an entry point in this process, or an image; by default the one that FindConsoleImage finds. An entry
     // point in this process finds its globals as the start before left them.

@@ -250,7 +250,6 @@ SCENE::SCENE(const std::string& Board)
 {
     Options.Board = Board;
     Options.KeepTrace = true;
-    Options.LowTextPictures = true; // filling whole ones would take most of a scene
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
 }
 
@@ -393,7 +392,6 @@ std::vector<RUN> PlayWithoutOneComponent(SCENE Scene)
     Scene.Options.TracePool = true;
     const std::vector<CALL_LINE> Allocations = Scene.Play().Named("AllocatePool");
     Scene.Options.TracePool = false;
-    Scene.Options.LowTextPictures = true; // dozens of runs, which sanitizers make slow
     std::vector<RUN> Runs;
     for (const CALL_LINE& Call : Allocations) {
         if (Call.Number("bytes") == sizeof(GUI_COMPONENT)) {

@@ -10,7 +10,6 @@ TEST(GaugeSampling, FollowsAStepAtWhicheverTickItComes)
     constexpr int Steps = 56;
     constexpr UINT64 TicksOfAStep = 29;
     SCENE Scene;
-    Scene.Options.LowTextPictures = true;
     for (int Step = 0; Step < Steps; Step++) {
         for (int Number = 0; Number < 7; Number++) {
             // 3.101 volts on the first gauge after the first step, 3.102 on the second, 3.111 on the first after the second.

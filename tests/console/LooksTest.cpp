@@ -183,11 +183,11 @@ TEST(Looks, TheFormInWhichAFirmwareHandsOutTextsIsNotToBeSeen)
 {
     SCENE Scene;
     Scene.Ticks(3).Tab(9).Ticks(3).Screenshot("page").Button(HELP).Turns(3).Screenshot("help");
-    const RUN High = Scene.Play();
-    Scene.Options.LowTextPictures = true;
-    const RUN Low = Scene.Play();
+    const RUN Close = Scene.Play();
+    Scene.Options.RoomyTextPictures = true;
+    const RUN Roomy = Scene.Play();
     for (const char* Name : {"page", "help"}) {
-        ExpectSamePicture(High.Picture(Name), Low.Picture(Name));
+        ExpectSamePicture(Close.Picture(Name), Roomy.Picture(Name));
     }
 }
 

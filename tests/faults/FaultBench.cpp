@@ -97,7 +97,6 @@ SESSION_OPTIONS OptionsOf(const SCENARIO& Scenario, bool Settles = true, bool Ke
     Options.Script = ScriptOf(Scenario, Settles);
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
     Options.PoolFillLimit = gPoolFillLimit;
-    Options.LowTextPictures = true;
     Options.KeepDisplay = KeepDisplay;
     return Options;
 }

@@ -263,7 +263,6 @@ TEST_P(Letters, LeaveNothingThatContradictsAnythingElse)
     Options.Script = WriteGestures(*gSweep.Page);
     Options.Entry = _ModuleEntryPoint;
     Options.KeepPictures = false;
-    Options.LowTextPictures = true;
     Options.Failures.Call = OnCall;
     const SESSION_RESULT Result = RunSession(Options);
     std::string Text = Result.Error;

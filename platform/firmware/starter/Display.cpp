@@ -142,9 +142,8 @@ EFI_STATUS StringToImage(const EFI_HII_FONT_PROTOCOL*, EFI_HII_OUT_FLAGS Flags, 
                          const EFI_FONT_DISPLAY_INFO* Information, EFI_IMAGE_OUTPUT** Image, UINTN, UINTN,
                          EFI_HII_ROW_INFO** Rows, UINTN* RowCount, UINTN*)
 {
-    // Low pictures: to clear 800 by 600 pixels for a number takes longer than the number.
-    return RenderText({.Allocate = AllocateForText, .Free = FreeForText, .WideHeight = 0}, Flags, String, Information,
-                      Image, Rows, RowCount);
+    return RenderText({.Allocate = AllocateForText, .Free = FreeForText}, Flags, String, Information, Image, Rows,
+                      RowCount);
 }
 
 constexpr EFI_HII_FONT_PROTOCOL gOwnFont = {
