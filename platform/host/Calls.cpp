@@ -234,6 +234,7 @@ template <UINTN Guid> VOID CoverFound(const CROSSED_CALL& Call)
 
 bool Never(const CROSSED_CALL&) { return false; }
 bool WithPool(const CROSSED_CALL& Call) { return Call.Boot.Trace.Pool; }
+bool WithBlts(const CROSSED_CALL& Call) { return Call.Boot.Trace.Blts; }
 bool OnSuccess(const CROSSED_CALL& Call) { return !EfiError(Call.Status); }
 bool OnceInAStart(const CROSSED_CALL& Call) { return Call.Boot.Crossing.IsFirstLimitsCall(); }
 
@@ -322,7 +323,7 @@ constexpr CALL_FACTS gCalls[] = {
     {Of<CALL_BLT, &EFI_GRAPHICS_OUTPUT_PROTOCOL::Blt>("Blt"),
      {EFI_DEVICE_ERROR, EFI_INVALID_PARAMETER}, {},
      {{"operation", 2, WriteOperation}, {"x", 5, WritePlace}, {"y", 6, WritePlace}, {"width", 7}, {"height", 8},
-      {"delta", 9}}},
+      {"delta", 9}}, WithBlts},
     {Of<CALL_STRING_TO_IMAGE, &EFI_HII_FONT_PROTOCOL::StringToImage>("StringToImage"),
      {EFI_OUT_OF_RESOURCES, EFI_INVALID_PARAMETER, EFI_NOT_FOUND}, {{4}, {7}, {8}}, {{"text", 2}}},
     {Of<CALL_GET_TIMER_VALUE, &EFI_CPU_ARCH_PROTOCOL::GetTimerValue>("GetTimerValue"),

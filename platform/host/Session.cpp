@@ -142,6 +142,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     } else {
         Boot->Trace.Keep = Options.KeepTrace;
         Boot->Trace.Pool = Options.TracePool;
+        Boot->Trace.Blts = Options.TraceBlts;
         Boot->Trace.File = Options.TraceFile;
     }
     Boot->Trace.Clock = &Boot->Clock;

@@ -35,6 +35,7 @@ struct SESSION_OPTIONS {
     bool KeepDisplay = true;   // what the display shows at the end comes back
     bool KeepTrace = false;    // the lines come back in the result
     bool TracePool = false;    // pool calls too, and who owns what is left over in more detail
+    bool TraceBlts = true;     // without them a start's trace is a tenth as long
     FILE* TraceFile = nullptr; // the lines go there too
 
     // What the CPU's timer and the monotonic count show when the machine is switched on: for tests in which they go over

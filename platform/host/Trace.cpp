@@ -1,43 +1,51 @@
 #include "platform/host/Trace.h"
 
+#include <charconv>
+#include <iterator>
+
 #include "platform/host/HostText.h"
 
-VOID TRACE::Write(std::string&& Line)
+TRACE_LINE::TRACE_LINE(TRACE* Trace, const char* Call) : mTrace(Trace), mLine(Trace->Line)
 {
-    if (File != nullptr) {
-        std::fwrite(Line.data(), 1, Line.size(), File);
-        std::fputc('\n', File);
-    }
-    if (Keep) {
-        Lines.push_back(std::move(Line));
-    }
-}
-
-TRACE_LINE::TRACE_LINE(TRACE* Trace, const char* Call) : mTrace(Trace)
-{
-    mLine = "{\"us\":" + std::to_string(Trace->Clock->Microseconds()) + ",\"start\":" + std::to_string(Trace->Start) +
-            ",\"turn\":" + std::to_string(Trace->Turn) + ",\"call\":\"" + Call + "\"";
+    mLine = "{\"us\":";
+    AddNumber(Trace->Clock->Microseconds());
+    Number("start", Trace->Start).Number("turn", Trace->Turn).Text("call", Call);
 }
 
 TRACE_LINE::~TRACE_LINE()
 {
     mLine += '}';
-    mTrace->Write(std::move(mLine));
+    if (mTrace->Keep) {
+        mTrace->Lines.push_back(mLine);
+    }
+    if (mTrace->File != nullptr) {
+        mLine += '\n';
+        std::fwrite(mLine.data(), 1, mLine.size(), mTrace->File);
+    }
 }
 
-VOID TRACE_LINE::AddName(const char* Name)
+VOID TRACE_LINE::AddName(std::string_view Name)
 {
     mLine += ",\"";
     mLine += Name;
     mLine += "\":";
 }
 
-TRACE_LINE& TRACE_LINE::Status(EFI_STATUS Status) { return Text("status", FormatStatus(Status)); }
+VOID TRACE_LINE::AddNumber(UINT64 Value)
+{
+    char Digits[20];
+    mLine.append(Digits, std::to_chars(Digits, std::end(Digits), Value).ptr);
+}
+
+TRACE_LINE& TRACE_LINE::Status(EFI_STATUS Status)
+{
+    return Status == EFI_SUCCESS ? Text("status", "0x0000000000000000") : Text("status", FormatStatus(Status));
+}
 
 TRACE_LINE& TRACE_LINE::Number(const char* Name, UINT64 Value)
 {
     AddName(Name);
-    mLine += std::to_string(Value);
+    AddNumber(Value);
     return *this;
 }
 
@@ -51,7 +59,7 @@ TRACE_LINE& TRACE_LINE::Null(const char* Name)
 TRACE_LINE& TRACE_LINE::Text(const char* Name, std::string_view Utf8)
 {
     AddName(Name);
-    mLine += QuoteJson(Utf8);
+    AddQuoted(Utf8);
     return *this;
 }
 
@@ -66,7 +74,11 @@ TRACE_LINE& TRACE_LINE::Texts(const char* Name, CHAR16* const* Strings, UINTN Co
     mLine += '[';
     for (UINTN At = 0; Strings != nullptr && At < Count; At++) {
         mLine += At == 0 ? "" : ",";
-        mLine += Strings[At] == nullptr ? "null" : QuoteJson(ToUtf8(Strings[At]));
+        if (Strings[At] == nullptr) {
+            mLine += "null";
+        } else {
+            AddQuoted(ToUtf8(Strings[At]));
+        }
     }
     mLine += ']';
     return *this;
@@ -82,35 +94,35 @@ TRACE_LINE& TRACE_LINE::Hex(const char* Name, const VOID* Data, UINTN Size)
     return Data == nullptr ? Null(Name) : Text(Name, FormatHex(Data, Size));
 }
 
-std::string QuoteJson(std::string_view Utf8)
+VOID TRACE_LINE::AddQuoted(std::string_view Utf8)
 {
-    std::string Out = "\"";
+    mLine += '"';
     for (const char Char : Utf8) {
         switch (Char) {
         case '"':
-            Out += "\\\"";
+            mLine += "\\\"";
             break;
         case '\\':
-            Out += "\\\\";
+            mLine += "\\\\";
             break;
         case '\n':
-            Out += "\\n";
+            mLine += "\\n";
             break;
         case '\r':
-            Out += "\\r";
+            mLine += "\\r";
             break;
         case '\t':
-            Out += "\\t";
+            mLine += "\\t";
             break;
         default:
             if (static_cast<unsigned char>(Char) < 0x20) {
                 char Escape[8];
                 std::snprintf(Escape, sizeof(Escape), "\\u%04x", static_cast<unsigned>(Char));
-                Out += Escape;
+                mLine += Escape;
             } else {
-                Out += Char;
+                mLine += Char;
             }
         }
     }
-    return Out + "\"";
+    mLine += '"';
 }

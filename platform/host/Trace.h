@@ -2,7 +2,8 @@
 //
 //     TRACE_LINE(&Boot.Trace, "LocateProtocol").Status(Status).Guid("guid", Protocol);
 //
-// begins a line with the time, the start and the turn, adds fields, and writes the line when the expression ends.
+// begins a line with the time, the start and the turn, adds fields, and writes the line when the expression ends. There
+// is one line at a time.
 #pragma once
 
 #include <cstdio>
@@ -15,13 +16,14 @@ struct TRACE {
     bool Keep = false;    // lines are kept in Lines
     FILE* File = nullptr; // lines are written here
     bool Pool = false;    // pool calls too
+    bool Blts = true;
     std::vector<std::string> Lines;
     const CLOCK* Clock = nullptr;
     UINT32 Start = 0;
     UINT64 Turn = 0;
+    std::string Line; // the one that is being written: its room serves all, as a start alone has thousands
 
     bool IsOn() const { return Keep || File != nullptr; }
-    VOID Write(std::string&& Line);
 };
 
 struct TRACE_LINE {
@@ -42,11 +44,10 @@ struct TRACE_LINE {
     TRACE_LINE& Hex(const char* Name, const VOID* Data, UINTN Size);
 
 private:
-    VOID AddName(const char* Name);
+    VOID AddName(std::string_view Name);
+    VOID AddNumber(UINT64 Value);
+    VOID AddQuoted(std::string_view Utf8);
 
     TRACE* mTrace;
-    std::string mLine;
+    std::string& mLine;
 };
-
-// The text as a JSON string, quotes included.
-std::string QuoteJson(std::string_view Utf8);

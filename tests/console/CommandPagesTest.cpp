@@ -67,6 +67,7 @@ struct LOOKS {
     }
     void Expect() const
     {
+        Scene.Options.KeepTrace = false; // long scenes, of which only the pictures are looked at
         const RUN Run = Scene.Play();
         for (const auto& [Name, On] : Shots) {
             SCOPED_TRACE(std::string(Page.Board) + " fan " + std::to_string(Page.Fan) + ": " + Name);

@@ -111,7 +111,11 @@ WRITE SettingFromBytes(int Fan, const std::string& Hex)
     return Write;
 }
 
-std::vector<CALL_LINE> RUN::Named(const std::string& Call) const { return CallsNamed(Calls, Call); }
+std::vector<CALL_LINE> RUN::Named(const std::string& Call) const
+{
+    EXPECT_TRUE(HasBlts || Call != "Blt") << "this run didn't keep them";
+    return CallsNamed(Calls, Call);
+}
 
 std::vector<CALL_LINE> RUN::InTurn(TURN Turn) const
 {
@@ -166,6 +170,7 @@ AREA AreaOf(const CALL_LINE& Blt)
 
 std::vector<AREA> RUN::Blocks(TURN Turn) const
 {
+    EXPECT_TRUE(HasBlts) << "this run didn't keep them";
     std::vector<AREA> Blocks;
     for (const CALL_LINE& Line : NamedInTurn("Blt", Turn)) {
         Blocks.push_back(AreaOf(Line));
@@ -368,6 +373,7 @@ RUN SCENE::Play() const
     }
     EXPECT_EQ(BoardContractFaults(), FaultsBefore) << LastBoardContractFault();
     Run.Calls = ParseTrace(Run.Session.Trace);
+    Run.HasBlts = Options.KeepTrace && Options.TraceBlts;
     return Run;
 }
 
@@ -392,6 +398,7 @@ std::vector<RUN> PlayWithoutOneComponent(SCENE Scene)
     Scene.Options.TracePool = true;
     const std::vector<CALL_LINE> Allocations = Scene.Play().Named("AllocatePool");
     Scene.Options.TracePool = false;
+    Scene.Options.TraceBlts = false; // dozens of runs, which sanitizers make slow
     std::vector<RUN> Runs;
     for (const CALL_LINE& Call : Allocations) {
         if (Call.Number("bytes") == sizeof(GUI_COMPONENT)) {

@@ -68,6 +68,7 @@ bool Differ(const PICTURE& A, const PICTURE& B, const AREA& Area = gScreen);
 
 struct RUN {
     SESSION_RESULT Session;
+    bool HasBlts = true; // else it fails the test to ask for them
     std::vector<CALL_LINE> Calls;
 
     // The calls of that name, in their order; of a turn: all, or those of that name.

@@ -1,6 +1,7 @@
 #include "tests/host/TraceLines.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -32,18 +33,37 @@ std::string WithoutEscapes(std::string_view Text)
     return Plain;
 }
 
+// The number behind Head, with which Rest begins; Rest loses both.
+UINT64 TakeNumber(std::string_view* Rest, std::string_view Head)
+{
+    UINT64 Number = 0;
+    const char* End = Rest->data() + Rest->size();
+    if (!Rest->starts_with(Head)) {
+        throw std::runtime_error("no trace line");
+    }
+    const auto Read = std::from_chars(Rest->data() + Head.size(), End, Number);
+    if (Read.ec != std::errc()) {
+        throw std::runtime_error("no number in a trace line");
+    }
+    *Rest = {Read.ptr, static_cast<size_t>(End - Read.ptr)};
+    return Number;
+}
+
 CALL_LINE ParseLine(const std::string& Line)
 {
     CALL_LINE Call;
-    char Name[64];
-    int Size = 0;
-    if (std::sscanf(Line.c_str(), R"({"us":%llu,"start":%llu,"turn":%llu,"call":"%63[^"]"%n)", &Call.Microseconds,
-                    &Call.Start, &Call.Turn, Name, &Size) != 4 ||
-        Size == 0 || Line.back() != '}') {
+    std::string_view Rest = Line;
+    Call.Microseconds = TakeNumber(&Rest, "{\"us\":");
+    Call.Start = TakeNumber(&Rest, ",\"start\":");
+    Call.Turn = TakeNumber(&Rest, ",\"turn\":");
+    constexpr std::string_view Head = ",\"call\":";
+    if (!Rest.starts_with(Head) || !Rest.ends_with('}')) {
         throw std::runtime_error("no trace line: " + Line);
     }
-    Call.Call = Name;
-    Call.Fields = Line.substr(static_cast<size_t>(Size));
+    Rest.remove_prefix(Head.size());
+    const size_t End = EndOfString(Rest);
+    Call.Call = Rest.substr(1, End - 1);
+    Call.Fields = Rest.substr(End + 1);
     return Call;
 }
 
