@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "controls/GridImage.h"
+#include "controls/Grid.h"
 #include "graphics/GraphicProtocol.h"
 
 constexpr UINTN gFrameWidth = 391; // the largest block that moves regularly

@@ -1,9 +1,6 @@
 #include "controls/DragDropFrame.h"
 
 #include "controls/FrameParts.h"
-#include "controls/GridImage.h"
-#include "controls/Labels.h"
-#include "controls/SharedPicture.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
@@ -13,7 +10,6 @@
 
 namespace {
 
-constexpr UINT8 gPanelByte = 0x24;       // every byte of gPanelColor
 constexpr UINT32 gPlainGridHeight = 240; // rows of pixels that the cells of a frame without artwork share
 constexpr UINTN gNameSize = 256;         // bytes of a node's name
 
@@ -57,21 +53,7 @@ EFI_STATUS AllocateFramePictures(DRAGDROP_COMPONENT* Frame)
     if (Frame->Cells == nullptr) {
         return EFI_BUFFER_TOO_SMALL;
     }
-    Frame->GridImage =
-        TakeSharedPicture(SHARED_GRID, Frame->Rect.Width, Frame->Rect.Height, Frame->CellWidth, Frame->CellHeight);
-    if (Frame->GridImage == nullptr) {
-        return EFI_BUFFER_TOO_SMALL;
-    }
-    Frame->WorkImage = static_cast<PIXEL*>(AllocatePool(Frame->Rect.BufferSize));
-    if (Frame->WorkImage == nullptr) {
-        return EFI_BUFFER_TOO_SMALL;
-    }
-    SetMem(Frame->WorkImage, Frame->Rect.BufferSize, gPanelByte);
-    Frame->CleanImage = TakeSharedPicture(SHARED_PANEL, Frame->Rect.Width, Frame->Rect.Height);
-    if (Frame->CleanImage == nullptr) {
-        return EFI_BUFFER_TOO_SMALL;
-    }
-    return EFI_SUCCESS;
+    return TakeGridPictures(*Frame, &Frame->GridImage, &Frame->WorkImage, &Frame->CleanImage);
 }
 
 VOID FillCells(DRAGDROP_COMPONENT* Frame)
@@ -120,13 +102,8 @@ VOID CreateNode(DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 CellIndex, UINT
     if (Node->Name != nullptr) {
         (void)FormatUnicodeText(Node->Name, gNameSize, u"%s%d", u"DDFrameNode_", static_cast<INT32>(Number));
     }
-    const GUI_RECT Rect = {
-        .X = Node->CenterX - Frame->CellWidth / 2u,
-        .Y = Node->CenterY - Frame->CellHeight / 2u,
-        .Width = Frame->CellWidth,
-        .Height = Frame->CellHeight,
-        .BufferSize = static_cast<UINT64>(Frame->CellWidth) * Frame->CellHeight * sizeof(PIXEL),
-    };
+    const GUI_RECT Rect = PictureRect(Node->CenterX - Frame->CellWidth / 2u, Node->CenterY - Frame->CellHeight / 2u,
+                                      Frame->CellWidth, Frame->CellHeight);
     RegisterControl(Frame, &Rect, _DRAGDROP_COMPONENT, &Node->Id, Frame->PrimaryEvent, nullptr, Node->Name);
 }
 
@@ -140,13 +117,7 @@ SCAN_RESULT ScanNode(const GUI_COMPONENT* Component)
 
 } // namespace
 
-bool FrameIsLive(const DRAGDROP_COMPONENT* Frame) { return (Frame->Linked != 0) != (Frame->Inverted != 0); }
-
-bool FrameIsWhole(const DRAGDROP_COMPONENT* Frame)
-{
-    return Frame != nullptr && Frame->Cells != nullptr && Frame->GridImage != nullptr && Frame->WorkImage != nullptr &&
-           Frame->CleanImage != nullptr;
-}
+bool FrameIsWhole(const DRAGDROP_COMPONENT* Frame) { return Frame != nullptr && Frame->CleanImage != nullptr; }
 
 const DD_FRAME_CELL* CellAt(const DRAGDROP_COMPONENT* Frame, UINT32 Index)
 {
@@ -169,8 +140,7 @@ EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* D
     }
     SetMem(Frame, sizeof(*Frame), 0);
     Frame->ActiveNode = gNoActiveNode;
-    Frame->Columns = CountStringTable(gTemperatureLabels);
-    Frame->Rows = CountStringTable(DutyLabels);
+    CountCells(Frame, DutyLabels);
     if (Frame->Rows == 0) {
         return EFI_INVALID_PARAMETER;
     }
@@ -178,15 +148,7 @@ EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* D
     UINT32 Height = 0;
     LoadNodeStrip(Frame, Instance, FileGuid, &Width, &Height);
 
-    Frame->CellWidth = gGridCellWidth;
-    Frame->CellHeight = static_cast<UINT16>(Height);
-    GUI_RECT& Rect = Frame->Rect;
-    Rect.X = gGridX;
-    Rect.Y = gGridY;
-    Rect.Width = Frame->Columns * Width + 1;
-    Rect.Height = static_cast<UINT32>(Frame->CellHeight) * Frame->Rows + 1;
-    Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
-
+    PlaceGrid(Frame, Width, Height);
     const EFI_STATUS Status = AllocateFramePictures(Frame);
     if (EfiError(Status)) {
         REPORT("AllocatePool Fail (CreateDragDropFrame)");
@@ -200,7 +162,7 @@ EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* D
     for (UINT32 I = 0; I < gNodeCount; I++) {
         CreateNode(Frame, I, NodeCells[I], Width, Height);
     }
-    RegisterControl(Frame, &Rect, _BLT_BUF, &Frame->Id, Frame->PrimaryEvent, Frame->SecondaryEvent, u"DD_Frame");
+    RegisterControl(Frame, &Frame->Rect, _BLT_BUF, &Frame->Id, Frame->PrimaryEvent, Frame->SecondaryEvent, u"DD_Frame");
     return EFI_SUCCESS;
 }
 
@@ -209,19 +171,10 @@ EFI_STATUS DestroyDragDropFrame(DRAGDROP_COMPONENT* Frame)
     if (Frame == nullptr) {
         return EFI_SUCCESS;
     }
-    ReleaseSharedPicture(Frame->GridImage);
-    ReleaseSharedPicture(Frame->CleanImage);
-    ReleasePool(Frame->WorkImage);
+    ReleaseGridPictures(Frame->GridImage, Frame->CleanImage, Frame->WorkImage);
     ReleasePool(Frame->NodeImages);
     ReleasePool(Frame->Cells);
-    EFI_STATUS Status = EFI_SUCCESS;
-    EFI_EVENT* const Events[] = {&Frame->PrimaryEvent, &Frame->SecondaryEvent};
-    for (EFI_EVENT* Event : Events) {
-        if (*Event != nullptr) {
-            Status = CancelAndCloseEvent(*Event);
-            *Event = nullptr;
-        }
-    }
+    const EFI_STATUS Status = CloseGridEvents(Frame->PrimaryEvent, Frame->SecondaryEvent);
     for (DD_FRAME_NODE& Node : Frame->Nodes) {
         ReleasePool(Node.Name);
     }
@@ -260,19 +213,7 @@ EFI_STATUS SetDragDropNodes(DRAGDROP_COMPONENT* Frame, const UINT8* Places)
 
 VOID OverlayNode(DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Node, POINT Place)
 {
-    if (Node.Image == nullptr) {
-        return;
-    }
-    (void)OverlayBlt(Node.Image, static_cast<INT32>(Node.ImageWidth), static_cast<INT32>(Node.ImageHeight),
-                     Frame->WorkImage, Frame->Rect.Width, Frame->Rect.Height, static_cast<INT32>(Place.X),
-                     static_cast<INT32>(Place.Y), &gKeyColor, &gKeyColor, 1);
-}
-
-VOID ShowWorkImage(DRAGDROP_COMPONENT* Frame)
-{
-    const GUI_RECT& Rect = Frame->Rect;
-    (void)PasteBlt(Frame->WorkImage, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    (void)ComposeScreen(gGuiCore, Frame->WorkImage, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    OverlayOnGrid(*Frame, Frame->WorkImage, Node.Image, Node.ImageWidth, Node.ImageHeight, Place.X, Place.Y);
 }
 
 VOID ShowDragDropFrame(DRAGDROP_COMPONENT* Frame)
@@ -281,7 +222,8 @@ VOID ShowDragDropFrame(DRAGDROP_COMPONENT* Frame)
         return;
     }
     CopyMem(Frame->WorkImage, Frame->CleanImage, Frame->Rect.BufferSize);
-    for (UINT32 I = 0; FrameIsLive(Frame) && I < gNodeCount; I++) {
+    const bool Live = IsLive(Frame->Inverted, Frame->Linked);
+    for (UINT32 I = 0; Live && I < gNodeCount; I++) {
         OverlayNode(Frame, Frame->Nodes[I], RestingPlace(Frame, Frame->Nodes[I]));
     }
     // The chart takes this picture for its ground later, so the pointer of a held button must not get into it.
@@ -294,7 +236,7 @@ VOID RepaintDragDropFrame(DRAGDROP_COMPONENT* Frame)
     if (!FrameIsWhole(Frame)) {
         return;
     }
-    if (FrameIsLive(Frame)) {
+    if (IsLive(Frame->Inverted, Frame->Linked)) {
         ShowDragDropFrame(Frame);
     } else {
         CopyMem(Frame->WorkImage, Frame->CleanImage, Frame->Rect.BufferSize);

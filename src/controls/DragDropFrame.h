@@ -10,8 +10,7 @@
 // The record belongs to the caller. DragDropFrameDispatch runs in every turn of the main loop.
 #pragma once
 
-#include "graphics/Palette.h"
-#include "gui/core/Drag.h"
+#include "controls/Grid.h"
 #include "gui/core/GUICore.h"
 
 constexpr UINT8 gNoActiveNode = 4; // ActiveNode while no node is in hand
@@ -42,12 +41,7 @@ struct DD_FRAME_NODE {
     PIXEL* Image; // inside NodeImages
 };
 
-struct _DRAGDROP_COMPONENT {
-    GUI_RECT Rect;
-    UINT8 Columns;
-    UINT8 Rows;
-    UINT16 CellWidth;
-    UINT16 CellHeight;
+struct _DRAGDROP_COMPONENT : GRID {
     UINT8 ActiveNode; // number of the node in hand, gNoActiveNode for none
     UINT8 DragStarted;
     DD_FRAME_CELL* Cells;            // owned

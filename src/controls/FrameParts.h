@@ -9,10 +9,7 @@ struct POINT {
     INT64 Y;
 };
 
-// Whether the frame shows its nodes and lets them be picked up.
-bool FrameIsLive(const DRAGDROP_COMPONENT* Frame);
-
-// False for a null frame, and for one whose creation didn't get as far as its cells and its three pictures.
+// False for a null frame, and for one whose creation didn't get as far as its pictures.
 bool FrameIsWhole(const DRAGDROP_COMPONENT* Frame);
 
 // The cell of that index, or null when there is none.
@@ -27,6 +24,3 @@ VOID MoveNode(const DRAGDROP_COMPONENT* Frame, DD_FRAME_NODE* Node, GUI_COMPONEN
 
 // Lays a node's picture over WorkImage.
 VOID OverlayNode(DRAGDROP_COMPONENT* Frame, const DD_FRAME_NODE& Node, POINT Place);
-
-// Brings WorkImage to the screen.
-VOID ShowWorkImage(DRAGDROP_COMPONENT* Frame);

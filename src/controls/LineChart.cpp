@@ -1,6 +1,5 @@
 #include "controls/LineChart.h"
 
-#include "controls/SharedPicture.h"
 #include "graphics/GraphicProtocol.h"
 #include "shell/contract/Board.h"
 #include "support/Pool.h"
@@ -8,7 +7,6 @@
 
 namespace {
 
-constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
 constexpr UINT32 gGridLineCount = 10;
 constexpr UINT32 gPlotColumns = 128;       // columns that are plotted together
 constexpr INT32 gTemperatureMaximum = 100; // degrees
@@ -18,16 +16,6 @@ constexpr CHAR16 gRpmVariableName[] = u"LineChartRPM";
 constexpr CHAR16 gTemperatureVariableName[] = u"LineChartTempature"; // spelled so on purpose
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\LineChart.cpp";
-
-// What the last plot of each series left in its layer. Charts of one size share their layers, and their gradients are
-// alike, so this holds from one chart to the next.
-struct PLOTTED_LAYER {
-    const PIXEL* Layer; // null when a new layer may lie where it was
-    LINE_CHART_EXTENT Extent;
-};
-
-PLOTTED_LAYER gPlottedRpm = {};
-PLOTTED_LAYER gPlottedTemperature = {};
 
 FLOAT_WORD Quotient(INT64 A, INT64 B)
 {
@@ -76,7 +64,7 @@ bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Co
 
 bool AllocateSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, SHARED_PICTURE_KIND Layer)
 {
-    Series->Layer = TakeSharedPicture(Layer, Chart->Rect.Width, Chart->Rect.Height);
+    Series->Layer = TakeSharedPicture(Layer, Chart->Rect);
     Series->Samples = AllocateZeroArray<UINT32>(Chart->Rect.Width);
     return Series->Layer != nullptr && Series->Samples != nullptr;
 }
@@ -131,11 +119,10 @@ bool BuildChart(LINE_CHART* Chart)
     Chart->BlendFactor = static_cast<UINT32>(Factor);
     Chart->BlendComplement =
         static_cast<UINT32>(gFloatMath->FloatSubtract(gFloatMath->IntToFloat(1), Chart->BlendFactor));
-    Chart->Pixels = static_cast<PIXEL*>(AllocatePool(Chart->Rect.BufferSize));
+    Chart->Pixels = AllocateWorkPicture(Chart->Rect);
     if (Chart->Pixels == nullptr) {
         return false;
     }
-    SetMem(Chart->Pixels, Chart->Rect.BufferSize, gPanelByte);
     return BuildGradients(Chart, &Chart->Rpm, gChartRpmColor) &&
            BuildGradients(Chart, &Chart->Temperature, gChartTemperatureColor) &&
            AllocateSeries(Chart, &Chart->Rpm, SHARED_RPM_LAYER) &&
@@ -227,14 +214,12 @@ VOID DrawGrid(LINE_CHART* Chart)
     }
 }
 
-VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color, PLOTTED_LAYER* Plotted)
+VOID PlotSeries(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Color)
 {
     const GUI_RECT& Rect = Chart->Rect;
-    const LINE_CHART_EXTENT Known =
-        Plotted->Layer == Series->Layer ? Plotted->Extent : LINE_CHART_EXTENT{1, static_cast<INT32>(Rect.Height)};
-    Plotted->Extent = PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Rect.Width, Rect.Height,
-                                          Series->Maximum, Series->Minimum, PixelWord(Color), Known);
-    Plotted->Layer = Series->Layer;
+    LINE_CHART_EXTENT& Extent = ExtentOfLayer(Series->Layer);
+    Extent = PlotLineChartSeries(Series->Layer, Series->Gradient, Series->Samples, Rect.Width, Rect.Height,
+                                 Series->Maximum, Series->Minimum, PixelWord(Color), Extent);
 }
 
 LINE_CHART_CLASS ClassOfRow(LINE_CHART_EXTENT Extent, UINT32 Height)
@@ -247,14 +232,16 @@ LINE_CHART_CLASS ClassOfRow(LINE_CHART_EXTENT Extent, UINT32 Height)
 VOID ComposeLayers(LINE_CHART* Chart)
 {
     const UINT32 Width = Chart->Rect.Width;
+    const LINE_CHART_EXTENT RpmExtent = ExtentOfLayer(Chart->Rpm.Layer);
+    const LINE_CHART_EXTENT TemperatureExtent = ExtentOfLayer(Chart->Temperature.Layer);
     PIXEL* Row = Chart->Pixels;
     CHART_LAYER_ROW Rpm = {Chart->Rpm.Layer, {}, gChartRpmColor, LINE_CHART_MIXED};
     CHART_LAYER_ROW Temperature = {Chart->Temperature.Layer, {}, gChartTemperatureColor, LINE_CHART_MIXED};
     for (UINT32 I = Chart->Rect.Height; I > 0; I--) {
         Rpm.Blend = Chart->Rpm.BlendGradient[I];
-        Rpm.Whole = ClassOfRow(gPlottedRpm.Extent, I);
+        Rpm.Whole = ClassOfRow(RpmExtent, I);
         Temperature.Blend = Chart->Temperature.BlendGradient[I];
-        Temperature.Whole = ClassOfRow(gPlottedTemperature.Extent, I);
+        Temperature.Whole = ClassOfRow(TemperatureExtent, I);
         ComposeChartRow(Row, Width, Rpm, Temperature);
         Row += Width;
         Rpm.Layer += Width;
@@ -301,10 +288,7 @@ EFI_STATUS CreateLineChart(LINE_CHART** Chart, const GUI_RECT* Rect, const EFI_G
         REPORT("AllocatePool Fail (CreateLineChart)");
         return EFI_OUT_OF_RESOURCES;
     }
-    gPlottedRpm.Layer = nullptr;
-    gPlottedTemperature.Layer = nullptr;
     New->Rect = *Rect;
-    New->Rect.BufferSize = static_cast<UINT64>(Rect->Width) * Rect->Height * sizeof(PIXEL);
     New->Rpm.VariableGuid = *RpmGuid;
     New->Temperature.VariableGuid = *TemperatureGuid;
     if (!BuildChart(New)) {
@@ -379,8 +363,8 @@ EFI_STATUS DrawLineChart(LINE_CHART* Chart)
         return EFI_NOT_FOUND;
     }
     DrawGrid(Chart);
-    PlotSeries(Chart, &Chart->Rpm, gChartRpmColor, &gPlottedRpm);
-    PlotSeries(Chart, &Chart->Temperature, gChartTemperatureColor, &gPlottedTemperature);
+    PlotSeries(Chart, &Chart->Rpm, gChartRpmColor);
+    PlotSeries(Chart, &Chart->Temperature, gChartTemperatureColor);
     ComposeLayers(Chart);
     DrawMark(Chart);
     return EFI_SUCCESS;

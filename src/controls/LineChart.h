@@ -7,9 +7,8 @@
 // console within a boot in firmware variables.
 #pragma once
 
+#include "controls/Grid.h"
 #include "graphics/Kernels.h"
-#include "graphics/Palette.h"
-#include "gui/core/GUICore.h"
 #include "shell/contract/Services.h"
 
 struct LINE_CHART_SERIES {
@@ -49,13 +48,6 @@ EFI_STATUS DrawLineChart(LINE_CHART* Chart);
 
 // Brings Pixels to the screen. The status of PasteBlt; EFI_NOT_FOUND for a null chart.
 EFI_STATUS ShowLineChart(LINE_CHART* Chart);
-
-// What is known of the rows of a layer. Most lie wholly above the curve or wholly under it: those higher than Highest and
-// those lower than Lowest, which are heights as a plot counts them, 1 for the bottom row. {1, Height} says nothing.
-struct LINE_CHART_EXTENT {
-    INT32 Lowest;
-    INT32 Highest;
-};
 
 // Decides for each of the Width x Height pixels of Layer what it is, and moves Samples one column to the left. Gradient
 // has Height + 1 entries; Color is a pixel word. Known is what the layer holds from a plot with these Gradient and sizes;

@@ -1,7 +1,6 @@
 #include "controls/DragDropFrame.h"
 
 #include "controls/FrameParts.h"
-#include "controls/GridImage.h"
 #include "controls/Slider.h"
 #include "graphics/GraphicProtocol.h"
 #include "gui/core/Listeners.h"
@@ -76,8 +75,6 @@ EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
     return EFI_SUCCESS;
 }
 
-UINT32 Distance(UINT32 A, UINT32 B) { return A > B ? A - B : B - A; }
-
 // The lines that lead from the centre of the dragged picture to the frame's two scales.
 VOID DrawGuideLines(DRAGDROP_COMPONENT* Frame, POINT Place, PIXEL Color)
 {
@@ -112,15 +109,8 @@ VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
     }
     DrawGuideLines(Frame, Place, Color);
     OverlayNode(Frame, Active, Place);
-    ShowWorkImage(Frame);
-    gFrameDragReport = {
-        .RelX = static_cast<UINT16>(Place.X < 0 ? -Place.X : Place.X),
-        .RelY = static_cast<UINT16>(Place.Y < 0 ? -Place.Y : Place.Y),
-        .AbsX = static_cast<UINT16>(Rect.X + Place.X),
-        .AbsY = static_cast<UINT16>(Rect.Y + Place.Y),
-        .CellWidth = Frame->CellWidth,
-        .CellHeight = Frame->CellHeight,
-    };
+    (void)ShowOnGrid(*Frame, Frame->WorkImage);
+    gFrameDragReport = ReportOnGrid(*Frame, Place.X, Place.Y);
 }
 
 // The limits of the node in hand for the top left corner of its picture, in frame coordinates.
@@ -228,7 +218,8 @@ EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
 {
     DRAGDROP_COMPONENT* Frame = static_cast<DRAGDROP_COMPONENT*>(Context);
     // The held button may pass over another node, and a command may bring one in where a thumb is being dragged.
-    if (gDragging == 1 || gSliderDragging == 1 || gGuiCore->MouseState != L_HOLD || !FrameIsLive(Frame)) {
+    if (gDragging == 1 || gSliderDragging == 1 || gGuiCore->MouseState != L_HOLD ||
+        !IsLive(Frame->Inverted, Frame->Linked)) {
         return EFI_NOT_FOUND;
     }
     for (UINT8 I = 0; I < gNodeCount; I++) {

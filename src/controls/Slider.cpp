@@ -1,9 +1,7 @@
 #include "controls/Slider.h"
 
 #include "controls/DragDropFrame.h"
-#include "controls/GridImage.h"
 #include "controls/Labels.h"
-#include "controls/SharedPicture.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "graphics/KeptPicture.h"
@@ -16,7 +14,6 @@ namespace {
 
 constexpr UINT32 gThumbSection = 26;
 constexpr UINT32 gThumbPitch = 40; // from one place of the thumb to the next, and the height of a plain thumb
-constexpr UINT8 gPanelByte = 0x24; // every byte of gPanelColor
 
 constexpr UINTN gNameLength = 128;     // characters of a component's name
 constexpr UINTN gNameFormatSize = 128; // bytes of it that the format may fill
@@ -39,12 +36,12 @@ UINT32 ThumbTop(const SLIDER_COMPONENT* Slider)
 
 // The thumb's picture, or a plain block where the file has none that fits. Without pool the thumb can be dragged all
 // the same and isn't seen.
-VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 Rows)
+VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid)
 {
     UINT32 Width = 0;
     UINT32 Height = 0;
     (void)LoadBmpBlt(gThumbSection, FileGuid, &Slider->ThumbImage, &Width, &Height);
-    if (Slider->ThumbImage == nullptr || !GridFitsScreen(Width, static_cast<UINT64>(Height) * Rows + 1) ||
+    if (Slider->ThumbImage == nullptr || !GridFitsScreen(Width, static_cast<UINT64>(Height) * Slider->Rows + 1) ||
         Height == 0) {
         REPORT("No usable picture (CreateSlider)");
         ReleasePool(Slider->ThumbImage);
@@ -55,9 +52,7 @@ VOID LoadThumb(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT8 Rows)
             FillPixels(Slider->ThumbImage, static_cast<UINTN>(Width) * Height, gSliderMarkColor);
         }
     }
-    Slider->ThumbRect.Width = Width;
-    Slider->ThumbRect.Height = Height;
-    Slider->ThumbRect.BufferSize = static_cast<UINT64>(Width) * Height * sizeof(PIXEL);
+    Slider->ThumbRect = PictureRect(0, 0, Width, Height);
 }
 
 // Registers one of the two components. Its name carries the id that comes out of it, and so is written afterwards.
@@ -87,45 +82,14 @@ EFI_STATUS MoveThumb(SLIDER_COMPONENT* Slider)
     return EFI_SUCCESS;
 }
 
-EFI_STATUS ShowSliderCanvas(SLIDER_COMPONENT* Slider)
+VOID OverlayThumb(SLIDER_COMPONENT* Slider, INT64 Offset)
 {
-    const GUI_RECT& Rect = Slider->Rect;
-    (void)PasteBlt(Slider->Canvas, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    return ComposeScreen(gGuiCore, Slider->Canvas, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    const GUI_RECT& Thumb = Slider->ThumbRect;
+    OverlayOnGrid(*Slider, Slider->Canvas, Slider->ThumbImage, Thumb.Width, Thumb.Height, 0, Offset);
 }
 
-VOID OverlayThumb(SLIDER_COMPONENT* Slider, INT32 Offset)
-{
-    if (Slider->ThumbImage == nullptr) {
-        return;
-    }
-    (void)OverlayBlt(Slider->ThumbImage, static_cast<INT32>(Slider->ThumbRect.Width),
-                     static_cast<INT32>(Slider->ThumbRect.Height), Slider->Canvas, Slider->Rect.Width,
-                     Slider->Rect.Height, 0, Offset, &gKeyColor, &gKeyColor, 1);
-}
-
-// False for a slider whose creation didn't get as far as its three pictures.
-bool SliderCanPaint(const SLIDER_COMPONENT* Slider)
-{
-    return Slider != nullptr && Slider->GridImage != nullptr && Slider->PlainImage != nullptr &&
-           Slider->Canvas != nullptr;
-}
-
-VOID ReportSliderDrag(const SLIDER_COMPONENT* Slider, INT64 Offset)
-{
-    if (Slider->Rect.X == 0 || Slider->Rect.Y == 0) {
-        gSliderDragReport = {};
-        return;
-    }
-    gSliderDragReport = {
-        .RelX = 0,
-        .RelY = static_cast<UINT16>(Offset),
-        .AbsX = static_cast<UINT16>(Slider->Rect.X),
-        .AbsY = static_cast<UINT16>(Slider->Rect.Y + Offset),
-        .CellWidth = Slider->CellWidth,
-        .CellHeight = Slider->CellHeight,
-    };
-}
+// False for a slider whose creation didn't get as far as its pictures.
+bool SliderCanPaint(const SLIDER_COMPONENT* Slider) { return Slider != nullptr && Slider->PlainImage != nullptr; }
 
 // The picture of a drag, with the thumb's top Offset pixels below the control's. For a column that can't be marked the
 // picture of the turn before stays.
@@ -144,9 +108,9 @@ VOID PaintSliderDrag(SLIDER_COMPONENT* Slider, INT64 Offset)
     if (GuideRow >= 0 && GuideRow < Rect.Height) {
         FillPixels(Slider->Canvas + GuideRow * Rect.Width, Rect.Width, gSliderMarkColor);
     }
-    OverlayThumb(Slider, static_cast<INT32>(Offset));
-    (void)ShowSliderCanvas(Slider);
-    ReportSliderDrag(Slider, Offset);
+    OverlayThumb(Slider, Offset);
+    (void)ShowOnGrid(*Slider, Slider->Canvas);
+    gSliderDragReport = ReportOnGrid(*Slider, 0, Offset);
 }
 
 // Works out gSliderOffset from the pointer. On the exact lines around the column, and beyond the band at its sides, the
@@ -162,7 +126,7 @@ VOID FollowPointer(const SLIDER_COMPONENT* Slider, INT64 DeltaY)
     const INT64 Y = gGuiCore->PointerY;
 
     if (X != Left && X != Right && Y > Top && Y < Top + Band) {
-        gSliderOffset = Limit(gSliderDragStart + DeltaY, 0, Most);
+        gSliderOffset = Limit<INT64>(gSliderDragStart + DeltaY, 0, Most);
     } else if (X > Left && X < Right && Y > Top + Band) {
         gSliderOffset = Most;
     } else if (X > Left && X < Right && Y < Top) {
@@ -221,46 +185,24 @@ EFI_STATUS CreateSlider(SLIDER_COMPONENT* Slider, const EFI_GUID* FileGuid, UINT
         return EFI_SUCCESS;
     }
     SetMem(Slider, sizeof(*Slider), 0);
-    Slider->Columns = CountStringTable(gTemperatureLabels);
-    Slider->Rows = CountStringTable(gDutyLabels6);
-    LoadThumb(Slider, FileGuid, Slider->Rows);
+    CountCells(Slider, gDutyLabels6);
+    LoadThumb(Slider, FileGuid);
 
-    Slider->CellWidth = gGridCellWidth;
-    Slider->CellHeight = static_cast<UINT16>(Slider->ThumbRect.Height);
-    GUI_RECT& Rect = Slider->Rect;
-    Rect.X = gGridX;
-    Rect.Y = gGridY;
-    Rect.Width = static_cast<UINT32>(Slider->Columns) * Slider->CellWidth + 1;
-    Rect.Height = static_cast<UINT32>(Slider->Rows) * Slider->CellHeight + 1;
-    Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
-
-    Slider->GridImage = TakeSharedPicture(SHARED_GRID, Rect.Width, Rect.Height, Slider->CellWidth, Slider->CellHeight);
-    if (Slider->GridImage == nullptr) {
+    PlaceGrid(Slider, gGridCellWidth, Slider->ThumbRect.Height);
+    if (EfiError(TakeGridPictures(*Slider, &Slider->GridImage, &Slider->Canvas, &Slider->PlainImage))) {
         REPORT("AllocatePool Fail (CreateSlider)");
         return EFI_BUFFER_TOO_SMALL;
     }
-    Slider->Canvas = static_cast<PIXEL*>(AllocatePool(Rect.BufferSize));
-    if (Slider->Canvas == nullptr) {
-        REPORT("AllocatePool Fail (CreateSlider)");
-        return EFI_BUFFER_TOO_SMALL;
-    }
-    Slider->PlainImage = TakeSharedPicture(SHARED_PANEL, Rect.Width, Rect.Height);
-    if (Slider->PlainImage == nullptr) {
-        REPORT("AllocatePool Fail (CreateSlider)");
-        return EFI_BUFFER_TOO_SMALL;
-    }
-    // Until its first painting the canvas, from which a chart may start, shows the plain panel.
-    SetMem(Slider->Canvas, Rect.BufferSize, gPanelByte);
 
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderEvent, Slider, &Slider->PrimaryEvent);
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnSliderRefresh, Slider, &Slider->SecondaryEvent);
 
     Slider->Level = Level;
-    Slider->ThumbRect.X = Rect.X;
+    Slider->ThumbRect.X = Slider->Rect.X;
     Slider->ThumbRect.Y = ThumbTop(Slider);
     RegisterSliderPart(Slider, &Slider->ThumbRect, _SLIDER_COMPONENT, &Slider->ThumbId, nullptr, &Slider->ThumbName,
                        u"CtrlBox_");
-    RegisterSliderPart(Slider, &Rect, _BLT_BUF, &Slider->FrameId, Slider->SecondaryEvent, &Slider->FrameName,
+    RegisterSliderPart(Slider, &Slider->Rect, _BLT_BUF, &Slider->FrameId, Slider->SecondaryEvent, &Slider->FrameName,
                        u"SliderFrame_");
     Slider->HoverHandler = OnSliderEvent;
     return EFI_SUCCESS;
@@ -271,21 +213,11 @@ EFI_STATUS DestroySlider(SLIDER_COMPONENT* Slider)
     if (Slider == nullptr) {
         return EFI_SUCCESS;
     }
-    ReleaseSharedPicture(Slider->GridImage);
-    ReleaseSharedPicture(Slider->PlainImage);
-    ReleasePool(Slider->Canvas);
+    ReleaseGridPictures(Slider->GridImage, Slider->PlainImage, Slider->Canvas);
     ReleasePool(Slider->ThumbImage);
     ReleasePool(Slider->FrameName);
     ReleasePool(Slider->ThumbName);
-    EFI_STATUS Status = EFI_SUCCESS;
-    EFI_EVENT* const Events[] = {&Slider->PrimaryEvent, &Slider->SecondaryEvent};
-    for (EFI_EVENT* Event : Events) {
-        if (*Event != nullptr) {
-            Status = CancelAndCloseEvent(*Event);
-            *Event = nullptr;
-        }
-    }
-    return Status;
+    return CloseGridEvents(Slider->PrimaryEvent, Slider->SecondaryEvent);
 }
 
 EFI_STATUS SetSliderLevel(SLIDER_COMPONENT* Slider, UINT8 LevelPlusOne)
@@ -316,8 +248,7 @@ EFI_STATUS RefreshSlider(SLIDER_COMPONENT* Slider)
         return EFI_NOT_FOUND;
     }
     CopyMem(Slider->Canvas, Slider->PlainImage, Slider->Rect.BufferSize);
-    const INT32 Distance = static_cast<INT32>(Slider->Rect.Y - Slider->ThumbRect.Y);
-    OverlayThumb(Slider, Distance < 0 ? -Distance : Distance);
+    OverlayThumb(Slider, Distance(static_cast<INT32>(Slider->Rect.Y), static_cast<INT32>(Slider->ThumbRect.Y)));
     // The chart takes this picture for its ground later, so the pointer of a held button must not get into it.
     const GUI_RECT& Rect = Slider->Rect;
     ShowPicture(Slider->Canvas, Rect.Width, Rect.Height, Rect.X, Rect.Y);
@@ -333,10 +264,9 @@ EFI_STATUS OnSliderRefresh(EFI_EVENT, VOID* Context)
 EFI_STATUS OnSliderEvent(EFI_EVENT, VOID* Context)
 {
     SLIDER_COMPONENT* Slider = static_cast<SLIDER_COMPONENT*>(Context);
-    const bool Live = (Slider->Inverted != 0) != (Slider->Linked != 0);
     // A command may bring a thumb in where a node is being dragged.
-    if (gSliderDragging != 0 || gDragging != 0 || gGuiCore->MouseState != L_HOLD || !Live ||
-        gGuiCore->HitId != Slider->ThumbId) {
+    if (gSliderDragging != 0 || gDragging != 0 || gGuiCore->MouseState != L_HOLD ||
+        !IsLive(Slider->Inverted, Slider->Linked) || gGuiCore->HitId != Slider->ThumbId) {
         return EFI_NOT_FOUND;
     }
     gGuiCore->TargetId = static_cast<UINT16>(Slider->ThumbId);

@@ -8,17 +8,12 @@
 // The record belongs to the caller; CreateSlider fills it. SliderStep runs in every turn of the main loop.
 #pragma once
 
-#include "graphics/Palette.h"
-#include "gui/core/Drag.h"
+#include "controls/Grid.h"
 #include "gui/core/GUICore.h"
 
-struct _SLIDER_COMPONENT {
-    GUI_RECT Rect;
-    UINT8 Columns;
-    UINT8 Rows;
-    UINT16 CellWidth;
-    UINT16 CellHeight; // height of the thumb's picture; the pitch of the thumb's places is 40 all the same
-    UINT16 Level;      // 0 is the bottom row, Rows - 1 the top row. Values beyond are kept and not drawn
+// The height of a cell is that of the thumb's picture; the pitch of the thumb's places is 40 all the same.
+struct _SLIDER_COMPONENT : GRID {
+    UINT16 Level; // 0 is the bottom row, Rows - 1 the top row. Values beyond are kept and not drawn
     GUI_RECT ThumbRect;
     PIXEL* ThumbImage; // owned
     UINT32 ThumbId;    // 0 before it is registered, gUnregisteredId where that failed

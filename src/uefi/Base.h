@@ -1,4 +1,5 @@
-// The firmware's base types and status codes, under their names in the UEFI specification.
+// The firmware's base types and status codes, under their names in the UEFI specification, and the few questions that
+// everybody asks about numbers.
 //
 // Both worlds are x86-64 with eight-byte pointers, and in each of them the compiler's own calling convention is the
 // convention of the tables it is handed: the firmware image is compiled for the firmware's convention, and the hosted
@@ -83,6 +84,15 @@ constexpr EFI_STATUS EFI_SECURITY_VIOLATION = gEfiErrorBit | 26;
 
 // True for a negative status: the error bit is the sign.
 constexpr bool EfiError(EFI_STATUS Status) { return (Status & gEfiErrorBit) != 0; }
+
+template <typename NUMBER> constexpr NUMBER Smaller(NUMBER A, NUMBER B) { return A < B ? A : B; }
+template <typename NUMBER> constexpr NUMBER Larger(NUMBER A, NUMBER B) { return A > B ? A : B; }
+template <typename NUMBER> constexpr NUMBER Distance(NUMBER A, NUMBER B) { return A > B ? A - B : B - A; }
+// Value, held between two bounds that belong to the range.
+template <typename NUMBER> constexpr NUMBER Limit(NUMBER Value, NUMBER Least, NUMBER Most)
+{
+    return Value < Least ? Least : Value > Most ? Most : Value;
+}
 
 constexpr EFI_TPL TPL_APPLICATION = 4;
 constexpr EFI_TPL TPL_CALLBACK = 8;

@@ -1,6 +1,6 @@
 // The edges of what the controls' headers promise that no board and no picture of ours leads to.
 #include "controls/DragDropFrame.h"
-#include "controls/GridImage.h"
+#include "controls/Grid.h"
 #include "controls/Labels.h"
 #include "controls/LineChart.h"
 #include "shell/contract/Services.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "controls/GridImage.h"
+#include "controls/Grid.h"
 #include "controls/LineChart.h"
 #include "graphics/GraphicProtocol.h"
 #include "platform/board/FloatMath.h"

@@ -13,6 +13,12 @@ struct GUI_RECT {
 };
 static_assert(sizeof(GUI_RECT) == 24);
 
+// The rectangle of a picture.
+constexpr GUI_RECT PictureRect(UINT32 X, UINT32 Y, UINT32 Width, UINT32 Height)
+{
+    return {X, Y, Width, Height, UINT64{Width} * Height * sizeof(PIXEL)};
+}
+
 // Left and top edge belong to a rectangle, right and bottom edge don't.
 constexpr bool PointInRect(const GUI_RECT& Rect, INT64 X, INT64 Y)
 {
@@ -31,9 +37,4 @@ constexpr bool RectOnScreen(UINT64 X, UINT64 Y, UINT64 Width, UINT64 Height)
 {
     return Width > 0 && Height > 0 && Width <= gScreenWidth && Height <= gScreenHeight && X <= gScreenWidth - Width &&
            Y <= gScreenHeight - Height;
-}
-
-constexpr INT64 Limit(INT64 Value, INT64 Least, INT64 Most)
-{
-    return Value < Least ? Least : Value > Most ? Most : Value;
 }
