@@ -45,7 +45,7 @@ bool LoadButtonStrip(BTN_COMPONENT* Button, UINT32 ImageId, const EFI_GUID* File
     if (!CutStripToScreen(Button->Strip, gButtonFrameCount, X, Y, &Width, &FrameHeight)) {
         return false;
     }
-    Button->Rect = {X, Y, Width, FrameHeight, static_cast<UINT64>(Width) * FrameHeight * sizeof(PIXEL)};
+    Button->Rect = PictureRect(X, Y, Width, FrameHeight);
     return true;
 }
 
@@ -173,10 +173,7 @@ VOID PaintButton(INT32 Frame, BTN_COMPONENT* Button)
     if (Button == nullptr || Frame < 0 || Frame >= static_cast<INT32>(gButtonFrameCount)) {
         return;
     }
-    const GUI_RECT& Rect = Button->Rect;
-    PIXEL* Picture = Button->Frames[Frame];
-    (void)PasteBlt(Picture, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    (void)ComposeScreen(gGuiCore, Picture, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    (void)RepaintBlt(Button->Frames[Frame], Button->Rect);
 }
 
 EFI_STATUS SetButtonCallback(BTN_COMPONENT* Button, EFI_EVENT_NOTIFY Notify, UINT32 Slot)

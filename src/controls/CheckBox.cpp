@@ -56,8 +56,6 @@ PIXEL* DrawPlainStrip(UINT32 Width, UINT32 Height)
     return Strip;
 }
 
-UINT32 Larger(UINT32 A, UINT32 B) { return A > B ? A : B; }
-
 // Loads the strip, or draws a plain one where the file has none, and cuts it at the screen's edge. Without pool the box
 // stays without a picture and without a size: it is then neither drawn nor hit.
 VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32 Instance, const EFI_GUID* FileGuid,
@@ -81,7 +79,7 @@ VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32 Instan
             Width = Larger(Width, CaptionX + static_cast<UINT32>(StringLength(Caption)) * gCharacterWidth);
             Height = Larger(Height, CaptionY + gCharacterHeight);
         }
-        Width = Width < gScreenWidth ? Width : gScreenWidth; // however long the caption
+        Width = Smaller(Width, gScreenWidth); // however long the caption
         Box->Images = DrawPlainStrip(Width, Height);
         if (Box->Images == nullptr ||
             !CutStripToScreen(Box->Images, gFrameCount, Box->Rect.X, Box->Rect.Y, &Width, &Height)) {
@@ -89,9 +87,7 @@ VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32 Instan
             return;
         }
     }
-    Box->Rect.Width = Width;
-    Box->Rect.Height = Height;
-    Box->Rect.BufferSize = static_cast<UINT64>(Width) * Height * sizeof(PIXEL);
+    Box->Rect = PictureRect(Box->Rect.X, Box->Rect.Y, Width, Height);
     for (UINT32 I = 0; I < gFrameCount; I++) {
         Box->Frame[I] = Box->Images + static_cast<UINTN>(I) * Width * Height;
     }
@@ -154,14 +150,6 @@ bool SignalLinks(CHECK_BOX_COMPONENT* Box, UINT8 Kind)
         }
     }
     return Found;
-}
-
-bool PointerInBox(const GUI_RECT& Rect)
-{
-    const INT64 X = gGuiCore->PointerX;
-    const INT64 Y = gGuiCore->PointerY;
-    return X >= Rect.X && X < static_cast<INT64>(Rect.X) + Rect.Width && Y >= Rect.Y &&
-           Y < static_cast<INT64>(Rect.Y) + Rect.Height;
 }
 
 VOID TargetBox(CHECK_BOX_COMPONENT* Box, UINT8 Reset)
@@ -311,7 +299,8 @@ EFI_STATUS SetCheckBoxState(EFI_EVENT, VOID* Context)
         return EFI_SUCCESS;
     }
     (void)SignalLinks(Box, Box->State == 1 ? CHECK_BOX_LINK_CHECKED : CHECK_BOX_LINK_UNCHECKED);
-    if (PointerInBox(Box->Rect) && SignalLinks(Box, CHECK_BOX_LINK_INSIDE)) {
+    const bool Inside = PointInRect(Box->Rect, gGuiCore->PointerX, gGuiCore->PointerY);
+    if (Inside && SignalLinks(Box, CHECK_BOX_LINK_INSIDE)) {
         return EFI_SUCCESS;
     }
     (void)SignalLinks(Box, CHECK_BOX_LINK_OUTSIDE);
@@ -378,8 +367,7 @@ VOID DrawCheckBox(INT32 Frame, CHECK_BOX_COMPONENT* Box)
                          Box->CaptionY, &gBlackPixel, nullptr, 0);
     }
     FreePool(Text);
-    (void)PasteBlt(Picture.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    (void)ComposeScreen(gGuiCore, Picture.Data, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    (void)RepaintBlt(Picture.Data, Rect);
 }
 
 SCAN_RESULT ScanRadio(const GUI_COMPONENT* Component)

@@ -41,7 +41,7 @@ struct DD_FRAME_NODE {
     PIXEL* Image; // inside NodeImages
 };
 
-struct _DRAGDROP_COMPONENT : GRID {
+struct _DRAGDROP_COMPONENT : GRID_CONTROL {
     UINT8 ActiveNode; // number of the node in hand, gNoActiveNode for none
     UINT8 DragStarted;
     DD_FRAME_CELL* Cells;            // owned

@@ -29,7 +29,7 @@ PIXEL* PixelsOf(SHARED_PICTURE* Shared) { return reinterpret_cast<PIXEL*>(Shared
 
 } // namespace
 
-VOID CountCells(GRID* Grid, const CHAR16* const* DutyLabels)
+VOID CountCells(GRID_CONTROL* Grid, const CHAR16* const* DutyLabels)
 {
     Grid->Columns = CountStringTable(gTemperatureLabels);
     Grid->Rows = CountStringTable(DutyLabels);
@@ -37,7 +37,7 @@ VOID CountCells(GRID* Grid, const CHAR16* const* DutyLabels)
 
 bool GridFitsScreen(UINT64 Width, UINT64 Height) { return RectOnScreen(gGridX, gGridY, Width, Height); }
 
-VOID PlaceGrid(GRID* Grid, UINT32 ColumnWidth, UINT32 CellHeight)
+VOID PlaceGrid(GRID_CONTROL* Grid, UINT32 ColumnWidth, UINT32 CellHeight)
 {
     Grid->CellWidth = gGridCellWidth;
     Grid->CellHeight = static_cast<UINT16>(CellHeight);
@@ -102,7 +102,7 @@ PIXEL* AllocateWorkPicture(const GUI_RECT& Rect)
     return Picture;
 }
 
-EFI_STATUS TakeGridPictures(const GRID& Grid, PIXEL** Lines, PIXEL** Work, PIXEL** Panel)
+EFI_STATUS TakeGridPictures(const GRID_CONTROL& Grid, PIXEL** Lines, PIXEL** Work, PIXEL** Panel)
 {
     *Lines = TakeSharedPicture(SHARED_GRID, Grid.Rect, Grid.CellHeight);
     if (*Lines == nullptr) {
@@ -170,7 +170,8 @@ bool MarkRectangle(PIXEL* Canvas, UINT32 CanvasWidth, UINT32 CanvasHeight, INT32
     return true;
 }
 
-VOID OverlayOnGrid(const GRID& Grid, PIXEL* Work, const PIXEL* Picture, UINT32 Width, UINT32 Height, INT64 X, INT64 Y)
+VOID OverlayOnGrid(const GRID_CONTROL& Grid, PIXEL* Work, const PIXEL* Picture, UINT32 Width, UINT32 Height, INT64 X,
+                   INT64 Y)
 {
     if (Picture != nullptr) {
         (void)OverlayBlt(Picture, static_cast<INT32>(Width), static_cast<INT32>(Height), Work, Grid.Rect.Width,
@@ -178,16 +179,9 @@ VOID OverlayOnGrid(const GRID& Grid, PIXEL* Work, const PIXEL* Picture, UINT32 W
     }
 }
 
-EFI_STATUS ShowOnGrid(const GRID& Grid, PIXEL* Work)
-{
-    const GUI_RECT& Rect = Grid.Rect;
-    (void)PasteBlt(Work, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    return ComposeScreen(gGuiCore, Work, Rect.X, Rect.Y, Rect.Width, Rect.Height);
-}
-
 static_assert(gGridX > 0 && gGridY > 0); // a report of 0 says that there is none
 
-DRAG_REPORT ReportOnGrid(const GRID& Grid, INT64 X, INT64 Y)
+DRAG_REPORT ReportOnGrid(const GRID_CONTROL& Grid, INT64 X, INT64 Y)
 {
     return {
         .RelX = static_cast<UINT16>(X < 0 ? -X : X),

@@ -16,7 +16,7 @@ constexpr UINT32 gGridY = 262;
 constexpr UINT16 gGridCellWidth = 30;
 
 // Head of a slider's and of a frame's record.
-struct GRID {
+struct GRID_CONTROL {
     GUI_RECT Rect;
     UINT8 Columns;
     UINT8 Rows;
@@ -25,13 +25,13 @@ struct GRID {
 };
 
 // Sets the numbers of columns and rows to those of the labels: of gTemperatureLabels, and of a null-ended table of duties.
-VOID CountCells(GRID* Grid, const CHAR16* const* DutyLabels);
+VOID CountCells(GRID_CONTROL* Grid, const CHAR16* const* DutyLabels);
 
 // Whether a control of that size, placed as all grids are, lies on the screen and has any pixel.
 bool GridFitsScreen(UINT64 Width, UINT64 Height);
 
 // Gives a counted grid its place and its cells' size. Its rectangle has a pixel more than its columns and rows take.
-VOID PlaceGrid(GRID* Grid, UINT32 ColumnWidth, UINT32 CellHeight);
+VOID PlaceGrid(GRID_CONTROL* Grid, UINT32 ColumnWidth, UINT32 CellHeight);
 
 // Whether a control with these two switches is live: exactly one of them isn't 0.
 constexpr bool IsLive(UINT8 Inverted, UINT8 Linked) { return (Inverted != 0) != (Linked != 0); }
@@ -69,7 +69,7 @@ PIXEL* AllocateWorkPicture(const GUI_RECT& Rect);
 
 // The three pictures of a control: lines and panel are shared, the one in between is its own. EFI_BUFFER_TOO_SMALL without
 // pool for one of them: the panel, which comes last, is then null.
-EFI_STATUS TakeGridPictures(const GRID& Grid, PIXEL** Lines, PIXEL** Work, PIXEL** Panel);
+EFI_STATUS TakeGridPictures(const GRID_CONTROL& Grid, PIXEL** Lines, PIXEL** Work, PIXEL** Panel);
 VOID ReleaseGridPictures(PIXEL*& Lines, PIXEL*& Panel, PIXEL*& Work);
 
 // Fills a Width x Height picture with cells of gCellColor behind lines of gPanelColor: two pixels at the top and left
@@ -85,13 +85,11 @@ bool MarkRectangle(PIXEL* Canvas, UINT32 CanvasWidth, UINT32 CanvasHeight, INT32
                    UINT32 Height, PIXEL Color);
 
 // Lays a thumb or a node, which may be null, over a picture of the grid's size. Its key colour stays out.
-VOID OverlayOnGrid(const GRID& Grid, PIXEL* Work, const PIXEL* Picture, UINT32 Width, UINT32 Height, INT64 X, INT64 Y);
-
-// Brings a picture of the grid's size to the screen. The status of ComposeScreen.
-EFI_STATUS ShowOnGrid(const GRID& Grid, PIXEL* Work);
+VOID OverlayOnGrid(const GRID_CONTROL& Grid, PIXEL* Work, const PIXEL* Picture, UINT32 Width, UINT32 Height, INT64 X,
+                   INT64 Y);
 
 // The report of a drag whose thing stands at (X, Y) of the grid.
-DRAG_REPORT ReportOnGrid(const GRID& Grid, INT64 X, INT64 Y);
+DRAG_REPORT ReportOnGrid(const GRID_CONTROL& Grid, INT64 X, INT64 Y);
 
 // Cancels and closes the events of a control, those that there are. The status of the last cancel, EFI_SUCCESS for none.
 EFI_STATUS CloseGridEvents(EFI_EVENT& Primary, EFI_EVENT& Secondary);

@@ -22,14 +22,6 @@ FLOAT_WORD Quotient(INT64 A, INT64 B)
     return gFloatMath->FloatDivide(gFloatMath->IntToFloat(A), gFloatMath->IntToFloat(B));
 }
 
-// t x From + u x To, in whole numbers.
-UINT8 MixColor(FLOAT_WORD T, UINT8 From, FLOAT_WORD U, UINT8 To)
-{
-    const FLOAT_WORD Sum = gFloatMath->FloatAdd(gFloatMath->FloatMultiply(T, gFloatMath->IntToFloat(From)),
-                                                gFloatMath->FloatMultiply(U, gFloatMath->IntToFloat(To)));
-    return static_cast<UINT8>(gFloatMath->FloatToInt(Sum));
-}
-
 UINT8 ScaleColor(UINT8 Value, FLOAT_WORD Factor)
 {
     return static_cast<UINT8>(gFloatMath->FloatToInt(gFloatMath->FloatMultiply(gFloatMath->IntToFloat(Value), Factor)));
@@ -44,15 +36,9 @@ bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Co
     if (Series->Gradient == nullptr || Series->BlendGradient == nullptr) {
         return false;
     }
-    const FLOAT_WORD One = gFloatMath->IntToFloat(1);
     for (UINT32 K = Count; K > 0; K--) {
-        const FLOAT_WORD T = Quotient(K, Count);
-        const FLOAT_WORD U = gFloatMath->FloatSubtract(One, T);
         PIXEL* Entry = &Series->Gradient[K - 1];
-        Entry->Blue = MixColor(T, Color.Blue, U, gBlackPixel.Blue);
-        Entry->Green = MixColor(T, Color.Green, U, gBlackPixel.Green);
-        Entry->Red = MixColor(T, Color.Red, U, gBlackPixel.Red);
-
+        *Entry = MixColor(Quotient(K, Count), Color, gBlackPixel);
         // Red is scaled by the complement, which is a little less.
         PIXEL* Blend = &Series->BlendGradient[K - 1];
         Blend->Blue = ScaleColor(Entry->Blue, Chart->BlendFactor);
@@ -375,8 +361,5 @@ EFI_STATUS ShowLineChart(LINE_CHART* Chart)
     if (Chart == nullptr) {
         return EFI_NOT_FOUND;
     }
-    const GUI_RECT& Rect = Chart->Rect;
-    const EFI_STATUS Status = PasteBlt(Chart->Pixels, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    (void)ComposeScreen(gGuiCore, Chart->Pixels, Rect.X, Rect.Y, Rect.Width, Rect.Height);
-    return Status;
+    return RepaintBlt(Chart->Pixels, Chart->Rect);
 }

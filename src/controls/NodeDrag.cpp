@@ -109,7 +109,7 @@ VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
     }
     DrawGuideLines(Frame, Place, Color);
     OverlayNode(Frame, Active, Place);
-    (void)ShowOnGrid(*Frame, Frame->WorkImage);
+    (void)RepaintBlt(Frame->WorkImage, Rect);
     gFrameDragReport = ReportOnGrid(*Frame, Place.X, Place.Y);
 }
 

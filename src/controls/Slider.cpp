@@ -109,7 +109,7 @@ VOID PaintSliderDrag(SLIDER_COMPONENT* Slider, INT64 Offset)
         FillPixels(Slider->Canvas + GuideRow * Rect.Width, Rect.Width, gSliderMarkColor);
     }
     OverlayThumb(Slider, Offset);
-    (void)ShowOnGrid(*Slider, Slider->Canvas);
+    (void)RepaintBlt(Slider->Canvas, Rect);
     gSliderDragReport = ReportOnGrid(*Slider, 0, Offset);
 }
 

@@ -12,7 +12,7 @@
 #include "gui/core/GUICore.h"
 
 // The height of a cell is that of the thumb's picture; the pitch of the thumb's places is 40 all the same.
-struct _SLIDER_COMPONENT : GRID {
+struct _SLIDER_COMPONENT : GRID_CONTROL {
     UINT16 Level; // 0 is the bottom row, Rows - 1 the top row. Values beyond are kept and not drawn
     GUI_RECT ThumbRect;
     PIXEL* ThumbImage; // owned

@@ -31,27 +31,12 @@ constexpr UINTN gValueTextLength = gNumberLength + 5; // with the zeros behind i
 
 constexpr CHAR8 gSourcePath[] = "src\\controls\\VoltageGauge.cpp";
 
-// t x Right + u x Left, in whole numbers.
-UINT8 MixColor(FLOAT_WORD T, UINT8 Right, FLOAT_WORD U, UINT8 Left)
-{
-    const FLOAT_WORD Sum = gFloatMath->FloatAdd(gFloatMath->FloatMultiply(T, gFloatMath->IntToFloat(Right)),
-                                                gFloatMath->FloatMultiply(U, gFloatMath->IntToFloat(Left)));
-    return static_cast<UINT8>(gFloatMath->FloatToInt(Sum));
-}
-
 VOID FillGradient(VOLTAGE_GAUGE* Gauge)
 {
-    const FLOAT_WORD One = gFloatMath->IntToFloat(1);
     const FLOAT_WORD Count = gFloatMath->IntToFloat(gBarWidth);
     for (INT32 Column = 0; Column < gBarWidth; Column++) {
-        const FLOAT_WORD T = gFloatMath->FloatDivide(gFloatMath->IntToFloat(Column), Count);
-        const FLOAT_WORD U = gFloatMath->FloatSubtract(One, T);
-        Gauge->Gradient[Column] = {
-            .Blue = MixColor(T, Gauge->RightColor.Blue, U, Gauge->LeftColor.Blue),
-            .Green = MixColor(T, Gauge->RightColor.Green, U, Gauge->LeftColor.Green),
-            .Red = MixColor(T, Gauge->RightColor.Red, U, Gauge->LeftColor.Red),
-            .Reserved = 0,
-        };
+        const FLOAT_WORD Part = gFloatMath->FloatDivide(gFloatMath->IntToFloat(Column), Count);
+        Gauge->Gradient[Column] = MixColor(Part, Gauge->RightColor, Gauge->LeftColor);
     }
 }
 
@@ -235,9 +220,8 @@ EFI_STATUS DrawVoltageGauge(VOLTAGE_GAUGE* Gauge, UINT8 FirstPaint, UINT8 Last)
         Gauge->TitleHeight = 0;
     }
     OverlayCanvas(Gauge, Gauge->TitleImage, Gauge->TitleWidth, Gauge->TitleHeight, 0, gTitleY);
-    const UINTN Width = gGaugeWidth;
-    const UINTN Height = gGaugeHeight;
-    (void)PasteBlt(Gauge->Canvas, Width, Height, Gauge->X, Gauge->Y, gGuiCore->Screen);
-    (void)ComposeScreen(gGuiCore, Gauge->Canvas, Gauge->X, Gauge->Y, Width, Height);
+    const GUI_RECT Rect =
+        PictureRect(static_cast<UINT32>(Gauge->X), static_cast<UINT32>(Gauge->Y), gGaugeWidth, gGaugeHeight);
+    (void)RepaintBlt(Gauge->Canvas, Rect);
     return EFI_SUCCESS;
 }

@@ -23,7 +23,7 @@ constexpr PIXEL RestingColor(UINTN Index) { return Index == 0 ? gPanelColor : gC
 // Column just right of the tab. A picture of any width is cut at the screen.
 UINT32 RightOfTab(const BTN_COMPONENT* Tab)
 {
-    return Tab->Rect.Width < gScreenWidth - Tab->Rect.X ? Tab->Rect.X + Tab->Rect.Width : gScreenWidth;
+    return Tab->Rect.X + Smaller(Tab->Rect.Width, gScreenWidth - Tab->Rect.X);
 }
 
 VOID PlotTabOutline(const BTN_COMPONENT* Tab, PIXEL Color)
@@ -105,7 +105,7 @@ VOID EraseFanTabOutline(const BTN_COMPONENT* Tab, PIXEL Color)
 
 VOID PlotOutlinePixel(PIXEL Color, UINT32 X, UINT32 Y)
 {
-    if (X >= gScreenWidth || Y >= gScreenHeight) {
+    if (!PointOnScreen(X, Y)) {
         return;
     }
     (void)gGraphicsOutput->Blt(gGraphicsOutput, &Color, EfiBltVideoFill, 0, 0, X, Y, 1, 1, 0);

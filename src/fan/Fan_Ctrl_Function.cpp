@@ -13,8 +13,6 @@ constexpr FAN_CURVE gDefaultCurve = {{1, 2, 3, 4}, {1, 2, 3, 4}};
 // FixedLevel of a record from a dropped node on a page without a slider; what the page's box writes carries 0.
 constexpr UINT16 gDropFixedLevel = 1;
 
-constexpr UINT8 Clamp(UINT8 Value, UINT8 Low, UINT8 High) { return Value < Low ? Low : Value > High ? High : Value; }
-
 VOID PutCurve(const FAN_CURVE& Curve, FAN_SETTING* Record)
 {
     Record->Column0 = Curve.Column[0];
@@ -117,15 +115,15 @@ FAN_CURVE LegalizeCurve(const FAN_CURVE& Curve, UINT8 Columns, UINT8 Rows)
     UINT8 LowestLevel = 1;
     for (UINTN Node = 0; Node < gNodeCount; Node++) {
         const UINT8 LastColumn = static_cast<UINT8>(Columns - (gNodeCount - 1 - Node));
-        Legal.Column[Node] = Clamp(Curve.Column[Node], LowestColumn, LastColumn);
-        Legal.Level[Node] = Clamp(Curve.Level[Node], LowestLevel, Rows);
+        Legal.Column[Node] = Limit(Curve.Column[Node], LowestColumn, LastColumn);
+        Legal.Level[Node] = Limit(Curve.Level[Node], LowestLevel, Rows);
         LowestColumn = static_cast<UINT8>(Legal.Column[Node] + 1);
         LowestLevel = Legal.Level[Node];
     }
     return Legal;
 }
 
-UINT8 LegalFixedLevel(UINT16 FixedLevel, UINT8 Rows) { return Clamp(static_cast<UINT8>(FixedLevel & 0xFF), 1, Rows); }
+UINT8 LegalFixedLevel(UINT16 FixedLevel, UINT8 Rows) { return Limit<UINT8>(static_cast<UINT8>(FixedLevel), 1, Rows); }
 
 VOID LoadNodeCells(const FAN_PAGE* Page, const CHAR16* const* DutyTable, UINT32* Cells)
 {
@@ -155,7 +153,7 @@ EFI_STATUS BuildFanSetting(const FAN_PAGE* Page, UINT8 CurveOn, FAN_SETTING* Rec
     }
     if (HasSlider) {
         const SLIDER_COMPONENT& Slider = Page->Slider;
-        Record->FixedLevel = static_cast<UINT16>((Slider.Level < Slider.Rows ? Slider.Level : Slider.Rows - 1) + 1);
+        Record->FixedLevel = static_cast<UINT16>(Smaller<UINT32>(Slider.Level + 1u, Slider.Rows));
     }
     return EFI_SUCCESS;
 }

@@ -129,11 +129,11 @@ EFI_STATUS CropBlt(PIXEL** Out, UINTN Width, UINTN Height, UINTN SrcStride, cons
 
 bool CutStripToScreen(PIXEL* Strip, UINT32 Count, UINT32 X, UINT32 Y, UINT32* Width, UINT32* Height)
 {
-    if (*Width == 0 || *Height == 0 || X >= gScreenWidth || Y >= gScreenHeight) {
+    const UINT32 Columns = static_cast<UINT32>(VisibleExtent(*Width, X, gScreenWidth));
+    const UINT32 Rows = static_cast<UINT32>(VisibleExtent(*Height, Y, gScreenHeight));
+    if (Columns == 0 || Rows == 0) {
         return false;
     }
-    const UINT32 Columns = *Width < gScreenWidth - X ? *Width : gScreenWidth - X;
-    const UINT32 Rows = *Height < gScreenHeight - Y ? *Height : gScreenHeight - Y;
     if (Columns == *Width && Rows == *Height) {
         return true;
     }

@@ -5,15 +5,6 @@
 
 namespace {
 
-constexpr UINTN Smaller(UINTN A, UINTN B) { return A < B ? A : B; }
-
-// How much of an extent that begins at At is left before Limit. A place off the screen, a negative one seen as unsigned
-// included, leaves nothing.
-constexpr UINTN VisibleExtent(UINTN Extent, UINTN At, UINTN Limit)
-{
-    return At >= Limit ? 0 : Smaller(Extent, Limit - At);
-}
-
 // Rows of fewer pixels than this are copied here: a call of the firmware's CopyMem takes longer to begin than they do.
 constexpr UINTN gShortRow = 48;
 
@@ -52,8 +43,8 @@ VOID MergePointer(const GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN W
 {
     const UINTN PointerX = static_cast<UINTN>(Core->PointerX);
     const UINTN PointerY = static_cast<UINTN>(Core->PointerY);
-    const UINTN Left = PointerX > X ? PointerX : X;
-    const UINTN Top = PointerY > Y ? PointerY : Y;
+    const UINTN Left = Larger(PointerX, X);
+    const UINTN Top = Larger(PointerY, Y);
     const UINTN Right = Smaller(PointerX + Core->CursorWidth, X + VisibleExtent(Width, X, gScreenWidth));
     const UINTN Bottom = Smaller(PointerY + Core->CursorHeight, Y + VisibleExtent(Height, Y, gScreenHeight));
     if (Left < Right && Top < Bottom) {
@@ -136,9 +127,8 @@ EFI_STATUS PasteBlt(const PIXEL* Src, UINTN Width, UINTN Height, UINTN X, UINTN 
     if (X >= gScreenWidth || Y >= gScreenHeight) {
         return EFI_OUT_OF_RESOURCES;
     }
-    const UINTN Columns = Smaller(Width, gScreenWidth - X);
-    const UINTN Rows = Smaller(Height, gScreenHeight - Y);
-    CopyBlock({Dst + Y * gScreenWidth + X, gScreenWidth}, {Src, Width}, Columns, Rows);
+    CopyBlock({Dst + Y * gScreenWidth + X, gScreenWidth}, {Src, Width}, VisibleExtent(Width, X, gScreenWidth),
+              VisibleExtent(Height, Y, gScreenHeight));
     return EFI_SUCCESS;
 }
 
@@ -222,6 +212,13 @@ EFI_STATUS GrayBlt(PIXEL* Dst, UINTN DstWidth, UINTN DstHeight, const PIXEL* Src
     return EFI_SUCCESS;
 }
 
+EFI_STATUS RepaintBlt(PIXEL* Buffer, const GUI_RECT& Rect)
+{
+    const EFI_STATUS Status = PasteBlt(Buffer, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
+    (void)ComposeScreen(gGuiCore, Buffer, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    return Status;
+}
+
 EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height)
 {
     const bool Moved =
@@ -242,8 +239,7 @@ EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN 
     }
 
     // A pointer service may name a place off the screen; then there is nothing to lay the pointer on.
-    const bool OnScreen =
-        Core->PointerX >= 0 && Core->PointerX < gScreenWidth && Core->PointerY >= 0 && Core->PointerY < gScreenHeight;
+    const bool OnScreen = PointOnScreen(Core->PointerX, Core->PointerY);
     if (OnScreen) {
         (void)ExtractBlt(Core->CursorBlend, Core->CursorWidth, Core->CursorHeight, Core->Screen, gScreenWidth,
                          gScreenHeight, static_cast<INT32>(Core->PointerY), static_cast<INT32>(Core->PointerX));

@@ -8,7 +8,7 @@
 //
 // Everything that changes the screen does so by one of three patterns, because a stored picture must never hold the
 // pointer and the display must never show what Screen doesn't hold:
-// - repaint: paint a buffer, PasteBlt it to Screen, then ComposeScreen with the same buffer and rectangle;
+// - repaint: paint a buffer, PasteBlt it to Screen, then ComposeScreen with the same buffer and rectangle: RepaintBlt;
 // - erase: ExtractBlt the rectangle from Background, then as above;
 // - pointer only: ComposeScreen without a buffer.
 #pragma once
@@ -42,6 +42,9 @@ EFI_STATUS GrayBlt(PIXEL* Dst, UINTN DstWidth, UINTN DstHeight, const PIXEL* Src
 // null Buffer only the pointer is brought up to date. While the left button is held the pointer is merged into Buffer,
 // so that the repaint doesn't wipe it: paste to Screen before composing, never after. Always EFI_SUCCESS.
 EFI_STATUS ComposeScreen(GUI_CORE* Core, PIXEL* Buffer, UINTN X, UINTN Y, UINTN Width, UINTN Height);
+
+// The repaint pattern, for a buffer of the rectangle's size. The status of PasteBlt.
+EFI_STATUS RepaintBlt(PIXEL* Buffer, const GUI_RECT& Rect);
 
 // The erase pattern: the rectangle's clean picture comes back from Background to Screen and display. Without pool for
 // the temporary block nothing happens.

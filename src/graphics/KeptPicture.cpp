@@ -10,8 +10,8 @@ VOID ShowPicture(const PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN
     }
     (void)PasteBlt(Picture, Width, Height, X, Y, gGuiCore->Screen);
 
-    const UINTN Columns = Width < gScreenWidth - X ? Width : gScreenWidth - X;
-    const UINTN Rows = Height < gScreenHeight - Y ? Height : gScreenHeight - Y;
+    const UINTN Columns = VisibleExtent(Width, X, gScreenWidth);
+    const UINTN Rows = VisibleExtent(Height, Y, gScreenHeight);
     const TEMPORARY<PIXEL> Block(AllocateArray<PIXEL>(Columns * Rows));
     if (!Block) {
         return;

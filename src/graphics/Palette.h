@@ -2,7 +2,7 @@
 #pragma once
 
 #include "shell/contract/Screen.h"
-
+#include "shell/contract/Services.h"
 
 constexpr UINTN gNodeCount = 4;
 
@@ -44,6 +44,9 @@ constexpr PIXEL gScaleHotColorY = {0xFF, 0xFF, 0xFF, 0};
 
 // Colour comparison looks at blue, green and red; the reserved byte never counts.
 constexpr bool SameColor(PIXEL A, PIXEL B) { return A.Blue == B.Blue && A.Green == B.Green && A.Red == B.Red; }
+
+// Part of one colour and the rest to 1 of another, each byte in whole numbers. The reserved byte is 0.
+PIXEL MixColor(FLOAT_WORD Part, PIXEL Color, PIXEL Other);
 
 // A pixel as the word that travels by value.
 constexpr UINT32 PixelWord(PIXEL Pixel) { return __builtin_bit_cast(UINT32, Pixel); }

@@ -159,8 +159,7 @@ VOID RunPage(MESSAGE_BOX* Box, const GUI_RECT& Rect)
     // The main loop must not take the right button that closed the page for its own.
     gGuiCore->RightButton = 0;
     gGuiCore->MouseState = NOEVENT;
-    (void)PasteBlt(Under.Data, Rect.Width, Rect.Height, Rect.X, Rect.Y, gGuiCore->Screen);
-    (void)ComposeScreen(gGuiCore, Under.Data, Rect.X, Rect.Y, Rect.Width, Rect.Height);
+    (void)RepaintBlt(Under.Data, Rect);
     WriteRect(Rect, Under.Data);
     (void)gBS->Stall(gCloseDelay);
 }
@@ -179,11 +178,8 @@ VOID ShowPage(const INFORMATION_PAGE& Page)
         Box = {}; // no box, no page
     }
     // The service settles the size; what of it lies off the screen isn't ours to keep.
-    const UINT32 MostWidth = gScreenWidth - Page.X;
-    const UINT32 MostHeight = gScreenHeight - Page.Y;
-    GUI_RECT Rect = {Page.X, Page.Y, Box.BoxWidth < MostWidth ? Box.BoxWidth : MostWidth,
-                     Box.BoxHeight < MostHeight ? Box.BoxHeight : MostHeight, 0};
-    Rect.BufferSize = static_cast<UINT64>(Rect.Width) * Rect.Height * sizeof(PIXEL);
+    const GUI_RECT Rect = PictureRect(Page.X, Page.Y, Smaller(Box.BoxWidth, gScreenWidth - Page.X),
+                                      Smaller(Box.BoxHeight, gScreenHeight - Page.Y));
     if (Rect.BufferSize != 0) {
         RunPage(&Box, Rect);
     }

@@ -105,8 +105,7 @@ VOID CreateVoltageGauges()
             (void)CreateVoltageGauge(&gVoltageGauge[Gauge], Title.Data, static_cast<INT32>(Facts.X));
         }
         if (gVoltageGauge[Gauge] != nullptr) {
-            const GUI_RECT Rect = {Facts.X, gGaugeY, gGaugeWidth, gGaugeHeight,
-                                   gGaugeWidth * gGaugeHeight * sizeof(PIXEL)};
+            const GUI_RECT Rect = PictureRect(Facts.X, gGaugeY, gGaugeWidth, gGaugeHeight);
             RegisterControl(gVoltageGauge[Gauge], &Rect, _BLT_BUF, &gVoltageGauge[Gauge]->Id, nullptr, nullptr,
                             Facts.Name);
         }

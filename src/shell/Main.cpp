@@ -54,7 +54,7 @@ constexpr UINT32 gTempCaptionInstance = 22;
 constexpr UINT32 gDutyCaptionInstance = 23;
 constexpr UINT32 gRpmCaptionInstance = 24;
 
-constexpr GUI_RECT gPanel = {274, 220, 690, 328, 690 * 328 * 4};
+constexpr GUI_RECT gPanel = PictureRect(274, 220, 690, 328);
 
 constexpr UINTN gLastStall = 300000; // microseconds: the last picture stands a moment before the firmware goes on
 

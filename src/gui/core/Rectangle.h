@@ -32,6 +32,12 @@ constexpr bool PointerInRect(const GUI_RECT& Rect, INT64 X, INT64 Y)
     return X != 0 && Y != 0 && PointInRect(Rect, X, Y);
 }
 
+constexpr bool PointOnScreen(INT64 X, INT64 Y) { return X >= 0 && X < gScreenWidth && Y >= 0 && Y < gScreenHeight; }
+
+// How much of an extent that begins at At is left before End. A place outside, a negative one seen as unsigned included,
+// leaves nothing.
+constexpr UINTN VisibleExtent(UINTN Extent, UINTN At, UINTN End) { return At >= End ? 0 : Smaller(Extent, End - At); }
+
 // Whether all of it lies on the screen, and it has any pixel.
 constexpr bool RectOnScreen(UINT64 X, UINT64 Y, UINT64 Width, UINT64 Height)
 {
