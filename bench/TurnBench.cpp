@@ -2,6 +2,7 @@
 //
 //     turn_bench                      the table, warm and cold
 //     turn_bench --svg FILE           and a picture of where the time of a turn goes
+//     turn_bench --displays           what other displays cost
 //     turn_bench --pool               what the console holds of the pool at rest, by who asked for it
 //     turn_bench --scene NAME TURNS   plays a scene for callgrind, which then counts those turns alone
 //
@@ -166,7 +167,8 @@ struct LOADED {
     VOID* Image = nullptr;
     IMAGE_ENTRY_POINT Entry = nullptr;
 
-    LOADED() : Boot({.ArtworkPack = gArtworkPack, .ArtworkPackSize = gArtworkPackSize})
+    explicit LOADED(const PANEL& Panel = {})
+        : Boot({.ArtworkPack = gArtworkPack, .ArtworkPackSize = gArtworkPackSize, .Panel = Panel})
     {
         std::string Error;
         if (EfiError(Boot.InstallBoard())) {
@@ -187,9 +189,9 @@ struct LOADED {
     ~LOADED() { UnloadImage(Image); }
 };
 
-SCENE_RESULT PlayScene(const SCENE_FACTS& Facts, bool Cold)
+SCENE_RESULT PlayScene(const SCENE_FACTS& Facts, bool Cold, const PANEL& Panel = {})
 {
-    LOADED Loaded;
+    LOADED Loaded(Panel);
     PutTimers(Loaded.Boot);
     SCENE_RUN Run;
     Run.Facts = &Facts;
@@ -237,11 +239,11 @@ struct START_RUN {
 };
 
 // From the entry to the first turn, when all of the first picture is on the display.
-TURN_FIGURES PlayStarts()
+TURN_FIGURES PlayStarts(const PANEL& Panel = {})
 {
     TURN_FIGURES Best;
     for (int I = 0; I < gStarts; I++) {
-        LOADED Loaded;
+        LOADED Loaded(Panel);
         PutTimers(Loaded.Boot);
         START_RUN Run = {.Boot = &Loaded.Boot, .Since = std::chrono::steady_clock::now()};
         RestartSplit();
@@ -361,6 +363,96 @@ VOID PrintPool()
                   .Context = &Context});
 }
 
+// The console on displays that it can't work on itself. What reaches the display is counted in another run than the times.
+struct DISPLAY_FACTS {
+    const char* Name;
+    PANEL Panel;
+};
+
+constexpr DISPLAY_FACTS gDisplays[] = {
+    {"1024x768, as it is", {}},
+    {"1024x768, Blt alone", {1024, 768, PANEL_BLT_ONLY}},
+    {"1024x768, red first", {1024, 768, PANEL_RED_FIRST}},
+    {"2048x1536", {2048, 1536, PANEL_BLUE_FIRST}},
+    {"3840x2160", {3840, 2160, PANEL_BLUE_FIRST}},
+    {"800x600", {800, 600, PANEL_BLUE_FIRST}},
+};
+
+struct BLOCKS {
+    UINT64 Count;
+    UINT64 Pixels;
+};
+
+BLOCKS gBlocks;
+decltype(EFI_GRAPHICS_OUTPUT_PROTOCOL::Blt) gTrueBlt;
+
+EFI_STATUS CountBlock(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer,
+                      EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY, UINTN DestinationX,
+                      UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta)
+{
+    gBlocks = {gBlocks.Count + 1, gBlocks.Pixels + Width * Height};
+    return gTrueBlt(This, Buffer, Operation, SourceX, SourceY, DestinationX, DestinationY, Width, Height, Delta);
+}
+
+// What the display gets until the first turn, and then in a tick. Single pixels are sent in each turn, which lasts longer
+// here than they may be held back.
+struct DISPLAY_COUNT {
+    BOOT* Boot;
+    BLOCKS Start = {};
+    BLOCKS Ticks = {};
+    UINT64 Turn = 0;
+
+    VOID NextTurn()
+    {
+        constexpr UINT64 gChartTurns = 448; // the chart is full
+        constexpr UINT64 Ticks = 56;
+        Boot->SettleDisplay();
+        if (Turn == 0) {
+            Start = gBlocks;
+        } else if (Turn == gChartTurns) {
+            gBlocks = {};
+        } else if (Turn == gChartTurns + Ticks) {
+            this->Ticks = {gBlocks.Count / Ticks, gBlocks.Pixels / Ticks};
+            Boot->Consoles.Press(SCAN_ESC, 0);
+        }
+        Turn++;
+        (void)PrepareTick(*Boot, Turn);
+    }
+};
+
+DISPLAY_COUNT CountBlocks(const PANEL& Panel)
+{
+    LOADED Loaded(Panel);
+    gBlocks = {};
+    gTrueBlt = Loaded.Boot.Protocols.GraphicsOutput.Blt;
+    Loaded.Boot.Protocols.GraphicsOutput.Blt = CountBlock;
+    DISPLAY_COUNT Count = {&Loaded.Boot};
+    Loaded.Start(
+        {.BeginTurn = [](VOID* Context) { static_cast<DISPLAY_COUNT*>(Context)->NextTurn(); }, .Context = &Count});
+    return Count;
+}
+
+VOID PrintDisplays(const REFERENCES& References)
+{
+    std::printf(
+        "\ndisplays: the start, and a tick, warm; goals: with Blt alone a start of at most 1.5 times, and at "
+        "2048x1536 a tick\nof at most 4 T more; and what reaches the display\n%-20s %8s %6s %8s %7s %8s | %7s %9s "
+        "%6s %9s\n",
+        "", "start ms", "times", "tick us", "T", "T more", "blocks", "pixels", "a tick", "pixels");
+    double Start = 0;
+    double Tick = 0;
+    for (const DISPLAY_FACTS& Display : gDisplays) {
+        const double ItsStart = PlayStarts(Display.Panel).Least / 1e6;
+        const double ItsTick = PlayScene(gScenes[1], false, Display.Panel).Mean;
+        Start = Start == 0 ? ItsStart : Start;
+        Tick = Tick == 0 ? ItsTick : Tick;
+        const DISPLAY_COUNT Count = CountBlocks(Display.Panel);
+        std::printf("%-20s %8.1f %6.2f %8.1f %7.2f %8.2f | %7llu %9llu %6llu %9llu\n", Display.Name, ItsStart,
+                    ItsStart / Start, ItsTick / 1000, ItsTick / References.T[0], (ItsTick - Tick) / References.T[0],
+                    Count.Start.Count, Count.Start.Pixels, Count.Ticks.Count, Count.Ticks.Pixels);
+    }
+}
+
 // A bar a scene, cut into the places where its time goes.
 VOID WriteSvg(const char* File, const std::vector<SCENE_RESULT>& Results)
 {
@@ -444,6 +536,7 @@ VOID PrintTable(const char* SvgFile)
                 "where the milliseconds go (%d identifiers, which are in the console's, take %.2f)\n",
                 Start.Least / 1e6, gStarts, gTimedIdentifiers, IdentifierTime / 1e6);
     PrintSplit("start", Start.Split, 1e6, " %9.2f");
+    PrintDisplays(References);
     if (SvgFile != nullptr) {
         WriteSvg(SvgFile, Warm);
     }
@@ -456,6 +549,8 @@ int main(int Count, char** Arguments)
     const std::string First = Count > 1 ? Arguments[1] : "";
     if (Count == 1) {
         PrintTable(nullptr);
+    } else if (First == "--displays" && Count == 2) {
+        PrintDisplays(TimeReferences());
     } else if (First == "--svg" && Count == 3) {
         PrintTable(Arguments[2]);
     } else if (First == "--pool" && Count == 2) {
@@ -463,7 +558,7 @@ int main(int Count, char** Arguments)
     } else if (First == "--scene" && Count == 4) {
         PlayForCounting(Arguments[2], std::strtoull(Arguments[3], nullptr, 10));
     } else {
-        std::fprintf(stderr, "usage: %s [--svg FILE | --pool | --scene NAME TURNS]\n", Arguments[0]);
+        std::fprintf(stderr, "usage: %s [--svg FILE | --displays | --pool | --scene NAME TURNS]\n", Arguments[0]);
         return 2;
     }
     return 0;

@@ -83,7 +83,7 @@ VOID PutTimers(BOOT& Boot)
     TIMED<PLACE_OTHER, &EFI_RUNTIME_SERVICES::GetVariable>::Put(Boot.ConsoleTable.RuntimeServices);
     TIMED<PLACE_OTHER, &EFI_RUNTIME_SERVICES::SetVariable>::Put(Boot.ConsoleTable.RuntimeServices);
     TIMED<PLACE_LOOP, &EFI_SIMPLE_TEXT_INPUT_PROTOCOL::ReadKeyStroke>::Put(Boot.ConsoleTable.ConIn);
-    TIMED<PLACE_BLT, &EFI_GRAPHICS_OUTPUT_PROTOCOL::Blt>::Put(&Boot.Protocols.GraphicsOutput);
+    TIMED<PLACE_BLT, &EFI_GRAPHICS_OUTPUT_PROTOCOL::Blt>::Put(Boot.Protocols.Shown);
     TIMED<PLACE_TEXT, &EFI_HII_FONT_PROTOCOL::StringToImage>::Put(&Boot.Protocols.Font);
 
     auto* Hardware = Service<HW_SERVICE_PROTOCOL>(gHwServiceProtocolGuid);

@@ -1,11 +1,13 @@
 #include "platform/display/DisplayLayer.h"
 
+#include <emmintrin.h>
+
 #include "platform/display/Scale.h"
 
 namespace {
 
 constexpr UINTN gPictureBytes = static_cast<UINTN>(gPictureWidth) * gPictureHeight * sizeof(PIXEL);
-constexpr UINT32 gStripRows = 64; // panel rows a Blt of scaled pixels; more than any multiple
+constexpr UINT32 gStripRows = 64; // panel rows in a Blt of scaled pixels
 
 // What stands around the picture: the dark tone of the boot screen's edge.
 constexpr PIXEL gSurround = {.Blue = 36, .Green = 26, .Red = 20, .Reserved = 0};
@@ -13,6 +15,9 @@ constexpr PIXEL gSurround = {.Blue = 36, .Green = 26, .Red = 20, .Reserved = 0};
 // Changes of at most so many pixels are gathered, as long as one rectangle of at most so many holds them.
 constexpr UINT32 gFewPixels = 4;
 constexpr UINT32 gMostHeld = 16384;
+
+// Unchanged pixels that are sent to save a Blt.
+constexpr UINT32 gSparedPixels = 512;
 
 constexpr UINT32 Smaller(UINT32 A, UINT32 B) { return A < B ? A : B; }
 constexpr UINT32 Larger(UINT32 A, UINT32 B) { return A > B ? A : B; }
@@ -26,6 +31,23 @@ constexpr PANEL_AREA Around(const PANEL_AREA& A, const PANEL_AREA& B)
 }
 
 bool SamePixel(PIXEL A, PIXEL B) { return __builtin_bit_cast(UINT32, A) == __builtin_bit_cast(UINT32, B); }
+
+// Most of what the console sends is shown already, so that the comparison is most of the work.
+template <UINTN Count> bool SameBlock(const PIXEL* A, const PIXEL* B)
+{
+    constexpr UINTN AtOnce = sizeof(__m128i) / sizeof(PIXEL);
+    const auto Differ = [&](UINTN At) {
+        return _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(A + At)),
+                             _mm_loadu_si128(reinterpret_cast<const __m128i*>(B + At)));
+    };
+    __m128i Even = Differ(0);
+    __m128i Odd = Differ(AtOnce);
+    for (UINTN At = 2 * AtOnce; At < Count; At += 2 * AtOnce) {
+        Even = _mm_or_si128(Even, Differ(At));
+        Odd = _mm_or_si128(Odd, Differ(At + AtOnce));
+    }
+    return _mm_movemask_epi8(_mm_cmpeq_epi32(_mm_or_si128(Even, Odd), _mm_setzero_si128())) == 0xFFFF;
+}
 
 bool IsInPicture(UINTN X, UINTN Y, UINTN Width, UINTN Height)
 {
@@ -48,14 +70,29 @@ EFI_STATUS Send(const DISPLAY_LAYER* Layer, const PANEL_AREA& Changed)
     }
     const PANEL_AREA Target = AreaOnPanel(Place, Changed);
     const UINTN Width = Target.Right - Target.Left;
-    const UINT32 RowsAtOnce = Place.Multiple == 0 ? gStripRows : gStripRows - gStripRows % Place.Multiple;
     EFI_STATUS Status = EFI_SUCCESS;
     for (UINT32 Top = Target.Top; Top < Target.Bottom && !EfiError(Status);) {
-        const UINT32 Bottom = Smaller(Target.Bottom, Top + RowsAtOnce);
+        const UINT32 Bottom = Smaller(Target.Bottom, Top + gStripRows);
         ScaleRows(Layer->Picture, Place, {Target.Left, Top, Target.Right, Bottom}, Layer->Strip);
         Status = Firmware->Blt(Firmware, Layer->Strip, EfiBltBufferToVideo, 0, 0, Target.Left, Top, Width, Bottom - Top,
                                Width * sizeof(PIXEL));
         Top = Bottom;
+    }
+    return Status;
+}
+
+// Adds to what is held back.
+VOID Hold(DISPLAY_LAYER* Layer, const PANEL_AREA& Changed)
+{
+    Layer->Held = Layer->Held.Right == 0 ? Changed : Around(Layer->Held, Changed);
+}
+
+// What can't be sent is held back for the next try: the console never sends again what it has drawn.
+EFI_STATUS SendOrHold(DISPLAY_LAYER* Layer, const PANEL_AREA& Changed)
+{
+    const EFI_STATUS Status = Send(Layer, Changed);
+    if (EfiError(Status)) {
+        Hold(Layer, Changed);
     }
     return Status;
 }
@@ -67,32 +104,44 @@ EFI_STATUS SendHeld(DISPLAY_LAYER* Layer)
     }
     const PANEL_AREA Held = Layer->Held;
     Layer->Held = {};
-    return Send(Layer, Held);
+    return SendOrHold(Layer, Held);
 }
 
 // Takes note of a changed part of the picture: gathers it with what is held back, or sends both.
 EFI_STATUS TakeChange(DISPLAY_LAYER* Layer, const PANEL_AREA& Changed)
 {
-    if (PixelsOf(Changed) <= gFewPixels) {
-        const PANEL_AREA Together = Layer->Held.Right == 0 ? Changed : Around(Layer->Held, Changed);
-        if (PixelsOf(Together) <= gMostHeld) {
-            Layer->Held = Together;
-            return EFI_SUCCESS;
-        }
-        const EFI_STATUS Status = SendHeld(Layer);
-        Layer->Held = Changed;
-        return Status;
+    const bool IsFew = PixelsOf(Changed) <= gFewPixels;
+    if (IsFew && (Layer->Held.Right == 0 || PixelsOf(Around(Layer->Held, Changed)) <= gMostHeld)) {
+        Hold(Layer, Changed);
+        return EFI_SUCCESS;
     }
     const EFI_STATUS Status = SendHeld(Layer);
-    const EFI_STATUS Last = Send(Layer, Changed);
+    if (IsFew) {
+        Hold(Layer, Changed);
+        return Status;
+    }
+    const EFI_STATUS Last = SendOrHold(Layer, Changed);
     return EfiError(Last) ? Last : Status;
 }
 
-// Widens Changed by the part of a row that differs from what is shown, and writes the row.
-VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UINTN Width, PANEL_AREA* Changed)
+// What changes in a block: for each stripe of so many columns, the rectangle around its changed pixels; empty: Right is 0.
+constexpr UINT32 gStripe = 64;
+constexpr UINTN gBlockPixels = 8; // in search of the first and the last
+struct CHANGES {
+    PANEL_AREA Stripes[gPictureWidth / gStripe];
+};
+
+// Writes part of a row and takes note of what differs from what is shown.
+VOID ChangeStripe(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UINTN Width, PANEL_AREA* Changed)
 {
     PIXEL* Old = PictureRow(Layer, Row) + Left;
+    if (Width == gStripe && SameBlock<gStripe>(Old, New)) {
+        return;
+    }
     UINTN First = 0;
+    while (First + gBlockPixels <= Width && SameBlock<gBlockPixels>(Old + First, New + First)) {
+        First += gBlockPixels;
+    }
     while (First < Width && SamePixel(Old[First], New[First])) {
         First++;
     }
@@ -100,24 +149,48 @@ VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UI
         return;
     }
     UINTN Behind = Width;
+    while (Behind >= First + gBlockPixels &&
+           SameBlock<gBlockPixels>(Old + Behind - gBlockPixels, New + Behind - gBlockPixels)) {
+        Behind -= gBlockPixels;
+    }
     while (SamePixel(Old[Behind - 1], New[Behind - 1])) {
         Behind--;
     }
-    __builtin_memmove(Old + First, New + First, (Behind - First) * sizeof(PIXEL));
+    __builtin_memcpy(Old + First, New + First, (Behind - First) * sizeof(PIXEL));
     const PANEL_AREA Part = {static_cast<UINT32>(Left + First), static_cast<UINT32>(Row),
                              static_cast<UINT32>(Left + Behind), static_cast<UINT32>(Row + 1)};
     *Changed = Changed->Right == 0 ? Part : Around(*Changed, Part);
 }
 
-VOID Fill(DISPLAY_LAYER* Layer, PIXEL Color, UINTN X, UINTN Y, UINTN Width, UINTN Height, PANEL_AREA* Changed)
+// New must not lie in the picture.
+VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UINTN Width, CHANGES* Changes)
 {
-    PIXEL Row[gPictureWidth];
-    for (UINTN At = 0; At < Width; At++) {
-        Row[At] = Color;
+    PANEL_AREA* Stripe = Changes->Stripes;
+    for (UINTN At = 0; At < Width; At += gStripe, Stripe++) {
+        ChangeStripe(Layer, Row, Left + At, New + At, Width - At < gStripe ? Width - At : gStripe, Stripe);
     }
-    for (UINTN At = 0; At < Height; At++) {
-        ChangeRow(Layer, Y + At, X, Row, Width, Changed);
+}
+
+// Stripes that lie beside each other go together where that sends few pixels more: each Blt costs something by itself.
+EFI_STATUS TakeChanges(DISPLAY_LAYER* Layer, const CHANGES& Changes)
+{
+    PANEL_AREA Together = {};
+    EFI_STATUS Status = EFI_SUCCESS;
+    for (const PANEL_AREA& Stripe : Changes.Stripes) {
+        if (Stripe.Right == 0) {
+            continue;
+        }
+        const PANEL_AREA Both = Together.Right == 0 ? Stripe : Around(Together, Stripe);
+        if (Together.Right != 0 && PixelsOf(Both) > PixelsOf(Together) + PixelsOf(Stripe) + gSparedPixels) {
+            const EFI_STATUS Last = TakeChange(Layer, Together);
+            Status = EfiError(Last) ? Last : Status;
+            Together = Stripe;
+        } else {
+            Together = Both;
+        }
     }
+    const EFI_STATUS Last = Together.Right == 0 ? EFI_SUCCESS : TakeChange(Layer, Together);
+    return EfiError(Last) ? Last : Status;
 }
 
 EFI_STATUS LayerBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation,
@@ -140,10 +213,17 @@ EFI_STATUS LayerBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, PIXEL* Buffer, EFI_GRAPH
     };
 
     Layer->Busy = true;
-    PANEL_AREA Changed = {};
+    __atomic_signal_fence(__ATOMIC_SEQ_CST); // a timer's function sees Held as it was before, or as it is behind this
+    CHANGES Changes = {};
+    PIXEL Row[gPictureWidth];
     switch (Operation) {
     case EfiBltVideoFill:
-        Fill(Layer, *Buffer, DestinationX, DestinationY, Width, Height, &Changed);
+        for (UINTN At = 0; At < Width; At++) {
+            Row[At] = *Buffer;
+        }
+        for (UINTN At = 0; At < Height; At++) {
+            ChangeRow(Layer, DestinationY + At, DestinationX, Row, Width, &Changes);
+        }
         break;
     case EfiBltVideoToBltBuffer:
         for (UINTN At = 0; At < Height; At++) {
@@ -153,21 +233,22 @@ EFI_STATUS LayerBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, PIXEL* Buffer, EFI_GRAPH
         break;
     case EfiBltBufferToVideo:
         for (UINTN At = 0; At < Height; At++) {
-            ChangeRow(Layer, DestinationY + At, DestinationX, BufferRow(SourceX, SourceY + At), Width, &Changed);
+            ChangeRow(Layer, DestinationY + At, DestinationX, BufferRow(SourceX, SourceY + At), Width, &Changes);
         }
         break;
     case EfiBltVideoToVideo:
         for (UINTN At = 0; At < Height; At++) {
             // A move downwards starts at the last row, so that an overlap isn't read after it was written.
-            const UINTN Row = DestinationY > SourceY ? Height - 1 - At : At;
-            ChangeRow(Layer, DestinationY + Row, DestinationX, PictureRow(Layer, SourceY + Row) + SourceX, Width,
-                      &Changed);
+            const UINTN Moved = DestinationY > SourceY ? Height - 1 - At : At;
+            __builtin_memcpy(Row, PictureRow(Layer, SourceY + Moved) + SourceX, Width * sizeof(PIXEL));
+            ChangeRow(Layer, DestinationY + Moved, DestinationX, Row, Width, &Changes);
         }
         break;
     case EfiGraphicsOutputBltOperationMax:
         break;
     }
-    const EFI_STATUS Status = Changed.Right == 0 ? EFI_SUCCESS : TakeChange(Layer, Changed);
+    const EFI_STATUS Status = TakeChanges(Layer, Changes);
+    __atomic_signal_fence(__ATOMIC_SEQ_CST);
     Layer->Busy = false;
     return Status;
 }
@@ -189,13 +270,31 @@ EFI_STATUS LayerQueryMode(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, UINT32 Number, UIN
     return Status;
 }
 
+// Clears the picture and all around it, whatever the display shows.
+EFI_STATUS Clear(DISPLAY_LAYER* Layer)
+{
+    const PLACEMENT& Place = Layer->Place;
+    EFI_GRAPHICS_OUTPUT_PROTOCOL* Firmware = Layer->Firmware;
+    PIXEL Surround = gSurround;
+    PIXEL Black = {};
+    EFI_STATUS Status = EFI_SUCCESS;
+    Layer->Held = {};
+    Layer->Boot->SetMem(Layer->Picture, gPictureBytes, 0);
+    if (Place.Width != Place.PanelWidth || Place.Height != Place.PanelHeight) {
+        Status =
+            Firmware->Blt(Firmware, &Surround, EfiBltVideoFill, 0, 0, 0, 0, Place.PanelWidth, Place.PanelHeight, 0);
+    }
+    const EFI_STATUS Last =
+        Firmware->Blt(Firmware, &Black, EfiBltVideoFill, 0, 0, Place.X, Place.Y, Place.Width, Place.Height, 0);
+    if (EfiError(Last)) {
+        Hold(Layer, {0, 0, gPictureWidth, gPictureHeight});
+    }
+    return EfiError(Last) ? Last : Status;
+}
+
 EFI_STATUS LayerSetMode(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, UINT32 Number)
 {
-    if (Number != 0) {
-        return EFI_UNSUPPORTED;
-    }
-    PIXEL Black = {};
-    return LayerBlt(This, &Black, EfiBltVideoFill, 0, 0, 0, 0, gPictureWidth, gPictureHeight, 0);
+    return Number == 0 ? Clear(LayerOf(This)) : EFI_UNSUPPORTED;
 }
 
 } // namespace
@@ -228,7 +327,6 @@ EFI_STATUS OpenDisplayLayer(EFI_BOOT_SERVICES* Boot, EFI_GRAPHICS_OUTPUT_PROTOCO
     Status = Boot->AllocatePool(EfiBootServicesData, gPictureBytes, &Block);
     if (!EfiError(Status)) {
         Layer->Picture = static_cast<PIXEL*>(Block);
-        Boot->SetMem(Layer->Picture, gPictureBytes, 0);
     }
     if (!EfiError(Status) && Place.Multiple != 1) {
         Status = Boot->AllocatePool(EfiBootServicesData, static_cast<UINTN>(Place.Width) * gStripRows * sizeof(PIXEL),
@@ -252,7 +350,7 @@ EFI_STATUS OpenDisplayLayer(EFI_BOOT_SERVICES* Boot, EFI_GRAPHICS_OUTPUT_PROTOCO
                    .FrameBufferBase = reinterpret_cast<UINT64>(Layer->Picture),
                    .FrameBufferSize = gPictureBytes};
     Layer->Graphics = {.QueryMode = LayerQueryMode, .SetMode = LayerSetMode, .Blt = LayerBlt, .Mode = &Layer->Mode};
-    RefreshDisplayLayer(Layer);
+    (void)Clear(Layer); // what fails of it is sent with the first picture, but for the surround
     *Out = Layer;
     return EFI_SUCCESS;
 }
@@ -262,18 +360,6 @@ VOID FlushDisplayLayer(DISPLAY_LAYER* Layer)
     if (!Layer->Busy) {
         (void)SendHeld(Layer);
     }
-}
-
-VOID RefreshDisplayLayer(DISPLAY_LAYER* Layer)
-{
-    const PLACEMENT& Place = Layer->Place;
-    PIXEL Color = gSurround;
-    if (Place.Width != Place.PanelWidth || Place.Height != Place.PanelHeight) {
-        (void)Layer->Firmware->Blt(Layer->Firmware, &Color, EfiBltVideoFill, 0, 0, 0, 0, Place.PanelWidth,
-                                   Place.PanelHeight, 0);
-    }
-    Layer->Held = {};
-    (void)Send(Layer, {0, 0, gPictureWidth, gPictureHeight});
 }
 
 VOID CloseDisplayLayer(DISPLAY_LAYER* Layer)

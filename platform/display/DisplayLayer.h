@@ -5,9 +5,9 @@
 // and sent on through the firmware's own Blt, which the UEFI specification promises in every mode with the same pixels:
 // red first, three bytes, padded rows, no frame buffer at all are the firmware's business.
 //
-// Only pixels that differ from what is shown already are sent. Single pixels, of which the console draws outlines, are
-// gathered for a moment and sent together, since on some displays each Blt is a round trip; FlushDisplayLayer sends what
-// is still held back.
+// Of a block only the rectangle around the pixels that differ from what is shown already is sent. Single pixels, of which
+// the console draws outlines, are gathered for a moment and sent together, since on some displays each Blt is a round trip.
+// They are held back, as is what the firmware's Blt failed to take, until the next block or FlushDisplayLayer.
 //
 //     DISPLAY_LAYER* Layer = nullptr;
 //     if (!EfiError(OpenDisplayLayer(Boot, Firmware, &Layer))) { UseInPlaceOf(Firmware, &Layer->Graphics); }
@@ -26,7 +26,7 @@ struct DISPLAY_LAYER {
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Firmware; // what shows the picture, in the mode that it is in
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Picture; // the frame buffer, 1024 by 768
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Strip;   // room for scaled rows; null where nothing is scaled
-    PANEL_AREA Held;                        // changed pixels that aren't sent yet; empty: Right is 0
+    PANEL_AREA Held;                        // around the changed pixels that aren't sent yet; empty: Right is 0
     volatile bool Busy;                     // an operation is under way: a timer's flush has to wait
 };
 
@@ -34,17 +34,14 @@ struct DISPLAY_LAYER {
 // memory as it reads them.
 bool NeedsDisplayLayer(const EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE* Mode);
 
-// Makes a layer over the firmware's display in its present mode. The picture is black and the display is left as it is
-// until the first Blt, which also paints the surround. EFI_OUT_OF_RESOURCES without pool; EFI_UNSUPPORTED for a mode
-// without pixels. The mode must not be changed until the layer is closed.
+// Makes a layer over the firmware's display in its present mode and clears the display: the picture black, in a calm
+// surround. Without pool the status of its allocation, EFI_UNSUPPORTED for a mode without pixels; nothing is done then. The
+// mode must not be changed until the layer is closed.
 EFI_STATUS OpenDisplayLayer(EFI_BOOT_SERVICES* Boot, EFI_GRAPHICS_OUTPUT_PROTOCOL* Firmware, DISPLAY_LAYER** Layer);
 
 // Sends what is held back. Nothing happens inside an operation of the layer, so that a timer's function may call it at any
 // time.
 VOID FlushDisplayLayer(DISPLAY_LAYER* Layer);
-
-// Sends everything again, the surround too: for a display that something else has written on.
-VOID RefreshDisplayLayer(DISPLAY_LAYER* Layer);
 
 // Gives the layer's memory back. The display keeps what it shows. Nothing happens for null.
 VOID CloseDisplayLayer(DISPLAY_LAYER* Layer);

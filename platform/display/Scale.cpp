@@ -1,83 +1,115 @@
 #include "platform/display/Scale.h"
 
+#include <emmintrin.h>
+
 namespace {
+
+// Each pixel Multiple times.
+VOID Repeat(const PIXEL* From, UINTN Count, UINT32 Multiple, PIXEL* To)
+{
+    UINTN At = 0;
+    // Twice is what dense displays take.
+    for (; Multiple == 2 && At + 4 <= Count; At += 4, To += 8) {
+        const __m128i Pixels = _mm_loadu_si128(reinterpret_cast<const __m128i*>(From + At));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(To), _mm_unpacklo_epi32(Pixels, Pixels));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(To + 4), _mm_unpackhi_epi32(Pixels, Pixels));
+    }
+    for (; At < Count; At++) {
+        for (UINT32 Each = 0; Each < Multiple; Each++) {
+            *To++ = From[At];
+        }
+    }
+}
 
 VOID EnlargeRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Target, PIXEL* Pixels)
 {
     const UINT32 Multiple = Place.Multiple;
     const UINTN Width = Target.Right - Target.Left;
-    const UINT32 FirstColumn = Target.Left - Place.X;
-    const PIXEL* Shown = nullptr; // the picture's row that the row before was made of
+    const UINT32 First = (Target.Left - Place.X) / Multiple;
     for (UINT32 Row = Target.Top - Place.Y; Row < Target.Bottom - Place.Y; Row++, Pixels += Width) {
-        const PIXEL* From = Picture + static_cast<UINTN>(Row / Multiple) * gPictureWidth;
-        if (From == Shown) {
+        if (Row % Multiple != 0 && Row != Target.Top - Place.Y) {
             __builtin_memcpy(Pixels, Pixels - Width, Width * sizeof(PIXEL));
-            continue;
-        }
-        Shown = From;
-        const PIXEL* Source = From + FirstColumn / Multiple;
-        UINT32 Left = Multiple - FirstColumn % Multiple; // of the square of *Source
-        for (UINTN At = 0; At < Width; At++) {
-            Pixels[At] = *Source;
-            if (--Left == 0) {
-                Source++;
-                Left = Multiple;
-            }
+        } else {
+            Repeat(Picture + static_cast<UINTN>(Row / Multiple) * gPictureWidth + First, Width / Multiple, Multiple,
+                   Pixels);
         }
     }
 }
 
-// The pixels of the picture under one pixel of the display, along one axis: Count of them from First on. Each counts by
-// its share, in units of 1 / Length of a pixel, of the Extent units that the display's pixel covers in all.
+// The pixels of the picture under one pixel of the display, along one axis: Count of them from First on, each with its
+// share in the mean.
+constexpr UINT32 gWholeShare = 256; // all of them together
 struct COVER {
-    UINT32 First;
-    UINT32 Count;
-    UINT32 FirstShare;
-    UINT32 LastShare; // where Count is over 1
+    UINT16 First;
+    UINT16 Count;
+    UINT16 FirstShare;
+    UINT16 LastShare; // where Count is over 1
+    UINT16 Share;     // of each between the two
 };
 
 COVER CoverOf(UINT32 At, UINT32 Extent, UINT32 Length)
 {
-    const UINT64 Begin = static_cast<UINT64>(At) * Extent;
-    const UINT64 End = Begin + Extent;
+    // In units of 1 / Length of a pixel: the display's pixel covers Extent of them, and Length are a pixel of the picture.
+    const UINT32 Begin = At * Extent;
+    const UINT32 End = Begin + Extent;
+    const UINT32 First = Begin / Length;
+    const UINT32 Last = (End - 1) / Length;
+    const auto ShareOf = [&](UINT32 Units) { return Units * gWholeShare / Extent; };
     COVER Cover = {};
-    Cover.First = static_cast<UINT32>(Begin / Length);
-    const UINT32 Last = static_cast<UINT32>((End - 1) / Length);
-    Cover.Count = Last - Cover.First + 1;
+    Cover.First = static_cast<UINT16>(First);
+    Cover.Count = static_cast<UINT16>(Last - First + 1);
+    Cover.LastShare = static_cast<UINT16>(First == Last ? 0 : ShareOf(End - Last * Length));
+    Cover.Share = static_cast<UINT16>(ShareOf(Length));
+    // What the rounding leaves over goes to the first, so that a plain area stays as it is.
     Cover.FirstShare =
-        static_cast<UINT32>(Cover.Count == 1 ? Extent : (static_cast<UINT64>(Cover.First) + 1) * Length - Begin);
-    Cover.LastShare = static_cast<UINT32>(End - static_cast<UINT64>(Last) * Length);
+        static_cast<UINT16>(gWholeShare - Cover.LastShare - (First == Last ? 0 : (Last - First - 1) * Cover.Share));
     return Cover;
 }
 
-UINT32 ShareOf(const COVER& Cover, UINT32 Index, UINT32 Length)
+UINT16 ShareOf(const COVER& Cover, UINT32 Index)
 {
-    return Index == 0 ? Cover.FirstShare : Index + 1 == Cover.Count ? Cover.LastShare : Length;
+    return Index == 0 ? Cover.FirstShare : Index + 1 == Cover.Count ? Cover.LastShare : Cover.Share;
 }
 
 VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Target, PIXEL* Pixels)
 {
-    constexpr UINT64 Whole = static_cast<UINT64>(gPictureWidth) * gPictureHeight;
+    constexpr UINTN Channels = sizeof(PIXEL);
+    constexpr UINT32 Whole = gWholeShare * gWholeShare;
+    COVER Columns[gPictureWidth];
+    UINT16 Sums[gPictureWidth * Channels]; // a row of the display, as wide as the picture still
+    const UINTN Width = Target.Right - Target.Left;
+    for (UINT32 At = 0; At < Width; At++) {
+        Columns[At] = CoverOf(Target.Left - Place.X + At, gPictureWidth, Place.Width);
+    }
+    const UINTN Left = Columns[0].First;
+    const UINTN Bytes = (Columns[Width - 1].First + Columns[Width - 1].Count - Left) * Channels;
+
     for (UINT32 Row = Target.Top - Place.Y; Row < Target.Bottom - Place.Y; Row++) {
         const COVER Down = CoverOf(Row, gPictureHeight, Place.Height);
-        for (UINT32 Column = Target.Left - Place.X; Column < Target.Right - Place.X; Column++) {
-            const COVER Across = CoverOf(Column, gPictureWidth, Place.Width);
-            UINT64 Blue = 0;
-            UINT64 Green = 0;
-            UINT64 Red = 0;
-            for (UINT32 Y = 0; Y < Down.Count; Y++) {
-                const PIXEL* From = Picture + static_cast<UINTN>(Down.First + Y) * gPictureWidth + Across.First;
-                const UINT64 RowShare = ShareOf(Down, Y, Place.Height);
-                for (UINT32 X = 0; X < Across.Count; X++) {
-                    const UINT64 Share = RowShare * ShareOf(Across, X, Place.Width);
-                    Blue += From[X].Blue * Share;
-                    Green += From[X].Green * Share;
-                    Red += From[X].Red * Share;
-                }
+        __builtin_memset(Sums, 0, Bytes * sizeof(Sums[0]));
+        for (UINT32 Each = 0; Each < Down.Count; Each++) {
+            const auto* From =
+                reinterpret_cast<const UINT8*>(Picture + (Down.First + UINTN{Each}) * gPictureWidth + Left);
+            const UINT16 Share = ShareOf(Down, Each);
+            for (UINTN At = 0; At < Bytes; At++) {
+                Sums[At] = static_cast<UINT16>(Sums[At] + From[At] * Share);
             }
-            *Pixels++ = {.Blue = static_cast<UINT8>((Blue + Whole / 2) / Whole),
-                         .Green = static_cast<UINT8>((Green + Whole / 2) / Whole),
-                         .Red = static_cast<UINT8>((Red + Whole / 2) / Whole),
+        }
+        for (UINTN Column = 0; Column < Width; Column++) {
+            const COVER& Across = Columns[Column];
+            const UINT16* Sum = Sums + (Across.First - Left) * Channels;
+            UINT32 Blue = Whole / 2;
+            UINT32 Green = Whole / 2;
+            UINT32 Red = Whole / 2;
+            for (UINT32 Each = 0; Each < Across.Count; Each++, Sum += Channels) {
+                const UINT32 Share = ShareOf(Across, Each);
+                Blue += Sum[0] * Share;
+                Green += Sum[1] * Share;
+                Red += Sum[2] * Share;
+            }
+            *Pixels++ = {.Blue = static_cast<UINT8>(Blue / Whole),
+                         .Green = static_cast<UINT8>(Green / Whole),
+                         .Red = static_cast<UINT8>(Red / Whole),
                          .Reserved = 0};
         }
     }

@@ -1,7 +1,9 @@
 // The console on displays that aren't 1024 by 768, or don't show their picture in memory as the console reads it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <numeric>
 #include <vector>
 
 #include "platform/display/DisplayLayer.h"
@@ -133,20 +135,22 @@ TEST(Panel, TooSmallForTheConsoleShowsTheMeanOfWhatEachPixelCovers)
 TEST(Panel, GivesBackWhatWasPaintedAndMovesIt)
 {
     LAYERED Layered({2048, 1536, PANEL_BLT_ONLY});
-    ASSERT_EQ(Layered.Paint({1, 2, 3, 4}, 10, 20, 2, 2), EFI_SUCCESS);
-    std::vector<UINT32> Back(4);
+    std::vector<UINT32> Block(200 * 2);
+    std::iota(Block.begin(), Block.end(), 1);
+    ASSERT_EQ(Layered.Paint(Block, 10, 20, 200, 2), EFI_SUCCESS);
+    std::vector<UINT32> Back(Block.size());
     EFI_GRAPHICS_OUTPUT_PROTOCOL* Graphics = Layered.Graphics;
     // One down and to the right, over itself.
-    ASSERT_EQ(Graphics->Blt(Graphics, nullptr, EfiBltVideoToVideo, 10, 20, 11, 21, 2, 2, 0), EFI_SUCCESS);
+    ASSERT_EQ(Graphics->Blt(Graphics, nullptr, EfiBltVideoToVideo, 10, 20, 11, 21, 200, 2, 0), EFI_SUCCESS);
     ASSERT_EQ(
-        Graphics->Blt(Graphics, reinterpret_cast<PIXEL*>(Back.data()), EfiBltVideoToBltBuffer, 11, 21, 0, 0, 2, 2, 0),
+        Graphics->Blt(Graphics, reinterpret_cast<PIXEL*>(Back.data()), EfiBltVideoToBltBuffer, 11, 21, 0, 0, 200, 2, 0),
         EFI_SUCCESS);
-    EXPECT_EQ(Back, (std::vector<UINT32>{1, 2, 3, 4}));
+    EXPECT_EQ(Back, Block);
     EXPECT_EQ(Layered.At(2 * 10, 2 * 20), 1u);
-    EXPECT_EQ(Layered.At(2 * 12 + 1, 2 * 22 + 1), 4u);
+    EXPECT_EQ(Layered.At(2 * 210 + 1, 2 * 22 + 1), 400u);
     // The frame buffer holds the same; the console keeps it at its start.
     const auto* Words = reinterpret_cast<const UINT32*>(Graphics->Mode->FrameBufferBase);
-    EXPECT_EQ(Words[22 * gPictureWidth + 12], 4u);
+    EXPECT_EQ(Words[22 * gPictureWidth + 210], 400u);
     EXPECT_EQ(Layered.Paint({5}, 1024, 0, 1, 1), EFI_INVALID_PARAMETER);
     EXPECT_EQ(Layered.Paint({5}, 1023, 767, 1, 2), EFI_INVALID_PARAMETER);
 }
@@ -203,8 +207,31 @@ TEST_F(CountedPanel, IsSentOnlyWhatChanged)
     ASSERT_EQ(Fill(9, 90, 100, 60, 41), EFI_SUCCESS); // ten columns on the left and one row below are new
     EXPECT_EQ(Display.Calls, 2u);
     EXPECT_EQ(Display.Pixels, 2000u + 60 * 41);
+    // Of a picture, what changed on its left and on its right; their rectangle would be half of it.
+    std::vector<UINT32> Picture(gPicturePixels, 0x070707);
+    const auto Send = [&] {
+        Display.Calls = Display.Pixels = 0;
+        return Layer->Graphics.Blt(&Layer->Graphics, reinterpret_cast<PIXEL*>(Picture.data()), EfiBltBufferToVideo, 0,
+                                   0, 0, 0, gPictureWidth, gPictureHeight, 0);
+    };
+    ASSERT_EQ(Send(), EFI_SUCCESS);
+    std::fill_n(Picture.begin() + 30 * gPictureWidth + 20, 9, 1);
+    std::fill_n(Picture.begin() + 700 * gPictureWidth + 1014, 10, 1);
+    ASSERT_EQ(Send(), EFI_SUCCESS);
+    EXPECT_EQ(Display.Calls, 2u);
+    EXPECT_EQ(Display.Pixels, 19u);
+}
+
+TEST_F(CountedPanel, IsSentAgainWhatItFailedToTake)
+{
     Display.Status = EFI_DEVICE_ERROR;
-    EXPECT_EQ(Fill(8, 0, 0, 100, 100), EFI_DEVICE_ERROR);
+    EXPECT_EQ(Fill(8, 300, 300, 100, 100), EFI_DEVICE_ERROR);
+    EXPECT_EQ(Fill(8, 300, 300, 100, 100), EFI_SUCCESS) << "nothing is new";
+    FlushDisplayLayer(Layer);
+    Display.Status = EFI_SUCCESS;
+    Display.Pixels = 0;
+    FlushDisplayLayer(Layer);
+    EXPECT_EQ(Display.Pixels, 10000u);
 }
 
 TEST_F(CountedPanel, IsSentSinglePixelsTogetherBeforeAnythingElseOrWhenTheirTimeHasCome)
@@ -245,6 +272,21 @@ TEST(PanelLayer, LeavesNothingBehindWhereMemoryIsMissing)
         EXPECT_EQ(Display.Calls, 0u);
         EXPECT_TRUE(Boot.Pool.Held(0).empty());
     }
+}
+
+TEST(PanelLayer, EndsWithSquaresOfMoreRowsThanAreSentAtOnce)
+{
+    BOOT Boot(BOOT_OPTIONS{});
+    COUNTING_DISPLAY Display;
+    Display.Information.HorizontalResolution = 65 * gPictureWidth;
+    Display.Information.VerticalResolution = 65 * gPictureHeight;
+    DISPLAY_LAYER* Layer = nullptr;
+    ASSERT_EQ(OpenDisplayLayer(Boot.FirmwareTable.BootServices, &Display.Graphics, &Layer), EFI_SUCCESS);
+    Display.Pixels = 0;
+    PIXEL Color = {1, 1, 1, 0};
+    EXPECT_EQ(Layer->Graphics.Blt(&Layer->Graphics, &Color, EfiBltVideoFill, 0, 0, 5, 5, 8, 8, 0), EFI_SUCCESS);
+    EXPECT_EQ(Display.Pixels, UINTN{8 * 65} * (8 * 65));
+    CloseDisplayLayer(Layer);
 }
 
 TEST(PanelPlace, IsWhereAFingerPoints)
