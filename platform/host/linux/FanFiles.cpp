@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr INT32 gFullDuty = 255;
 constexpr const char* gFixed = "1"; // pwmN_enable: the duty that pwmN has
 
 // Which number of pwmN_enable is the curve of points. What isn't in the table has it at 2, the first automatic mode, or
@@ -33,37 +32,9 @@ INT64 NumberOf(const std::string& Text)
     return Number;
 }
 
-UINT8 LevelCount(FAN_CONTROL Control) { return Control == CONTROL_CURVE8 ? 8 : 6; }
-
 std::string Percent(INT64 Duty) { return std::to_string((Duty * 100 + gFullDuty / 2) / gFullDuty) + " %"; }
 
 } // namespace
-
-// A duty of half a step is rounded up: the lowest level stays what it says at the least.
-INT32 ChipTemperature(INT32 Column) { return DegreesOfColumn(Column) * 1000; }
-INT32 ChipDuty(INT32 Level, FAN_CONTROL Control) { return (DutyOfLevel(Level, Control) * gFullDuty + 500) / 1000; }
-
-UINT8 NearestColumn(INT64 Temperature)
-{
-    UINT8 Best = 1;
-    for (UINT8 Column = 2; Column <= gCurveColumns; Column++) {
-        if (std::abs(ChipTemperature(Column) - Temperature) < std::abs(ChipTemperature(Best) - Temperature)) {
-            Best = Column;
-        }
-    }
-    return Best;
-}
-
-UINT8 NearestLevel(INT64 Duty, FAN_CONTROL Control)
-{
-    UINT8 Best = 1;
-    for (UINT8 Level = 2; Level <= LevelCount(Control); Level++) {
-        if (std::abs(ChipDuty(Level, Control) - Duty) < std::abs(ChipDuty(Best, Control) - Duty)) {
-            Best = Level;
-        }
-    }
-    return Best;
-}
 
 bool FAN_FILES::HELD::Matches(const HELD& Other) const
 {
@@ -196,16 +167,11 @@ FAN_SETTING FAN_FILES::Get(FAN_CONTROL Control) const
     CURVE Curve = {{{1, 1}, {2, 2}, {3, 3}, {4, 4}}};
     if (Means == FAN_CURVE) {
         Setting.CurveEnabled = mNow.Mode == mCurveMode ? 1 : 0;
-        UINT8 Column = 0;
-        UINT8 Level = 1;
+        CURVE_POINT Points[gCurveNodes];
         for (UINT8 Node = 0; Node < gCurveNodes; Node++) {
-            // Points closer than the grid's columns are moved apart, as far as there is room for those behind.
-            const UINT8 Last = static_cast<UINT8>(gCurveColumns - (gCurveNodes - 1 - Node));
-            Column = std::min(
-                Last, std::max(static_cast<UINT8>(Column + 1), NearestColumn(NumberOf(mNow.Points[Node].Temperature))));
-            Level = std::max(Level, NearestLevel(NumberOf(mNow.Points[Node].Duty), Control));
-            Curve.Nodes[Node] = {Column, Level};
+            Points[Node] = {NumberOf(mNow.Points[Node].Temperature), NumberOf(mNow.Points[Node].Duty)};
         }
+        Curve = NearestCurve(Points, Control);
     }
     PutCurve(&Setting, Curve);
     return Setting;

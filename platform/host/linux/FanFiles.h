@@ -5,7 +5,7 @@
 // A write that fails gives the fan back what it had before it, and when that fails too, full speed.
 #pragma once
 
-#include "platform/board/FanContract.h"
+#include "platform/board/FanPage.h"
 #include "platform/host/linux/Hwmon.h"
 
 enum FAN_MEANS : UINT8 {
@@ -63,9 +63,3 @@ private:
     HELD mAtStart;
     HELD mNow;
 };
-
-// What the numbers of a record are in a chip's files, and the nearest the other way round.
-INT32 ChipTemperature(INT32 Column); // thousandths of a degree
-INT32 ChipDuty(INT32 Level, FAN_CONTROL Control);
-UINT8 NearestColumn(INT64 Temperature);
-UINT8 NearestLevel(INT64 Duty, FAN_CONTROL Control);

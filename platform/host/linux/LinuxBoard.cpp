@@ -8,11 +8,6 @@
 
 namespace {
 
-// Where a fan goes, best page first. What is left over goes wherever there is room: a curve then has a slider, and a duty
-// a box that can't be switched on.
-constexpr UINT8 gCurvePages[] = {4, 5, 6, 7, 8, 9, 10};
-constexpr UINT8 gSliderPages[] = {9, 10, 8, 7, 6, 5, 4};
-
 const char* NameControl(FAN_CONTROL Control)
 {
     switch (Control) {
@@ -94,7 +89,8 @@ VOID LINUX_BOARD::DealPages()
             for (const UINT8 Item : Means == FAN_CURVE ? gCurvePages : gSliderPages) {
                 if (mByItem[Item] == nullptr) {
                     Place(Item, Sensor);
-                    mFans.emplace(Item, FAN{.Files = Fans.at(Sensor), .Control = ControlOfFan(FanKind, Item)});
+                    mFans.emplace(Item,
+                                  FAN{.Files = Fans.at(Sensor), .Control = ControlOfFan(FanKind, Item), .Page = {}});
                     break;
                 }
             }
@@ -177,8 +173,7 @@ VOID LINUX_BOARD::Open()
     SetFullSpeed = [](BOARD_SOURCE* This) -> EFI_STATUS {
         LINUX_BOARD& Board = BoardOf(This);
         for (auto& [Item, Fan] : Board.mFans) {
-            Fan.Page.CurveEnabled = 0;
-            Fan.Page.FixedLevel = Fan.Control == CONTROL_CURVE8 ? UINT16{0} : gFixedLevels;
+            Fan.Page.ShowFullSpeed(Fan.Control);
         }
         return Board.CommandAll(&FAN_FILES::SetFullSpeed, "doesn't run at full speed") ? EFI_SUCCESS : EFI_DEVICE_ERROR;
     };
@@ -243,26 +238,15 @@ EFI_STATUS LINUX_BOARD::Get(UINT8 Item, FAN_SETTING* Setting)
     }
     FAN& Fan = Found->second;
     *Setting = Fan.Files.Get(Fan.Control);
-    // After Default and Cancel a page of 6 levels takes over box and slider alone; its nodes stay where the user put them.
-    const CURVE Nodes = CurveOf(Fan.Page);
-    Fan.Page = *Setting;
-    if (mTakenBack && Fan.Control == CONTROL_CURVE6) {
-        PutCurve(&Fan.Page, Nodes);
-    }
+    Fan.Page.WasRead(Fan.Control, *Setting, mTakenBack);
     return EFI_SUCCESS;
 }
 
 EFI_STATUS LINUX_BOARD::Set(UINT8 Item, const FAN_SETTING& Setting)
 {
     FAN& Fan = mFans.at(Item);
-    // A page sends what it shows when it comes up, too, and right after Cancel what Cancel took back. None of that is a
-    // wish of the user's, and the chip's own curve is finer than the page's grid.
-    FAN_SETTING Same = Setting;
-    if (Fan.Control == CONTROL_CURVE8) {
-        Same.FixedLevel = 0;
-    }
-    const bool Shown = std::memcmp(&Same, &Fan.Page, sizeof(Same)) == 0;
-    Fan.Page = Same;
+    const bool Shown = Fan.Page.Shows(Fan.Control, Setting);
+    Fan.Page.WasSent(Fan.Control, Setting);
     if (Shown) {
         return EFI_SUCCESS;
     }

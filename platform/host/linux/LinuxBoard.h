@@ -45,7 +45,7 @@ private:
     struct FAN {
         FAN_FILES Files;
         FAN_CONTROL Control = CONTROL_NONE;
-        FAN_SETTING Page = {}; // what the console's page shows
+        SHOWN_PAGE Page;
     };
     VOID DealPages();
     VOID Place(UINT8 Item, const SENSOR* Sensor);
