@@ -55,6 +55,9 @@ struct CHIP_REPORT {
 // last until CloseChipBoard. In a virtual machine, by the processor's own word, the processor's sensor isn't looked for.
 BOARD_SOURCE* OpenChipBoard(PORTS* Ports, const CHIP_BOARD_OPTIONS* Options, CHIP_REPORT* Report);
 
+// Adds a line on a mistake in the file of the wishes; Sensor is what stood there, or null.
+VOID ReportWishFault(CHIP_REPORT* Report, UINT32 Line, const CHAR8* What, const CHAR8* Sensor = nullptr);
+
 // From now on the console may set the fans that can be set, or may not any more. What was set stays.
 //
 // SetFan, SetFullSpeed, LoadDefaults and Restore answer EFI_WRITE_PROTECTED while it may not, and then write nothing. A
