@@ -48,7 +48,7 @@ struct CHIP_BOARD : BOARD_SOURCE {
     bool TakenBack; // Default or Cancel since the console started
 };
 
-CHIP_BOARD gBoard;
+constinit CHIP_BOARD gBoard = {};
 
 CHAR8 Lower(CHAR8 Letter) { return Letter >= 'A' && Letter <= 'Z' ? static_cast<CHAR8>(Letter + 32) : Letter; }
 
