@@ -35,8 +35,10 @@ MACHINES = {
 }
 
 
+# What the board driver says on the console's screen where it has found no chip, as in a virtual machine.
+SIMULATED = "string 22 Voltages - a simulation: all numbers here are invented"
 # The hosted console as the machine's looks before anybody has moved the mouse.
-UNTOUCHED = ("pointer 512 384", "turn 3", "tick 3")
+UNTOUCHED = (SIMULATED, "pointer 512 384", "turn 3", "tick 3")
 
 
 def make_hosted_picture(script=UNTOUCHED):

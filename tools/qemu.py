@@ -64,9 +64,9 @@ def find_firmware():
 
 
 def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", keyboard="ps2", graphics="std",
-                   network="none", secure_boot=False, more_images=()):
+                   network="none", secure_boot=False, more_images=(), trace=()):
     """The command line up to what shows the display. folder takes the copied variable store and the logs; more_images are
-    disks behind the first."""
+    disks behind the first, and trace names events that go into trace.log."""
     code, variables = SECURE_BOOT_PAIR if secure_boot else find_firmware()
     store = os.path.join(folder, "variables.fd")
     shutil.copyfile(variables, store)
@@ -89,6 +89,8 @@ def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", key
         "-qmp", f"unix:{os.path.join(folder, 'qmp.sock')},server=on,wait=off",
         *(["-netdev", "user,id=net,restrict=on"] if NETWORKS[network] else []),
         *(argument for device in devices for argument in ("-device", device)),
+        *(argument for event in trace for argument in ("-trace", event)),
+        *(("-D", os.path.join(folder, "trace.log")) if trace else ()),
         # Only the firmware itself may write the variable store, or Secure Boot would be a word.
         *(["-global", "driver=cfi.pflash01,property=secure,value=on"] if secure_boot else []),
     ]

@@ -12,6 +12,15 @@ inline UINT8 ReadPort(UINT16 Port)
 
 inline VOID WritePort(UINT16 Port, UINT8 Value) { asm volatile("outb %0, %1" : : "a"(Value), "Nd"(Port)); }
 
+inline UINT32 ReadPort32(UINT16 Port)
+{
+    UINT32 Value;
+    asm volatile("inl %1, %0" : "=a"(Value) : "Nd"(Port));
+    return Value;
+}
+
+inline VOID WritePort32(UINT16 Port, UINT32 Value) { asm volatile("outl %0, %1" : : "a"(Value), "Nd"(Port)); }
+
 inline UINT64 ReadTimeStamp()
 {
     UINT32 Low;

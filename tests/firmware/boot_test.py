@@ -10,7 +10,7 @@ from PIL import Image
 
 import boot_case  # and with it the way to tools/
 from boot_case import BootCase, FIRMWARE, READOUTS, ROOT, SECOND_TAB, differ, keep, shows_other_page
-from console_screen import EXIT, HOSTED, LIVE, see_console
+from console_screen import EXIT, HOSTED, LIVE, SIMULATED, see_console
 from machine import Machine, difference, part
 import qemu
 import tour
@@ -98,7 +98,7 @@ class Tour(BootCase):
         with open(os.path.join(ROOT, "docs", "tour.txt"), encoding="utf-8") as file:
             script, _ = tour.add_frames(file.read())
         with open(os.path.join(self.folder, "tour.txt"), "w", encoding="utf-8") as file:
-            file.write(script)
+            file.write(f"{SIMULATED}\n{script}")
         subprocess.run([os.path.abspath(HOSTED), "--script", "tour.txt"], cwd=self.folder, check=True)
         steps = re.sub(r"left down\nturn \d+\nleft up\n", "click\n", script)
         with Machine(self.make_image()) as machine:
@@ -294,6 +294,31 @@ class FromTheShell(BootCase):
         machine.look_until(lambda now: now.size == (1280, 800) and is_black(part(now, 0, 200, 1280, 600)) and
                            is_black(part(now, prompt[0] + 8, prompt[1], 200, 19)) and
                            not is_black(part(now, *prompt, 8, 19)), what="the shell's prompt")
+
+
+class SensorPorts(BootCase):
+    def test_without_a_known_chip_two_ports_are_asked_and_nothing_else_is_touched(self):
+        ident = [0x20, 0x21] * 2
+        keys = {0x2E: [0x87, 0x01, 0x55, 0x55], 0x4E: [0x87, 0x01, 0x55, 0xAA]}
+        events = ("memory_region_ops_read", "memory_region_ops_write")
+        with Machine(self.make_image(), trace=events) as machine:
+            machine.wait_for("ventara: board services installed: ")
+            with open(os.path.join(machine.folder, "trace.log"), encoding="ascii") as file:
+                accesses = [(words[0].rpartition("_")[2], int(words[6], 16), int(words[8], 16), words[-1].strip("'"))
+                            for words in map(str.split, file)]
+        # What the driver said says where in the trace it was looking.
+        said, looking = "", []
+        for kind, address, value, region in accesses:
+            said += chr(value) if (kind, region) == ("write", "isa-debugcon") else ""
+            if "ventara: ventara.ini: " in said and "ventara: simulated board" not in said:
+                looking.append((kind, address, value, region))
+        firmwares_own = {"isa-debugcon", "acpi-tmr", "hpet", "apic", "apic-msi", "pic"}
+        self.assertLessEqual({region for *_, region in looking} - {"io"}, firmwares_own)
+        touched = [access[:3] for access in looking if access[3] == "io"]
+        self.assertEqual({address for _, address, _ in touched}, {0x2E, 0x2F, 0x4E, 0x4F})
+        self.assertEqual([access[1:] for access in touched if access[0] == "write"], [
+            (port + at, value) for port, key in keys.items() for at, value in
+            [(0, each) for each in (*ident, 0x87, 0x87, *ident, 0xAA, *key, *ident, 0x02)] + [(1, 0x02)]])
 
 
 class SecureBoot(BootCase):

@@ -1,16 +1,41 @@
-// The board driver, ventara-board.efi: installs the simulated board's services on firmware that has none, with the
-// artwork that it carries and the machine's own pointing devices. Unloading it takes everything away again.
+// The board driver, ventara-board.efi: installs a board's services on firmware that has none, with the artwork that it
+// carries and the machine's own pointing devices. The board is the machine's sensor chips where there are some that are
+// known, and else the simulation. Unloading it takes everything away again.
 #include "platform/board/ArtworkPack.h"
 #include "platform/board/BoardServices.h"
 #include "platform/board/SimulatedBoard.h"
+#include "platform/firmware/BoardControl.h"
 #include "platform/firmware/Clock.h"
 #include "platform/firmware/Report.h"
+#include "platform/firmware/VolumeFile.h"
+#include "platform/firmware/driver/MachinePorts.h"
 #include "platform/firmware/pointer/MachinePointer.h"
 #include "src/uefi/LoadedImage.h"
 
 namespace {
 
+constexpr const CHAR16* gWishesPath = u"\\ventara.ini";
+
+// Said on the console's own screen, since whoever comes later hasn't seen the starter's.
+constexpr const CHAR16* gSimulationCaption = u"Voltages - a simulation: all numbers here are invented";
+
+EFI_BOOT_SERVICES* gBootServices;
 EFI_HANDLE gServices;
+EFI_HANDLE gControlHandle;
+CHIP_REPORT gFound;
+BOARD_WISHES gWishes;
+const CHAR16* (*gSimulationName)(BOARD_SOURCE* This, UINT8 Item);
+
+VOID AllowFans(BOOLEAN Allowed);
+BOARD_CONTROL gControl = {.Report = &gFound, .Simulated = 0, .AllowFans = AllowFans};
+
+VOID AllowFans(BOOLEAN Allowed)
+{
+    if (gControl.Simulated == 0) {
+        AllowChipFans(Allowed != 0);
+        Report(Allowed != 0 ? "ventara: fans may be set\n" : "ventara: fans are read alone\n");
+    }
+}
 
 // A console never sends such a record; whoever tests one on a virtual machine sees here that it did.
 VOID ReportRefusal(UINT8 FanItem, const CHAR8* Fault)
@@ -22,6 +47,60 @@ VOID ReportRefusal(UINT8 FanItem, const CHAR8* Fault)
     Report("\n");
 }
 
+// The user's file on the volume that the driver came from; with the starter's, where the firmware doesn't tell it. An
+// empty one where there is none.
+FILE_BYTES ReadWishesFile(EFI_BOOT_SERVICES* Boot, const EFI_LOADED_IMAGE_PROTOCOL* Image)
+{
+    EFI_HANDLE Volume = Image->DeviceHandle;
+    VOID* Interface = nullptr;
+    if (Volume == nullptr && Image->ParentHandle != nullptr &&
+        !EfiError(Boot->HandleProtocol(Image->ParentHandle, &gEfiLoadedImageProtocolGuid, &Interface))) {
+        Volume = static_cast<const EFI_LOADED_IMAGE_PROTOCOL*>(Interface)->DeviceHandle;
+    }
+    FILE_BYTES Bytes = {};
+    EFI_STATUS Status = EFI_NOT_FOUND;
+    if (Volume != nullptr && ReadVolumeFile(Boot, Volume, gWishesPath, &Bytes, &Status) != LOAD_DONE) {
+        Bytes = {};
+    }
+    ReportStatus("ventara: ventara.ini: ", Status);
+    return Bytes;
+}
+
+BOARD_SOURCE* OpenSimulation()
+{
+    BOARD_SOURCE* Board = OpenSimulatedBoard(nullptr, 1, ReadMicroseconds());
+    gSimulationName = Board->NameOf;
+    Board->NameOf = [](BOARD_SOURCE* This, UINT8 Item) -> const CHAR16* {
+        return Item == STRING_GAUGE_CAPTION ? gSimulationCaption : gSimulationName(This, Item);
+    };
+    return Board;
+}
+
+BOARD_SOURCE* OpenBoard(EFI_BOOT_SERVICES* Boot, const EFI_LOADED_IMAGE_PROTOCOL* Image)
+{
+    const FILE_BYTES File = ReadWishesFile(Boot, Image);
+    const auto* Text = static_cast<const CHAR8*>(File.Data);
+    ReadBoardWishes(Text, File.Size, &gWishes, nullptr, nullptr);
+    const CHIP_BOARD_OPTIONS Options = {.SetFans = false, .Wishes = &gWishes};
+    BOARD_SOURCE* Board = OpenChipBoard(OpenMachinePorts(Boot), &Options, &gFound);
+    // Once more, for the mistakes in it: what was found comes first.
+    ReadBoardWishes(
+        Text, File.Size, &gWishes, [](VOID*, UINT32 Line, const CHAR8* What) { ReportWishFault(&gFound, Line, What); },
+        nullptr);
+    if (File.Data != nullptr) {
+        (void)Boot->FreePool(File.Data);
+    }
+    gControl.Simulated = Board == nullptr ? 1 : 0;
+    Report(Board == nullptr ? "ventara: simulated board\n" : "ventara: board of chips\n");
+    return Board == nullptr ? OpenSimulation() : Board;
+}
+
+VOID CloseBoard()
+{
+    CloseMachinePointer();
+    CloseChipBoard();
+}
+
 EFI_STATUS UnloadDriver(EFI_HANDLE)
 {
     EFI_STATUS Status = UninstallBoardServices(gServices);
@@ -29,7 +108,8 @@ EFI_STATUS UnloadDriver(EFI_HANDLE)
     if (EfiError(Status)) {
         return Status;
     }
-    CloseMachinePointer();
+    (void)gBootServices->UninstallProtocolInterface(gControlHandle, &gBoardControlGuid, &gControl);
+    CloseBoard();
     return EFI_SUCCESS;
 }
 
@@ -53,8 +133,10 @@ extern "C" EFI_STATUS DriverEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* Syst
     if (EfiError(Status)) {
         return Status;
     }
+    gBootServices = Boot;
+    auto* Image = static_cast<EFI_LOADED_IMAGE_PROTOCOL*>(Interface);
     const BOARD_OPTIONS Options = {
-        .Board = OpenSimulatedBoard(nullptr, 1, ReadMicroseconds()),
+        .Board = OpenBoard(Boot, Image),
         .Generation = 0,
         .Microseconds = ReadMicroseconds,
         .Pointer = Pointer,
@@ -65,9 +147,11 @@ extern "C" EFI_STATUS DriverEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* Syst
     Status = InstallBoardServices(SystemTable, &Options, &gServices);
     ReportStatus("ventara: board services installed: ", Status);
     if (EfiError(Status)) {
-        CloseMachinePointer();
+        CloseBoard();
         return Status;
     }
-    static_cast<EFI_LOADED_IMAGE_PROTOCOL*>(Interface)->Unload = UnloadDriver;
+    // Without it the console works all the same, and sets no fan.
+    (void)Boot->InstallProtocolInterface(&gControlHandle, &gBoardControlGuid, EFI_NATIVE_INTERFACE, &gControl);
+    Image->Unload = UnloadDriver;
     return EFI_SUCCESS;
 }

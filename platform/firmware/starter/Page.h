@@ -4,7 +4,7 @@
 #include "uefi/Base.h"
 
 constexpr UINTN gPageColumns = 84;
-constexpr UINTN gPageRows = 16;
+constexpr UINTN gPageRows = 28;
 
 struct PAGE {
     CHAR16 Rows[gPageRows][gPageColumns + 1]; // zero-ended

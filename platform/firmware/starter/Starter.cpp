@@ -1,5 +1,6 @@
 // The starter, BOOTX64.EFI: brings a machine into the state that the console expects, starts it from its own volume, and
 // says in words what is in the way when it can't. Once the console has returned, it offers what comes next.
+#include "platform/firmware/BoardControl.h"
 #include "platform/firmware/Report.h"
 #include "platform/firmware/starter/Display.h"
 #include "platform/firmware/starter/Lookups.h"
@@ -14,6 +15,12 @@ constexpr const CHAR16* gDriverPath = u"\\ventara-board.efi";
 EFI_SYSTEM_TABLE* gTable;
 EFI_HANDLE gStarter;
 EFI_HANDLE gDriver; // the board driver while the starter has it loaded
+bool gToldBoard;    // what the driver found has been on the screen
+bool gFansAllowed;  // by the user, until the starter ends
+
+// For how long what was found stays on the screen before the console, in steps of 50 ms.
+constexpr UINTN gBoardSteps = 40;
+constexpr UINTN gBoardStep = 50000;
 
 // The page as progress lines, so that a log holds what the screen said.
 VOID ReportPage(const PAGE* Page)
@@ -175,6 +182,54 @@ bool PrepareBoard()
     return false;
 }
 
+// Null where the services are the firmware's own.
+const BOARD_CONTROL* FindBoardControl()
+{
+    VOID* Interface = nullptr;
+    const EFI_STATUS Status = gTable->BootServices->LocateProtocol(&gBoardControlGuid, nullptr, &Interface);
+    return EfiError(Status) ? nullptr : static_cast<const BOARD_CONTROL*>(Interface);
+}
+
+VOID AddFindings(PAGE* Page, const BOARD_CONTROL* Control)
+{
+    for (UINTN Line = 0; Line < Control->Report->Count; Line++) {
+        AddParagraph(Page, Control->Report->Lines[Line]);
+    }
+    AddGap(Page);
+    if (Control->Simulated != 0) {
+        AddParagraph(Page,
+                     u"The console shows a simulated board instead: every number on it is invented, and no fan of "
+                     u"this machine is read or set.");
+    } else if (gFansAllowed) {
+        AddParagraph(Page, u"The console sets the fans that can be set.");
+    } else {
+        AddParagraph(Page, u"Everything is only read",
+                     Control->Report->SettableFans > 0 ? u"; the menu after the console lets it set fans." : u".");
+    }
+}
+
+// Before the first console, for as long as it takes to see that there is something. The menu shows it again.
+VOID TellBoard()
+{
+    const BOARD_CONTROL* Control = FindBoardControl();
+    if (Control == nullptr || gToldBoard) {
+        return;
+    }
+    gToldBoard = true;
+    Control->AllowFans(0); // it may have been loaded, and told otherwise, by a starter before this one
+    PAGE Page = {};
+    AddFindings(&Page, Control);
+    AddParagraph(&Page, u"The console follows; any key goes on at once.");
+    DropKeys();
+    ShowPage(&Page);
+    ReportPage(&Page);
+    EFI_INPUT_KEY Key = {};
+    for (UINTN Step = 0; Step < gBoardSteps && EfiError(gTable->ConIn->ReadKeyStroke(gTable->ConIn, &Key)); Step++) {
+        (void)gTable->BootServices->Stall(gBoardStep);
+    }
+    ShowBootScreen();
+}
+
 VOID StartConsole()
 {
     EFI_HANDLE Console = nullptr;
@@ -208,22 +263,65 @@ VOID StartConsole()
 VOID RunConsole()
 {
     if (PrepareDisplay() && PrepareBoard()) {
+        TellBoard();
         StartConsole();
     }
 }
 
 enum CHOICE : UINT8 { CHOICE_START, CHOICE_BOOT_MENU, CHOICE_RESET };
 
+bool CanFansBeSet()
+{
+    const BOARD_CONTROL* Control = FindBoardControl();
+    return Control != nullptr && Control->Report->SettableFans > 0;
+}
+
 VOID ShowMenu()
 {
     PAGE Page = {};
     AddParagraph(&Page, u"Enter   start the console again");
+    if (CanFansBeSet()) {
+        AddParagraph(&Page, u"S       ",
+                     gFansAllowed ? u"only read the fans again; what was set stays"
+                                  : u"let the console set fans; until then it only reads them");
+    }
+    if (FindBoardControl() != nullptr) {
+        AddParagraph(&Page, u"I       what was found of this machine's sensors");
+    }
     AddParagraph(&Page, u"V       another mode of the display", DescribeDisplayMode()[0] != 0 ? u"; now it is " : u"",
                  DescribeDisplayMode());
     AddParagraph(&Page, u"B       go on to the firmware's boot menu");
     AddParagraph(&Page, u"R       reset the machine");
+    if (CanFansBeSet()) {
+        AddGap(&Page);
+        AddParagraph(
+            &Page, gFansAllowed ? u"The console sets fans: " : u"With S ",
+            u"each change on a fan's page goes into its chip at once and stays there until the machine is "
+            u"switched off. A fan at a fixed level follows no temperature. A pump looks like any fan: leave its "
+            u"page alone, or name it in \\ventara.ini. Default and Cancel give back what the fans had.");
+    }
     ShowPage(&Page);
     Report("ventara: menu\n");
+}
+
+VOID AllowFans()
+{
+    if (CanFansBeSet()) {
+        gFansAllowed = !gFansAllowed;
+        FindBoardControl()->AllowFans(gFansAllowed ? 1 : 0);
+    }
+}
+
+VOID ShowFindings()
+{
+    if (const BOARD_CONTROL* Control = FindBoardControl()) {
+        PAGE Page = {};
+        AddFindings(&Page, Control);
+        AddParagraph(&Page, u"Press any key to go back.");
+        ShowPage(&Page);
+        ReportPage(&Page);
+        (void)WaitForKey();
+    }
 }
 
 CHOICE AskWhatNext()
@@ -243,6 +341,16 @@ CHOICE AskWhatNext()
         case u'v':
         case u'V':
             (void)NextDisplayMode();
+            ShowMenu();
+            break;
+        case u's':
+        case u'S':
+            AllowFans();
+            ShowMenu();
+            break;
+        case u'i':
+        case u'I':
+            ShowFindings();
             ShowMenu();
             break;
         default:
