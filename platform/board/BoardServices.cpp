@@ -5,9 +5,11 @@
 #include "platform/board/CursorService.h"
 #include "platform/board/Decoder.h"
 #include "platform/board/FloatMath.h"
+#include "platform/board/HandKeys.h"
 #include "platform/board/HardwareService.h"
 #include "platform/board/Lines.h"
 #include "platform/board/MessageBox.h"
+#include "platform/board/TabStops.h"
 
 namespace {
 
@@ -35,19 +37,24 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
     }
     gServices = SystemTable->BootServices;
     UseHardware(Options->Board, Options->Microseconds, Options->Refused, gServices);
-    UsePointerSource(Options->Pointer);
+    UsePointerSource(Options->Pointer, Options->Microseconds);
+    UseTabStops(Options->Board, SystemTable->RuntimeServices);
     UseMessageBoxServices(gServices);
     UseArtworkPool(gServices);
     UseArtworkPack(Options->ArtworkPack, Options->ArtworkPackSize);
     SetDecoderGeneration(Options->Generation);
 
     *Handle = nullptr;
-    return gServices->InstallMultipleProtocolInterfaces(
+    const EFI_STATUS Status = gServices->InstallMultipleProtocolInterfaces(
         Handle, &gImageDecoderProtocolGuid, &gBoardImageDecoder, &gCursorServiceProtocolGuid, &gBoardCursor,
         &gRequiredServiceProtocolGuid, &gBoardRequiredService, &gFloatMathProtocolGuid, &gBoardFloatMath,
         &gImageLookupProtocolGuid, &gBoardImageLookup, &gHwServiceProtocolGuid, &gBoardHardware,
         &gDrawPrimitivesProtocolGuid, &gBoardDrawPrimitives, &gImageSectionProtocolGuid, &gBoardImageSection,
         static_cast<VOID*>(nullptr));
+    if (!EfiError(Status)) {
+        OpenHandKeys(SystemTable);
+    }
+    return Status;
 }
 
 EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle)
@@ -64,8 +71,10 @@ EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle)
     if (EfiError(Status)) {
         return Status;
     }
+    CloseHandKeys();
     ResetArtwork();
-    UsePointerSource(nullptr);
+    UsePointerSource(nullptr, nullptr);
+    UseTabStops(nullptr, nullptr);
     UseMessageBoxServices(nullptr);
     gServices = nullptr;
     return EFI_SUCCESS;

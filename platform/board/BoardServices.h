@@ -9,11 +9,14 @@
 #include "uefi/SystemTable.h"
 
 // Where the pointer comes from. Read gives the position and the buttons as they are now; the cursor service clamps the
-// position to the limits that the console sets. Close may be null.
+// position to the limits that the console sets.
 struct POINTER_SOURCE {
     VOID (*Read)(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* Right);
     VOID (*SetLimits)(POINTER_SOURCE* This, UINTN Width, UINTN Height); // may be null
     VOID (*Close)(POINTER_SOURCE* This);                                // may be null
+    // The keyboard has moved the pointer there, and a mouse goes on from there. May be null: then what Read gives counts
+    // again once it changes.
+    VOID (*Place)(POINTER_SOURCE* This, INT64 X, INT64 Y);
 };
 
 struct BOARD_OPTIONS {

@@ -1,11 +1,15 @@
 #include "platform/board/CursorService.h"
 
+#include "platform/board/Hand.h"
+#include "platform/board/TabStops.h"
+
 namespace {
 
 constexpr UINTN gScreenWidth = 1024;
 constexpr UINTN gScreenHeight = 768;
 
 POINTER_SOURCE* gSource;
+UINT64 (*gMicroseconds)();
 UINTN gLimitWidth = gScreenWidth;
 UINTN gLimitHeight = gScreenHeight;
 
@@ -20,17 +24,18 @@ EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Righ
     if (X == nullptr || Y == nullptr || Z == nullptr || Left == nullptr || Right == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    INT64 NowX = 0;
-    INT64 NowY = 0;
-    UINT8 NowLeft = 0;
+    HAND_POINTER Pointer = {};
     UINT8 NowRight = 0;
     if (gSource != nullptr) {
-        gSource->Read(gSource, &NowX, &NowY, &NowLeft, &NowRight);
+        gSource->Read(gSource, &Pointer.X, &Pointer.Y, &Pointer.Left, &NowRight);
+        const UINT64 Now = gMicroseconds();
+        MoveHand(&Pointer, gSource, gLimitWidth, gLimitHeight, Now);
+        NotePointer(Pointer.X, Pointer.Y, Pointer.Left, Now);
     }
-    *X = ClampTo(NowX, gLimitWidth);
-    *Y = ClampTo(NowY, gLimitHeight);
+    *X = ClampTo(Pointer.X, gLimitWidth);
+    *Y = ClampTo(Pointer.Y, gLimitHeight);
     *Z = 0;
-    *Left = NowLeft != 0 ? 1 : 0;
+    *Left = Pointer.Left != 0 ? 1 : 0;
     *Right = NowRight != 0 ? 1 : 0;
     return EFI_SUCCESS;
 }
@@ -50,6 +55,7 @@ EFI_STATUS CloseCursor()
     if (gSource != nullptr && gSource->Close != nullptr) {
         gSource->Close(gSource);
     }
+    ResetHand();
     return EFI_SUCCESS;
 }
 
@@ -61,9 +67,11 @@ CURSOR_SERVICE_PROTOCOL gBoardCursor = {
     .CloseCursor = CloseCursor,
 };
 
-VOID UsePointerSource(POINTER_SOURCE* Source)
+VOID UsePointerSource(POINTER_SOURCE* Source, UINT64 (*Microseconds)())
 {
     gSource = Source;
+    gMicroseconds = Microseconds;
+    ResetHand();
     gLimitWidth = gScreenWidth;
     gLimitHeight = gScreenHeight;
 }

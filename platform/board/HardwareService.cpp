@@ -2,6 +2,7 @@
 
 #include "platform/board/BoardServices.h"
 #include "platform/board/FanContract.h"
+#include "platform/board/TabStops.h"
 
 namespace {
 
@@ -64,6 +65,7 @@ EFI_STATUS Initialize(HW_SERVICE_PROTOCOL*)
     if (gBoard->Begin != nullptr) {
         gBoard->Begin(gBoard);
     }
+    NoteConsoleStart();
     return EFI_SUCCESS;
 }
 
@@ -110,7 +112,11 @@ template <UINT8 FanItem> EFI_STATUS GetSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING
     if (Setting == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    return gBoard->GetFan(gBoard, FanItem, Setting);
+    const EFI_STATUS Status = gBoard->GetFan(gBoard, FanItem, Setting);
+    if (!EfiError(Status)) {
+        NoteFanRead(FanItem, *Setting);
+    }
+    return Status;
 }
 
 template <UINT8 FanItem> EFI_STATUS SetSetting(HW_SERVICE_PROTOCOL*, const FAN_SETTING* Setting)
@@ -124,6 +130,7 @@ template <UINT8 FanItem> EFI_STATUS SetSetting(HW_SERVICE_PROTOCOL*, const FAN_S
         }
         return EFI_INVALID_PARAMETER;
     }
+    NoteFanSent(FanItem, *Setting);
     return gBoard->SetFan(gBoard, FanItem, Setting);
 }
 
@@ -146,7 +153,11 @@ HW_SERVICE_PROTOCOL gBoardHardware = {
     .Fan = {gAccess<4>, gAccess<5>, gAccess<6>, gAccess<7>, gAccess<8>, gAccess<9>, gAccess<10>},
     .Unused19 = nullptr,
     .LoadDefaultFanSettings = CommandAllFans<&BOARD_SOURCE::LoadDefaults>,
-    .SetAllFansFullSpeed = CommandAllFans<&BOARD_SOURCE::SetFullSpeed>,
+    .SetAllFansFullSpeed =
+        [](HW_SERVICE_PROTOCOL* This) {
+            NoteFullSpeed();
+            return CommandAllFans<&BOARD_SOURCE::SetFullSpeed>(This);
+        },
     .RestoreFanSettings = CommandAllFans<&BOARD_SOURCE::Restore>,
 };
 

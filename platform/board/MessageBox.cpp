@@ -1,6 +1,7 @@
 #include "platform/board/MessageBox.h"
 
 #include "platform/board/ConsoleDisplay.h"
+#include "platform/board/TabStops.h"
 #include "shell/contract/Screen.h"
 #include "uefi/Hii.h"
 
@@ -349,6 +350,9 @@ EFI_STATUS UpdateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y)
     State.LastY = static_cast<UINT16>(Y);
     State.ButtonFocus = Hover;
     *Box = __builtin_bit_cast(MESSAGE_BOX, State);
+    if (State.ButtonText != nullptr) {
+        NoteBoxButton({State.ButtonX, State.ButtonY, State.ButtonWidth, State.ButtonHeight, false});
+    }
     if (!Repaint) {
         return EFI_SUCCESS;
     }

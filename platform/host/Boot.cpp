@@ -27,6 +27,13 @@ VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* R
     *Right = State.Right;
 }
 
+VOID PlacePointer(POINTER_SOURCE* This, INT64 X, INT64 Y)
+{
+    POINTER_STATE& State = reinterpret_cast<HOST_POINTER*>(This)->State;
+    State.X = X;
+    State.Y = Y;
+}
+
 } // namespace
 
 BOOT::BOOT(const BOOT_OPTIONS& Options)
@@ -39,7 +46,7 @@ BOOT::BOOT(const BOOT_OPTIONS& Options)
     gBoot = this;
     Trace.Clock = &Clock;
     Consoles.Echo = Options.EchoConsoles;
-    Pointer.Source = {.Read = ReadPointer, .SetLimits = nullptr, .Close = nullptr};
+    Pointer.Source = {.Read = ReadPointer, .SetLimits = nullptr, .Close = nullptr, .Place = PlacePointer};
     for (const EFI_GUID& Guid : Options.Hidden) {
         Handles.Hide(Guid);
     }
@@ -47,6 +54,7 @@ BOOT::BOOT(const BOOT_OPTIONS& Options)
     FillBootServices(&mBootServices);
     FillRuntimeServices(&mRuntimeServices);
     FillTextInput(&mTextInput);
+    FillTextInputEx(&mTextInputEx);
     FillTextOutput(&mTextOutput, false);
     FillTextOutput(&mErrorOutput, true);
     FirmwareTable = {};
@@ -54,6 +62,7 @@ BOOT::BOOT(const BOOT_OPTIONS& Options)
     FirmwareTable.FirmwareVendor = gFirmwareVendor;
     FirmwareTable.FirmwareRevision = 1;
     FirmwareTable.ConIn = &mTextInput;
+    (void)Handles.Install(&FirmwareTable.ConsoleInHandle, &gEfiSimpleTextInputExProtocolGuid, &mTextInputEx);
     FirmwareTable.ConOut = &mTextOutput;
     FirmwareTable.StdErr = &mErrorOutput;
     FirmwareTable.RuntimeServices = &mRuntimeServices;

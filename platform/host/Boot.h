@@ -109,6 +109,7 @@ private:
     EFI_BOOT_SERVICES mBootServices = {};
     EFI_RUNTIME_SERVICES mRuntimeServices = {};
     EFI_SIMPLE_TEXT_INPUT_PROTOCOL mTextInput = {};
+    EFI_SIMPLE_TEXT_INPUT_EX_PROTOCOL mTextInputEx = {};
     EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mTextOutput = {};
     EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mErrorOutput = {};
 };

@@ -257,6 +257,14 @@ VOID FillTextInput(EFI_SIMPLE_TEXT_INPUT_PROTOCOL* Input)
     Input->WaitForKey = nullptr; // keys are asked for in every turn, and nobody waits for one
 }
 
+VOID FillTextInputEx(EFI_SIMPLE_TEXT_INPUT_EX_PROTOCOL* Input)
+{
+    RefuseEverything(Input, 0);
+    Input->WaitForKeyEx = nullptr;
+    Input->RegisterKeyNotify = [](auto*, auto... Rest) { return gBoot->Consoles.Register(Rest...); };
+    Input->UnregisterKeyNotify = [](auto*, VOID* Handle) { return gBoot->Consoles.Unregister(Handle); };
+}
+
 // The consoles are logs: there is no screen of text behind them to be cleared.
 VOID FillTextOutput(EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL* Output, bool IsError)
 {

@@ -96,7 +96,9 @@ VOID PLAYER::Do(BOOT& Boot, const SCRIPT_COMMAND& Command)
         Boot.Pointer.State.Right = Command.Down ? 1 : 0;
         break;
     case SCRIPT_KEY:
-        Boot.Consoles.Keys.push_back(Command.Key);
+        for (UINT64 Time = 0; Time < Command.Count; Time++) {
+            Boot.Consoles.Press(Command.Key.ScanCode, Command.Key.UnicodeChar, Command.ShiftState);
+        }
         break;
     case SCRIPT_ADVANCE:
         Boot.Clock.Advance(Command.Count);

@@ -1,6 +1,10 @@
 #include "platform/host/Recorder.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
+
+#include "platform/host/Script.h"
 
 struct RECORDER {
     FILE* File;
@@ -16,9 +20,21 @@ struct RECORDER {
 
 namespace {
 
-VOID RecordKey(FILE* File, const EFI_INPUT_KEY& Key)
+bool IsStrokeOf(const HAND_NAME& Hand, const EFI_KEY_DATA& Stroke)
 {
-    if (Key.ScanCode == SCAN_ESC && Key.UnicodeChar == 0) {
+    return Hand.Key.ScanCode == Stroke.Key.ScanCode && Hand.Key.UnicodeChar == Stroke.Key.UnicodeChar &&
+           (Hand.TakesShift || Hand.ShiftState == Stroke.KeyState.KeyShiftState);
+}
+
+VOID RecordKey(FILE* File, const EFI_KEY_DATA& Stroke)
+{
+    const EFI_INPUT_KEY& Key = Stroke.Key;
+    const auto* Hand = std::find_if(std::begin(gHandNames), std::end(gHandNames),
+                                    [&](const HAND_NAME& Name) { return IsStrokeOf(Name, Stroke); });
+    if (Hand != std::end(gHandNames)) {
+        const bool Shift = Hand->TakesShift && Stroke.KeyState.KeyShiftState != 0;
+        std::fprintf(File, "hand %s%s\n", Shift ? "shift " : "", Hand->Name);
+    } else if (Key.ScanCode == SCAN_ESC && Key.UnicodeChar == 0) {
         std::fputs("key esc\n", File);
     } else if (Key.ScanCode == SCAN_NULL && Key.UnicodeChar == CHAR_CARRIAGE_RETURN) {
         std::fputs("key enter\n", File);
@@ -80,8 +96,8 @@ VOID RecordTurn(RECORDER* Recorder, UINT64 Now, const WINDOW_INPUT& Input)
     if (Input.Right != Recorder->Right) {
         std::fprintf(Recorder->File, "right %s\n", Input.Right ? "down" : "up");
     }
-    for (const EFI_INPUT_KEY& Key : Input.Keys) {
-        RecordKey(Recorder->File, Key);
+    for (const EFI_KEY_DATA& Stroke : Input.Keys) {
+        RecordKey(Recorder->File, Stroke);
     }
     std::fputs("turn\n", Recorder->File);
     Recorder->Begun = true;

@@ -144,6 +144,28 @@ const char* ParseKey(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
     return nullptr;
 }
 
+// Ninety-nine at once are more than any row of keys, and fewer than the keyboard loses.
+constexpr UINT64 gMostStrokes = 99;
+
+const char* ParseHand(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
+{
+    std::string_view Word = Arguments.Next();
+    const bool Shift = Word == "shift";
+    if (Shift) {
+        Word = Arguments.Next();
+    }
+    for (const HAND_NAME& Hand : gHandNames) {
+        if (Word != Hand.Name || (Shift && !Hand.TakesShift)) {
+            continue;
+        }
+        Command.Key = Hand.Key;
+        Command.ShiftState = Shift ? gShiftPressed : Hand.ShiftState;
+        return ParseCount(Arguments, &Command.Count) && Command.Count <= gMostStrokes ? nullptr
+                                                                                      : "a count from 1 to 99";
+    }
+    return "left, right, up, down, each also behind 'shift', tab, back, space or grab";
+}
+
 const char* ParseRepeat(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
 {
     return ParseCount(Arguments, &Command.Count) ? nullptr : "a count of at least 1";
@@ -288,6 +310,7 @@ constexpr VERB_FACTS gVerbs[] = {
     {"slow", SCRIPT_SLOW, ParseSlow, false},          {"without", SCRIPT_WITHOUT, ParseWithout, true},
     {"artwork", SCRIPT_ARTWORK, ParseArtwork, true},  {"screenshot", SCRIPT_SCREENSHOT, ParseScreenshot, false},
     {"start", SCRIPT_START, ParseNothing, false},     {"reset", SCRIPT_RESET, ParseNothing, false},
+    {"hand", SCRIPT_KEY, ParseHand, false},
 };
 
 bool LetsTurnsGoBy(SCRIPT_VERB Verb) { return Verb == SCRIPT_TURN || Verb == SCRIPT_TICK || Verb == SCRIPT_START; }
@@ -318,7 +341,7 @@ const char* ParseLine(std::string_view Name, ARGUMENTS& Arguments, bool Started,
         const char* Expected = Facts.Parse(Arguments, Command);
         return Expected != nullptr || Arguments.AtEnd() ? Expected : "the end of the line";
     }
-    return "a command (pointer, left, right, key, turn, advance, tick, reading, string, setting, default, fail, "
+    return "a command (pointer, left, right, key, hand, turn, advance, tick, reading, string, setting, default, fail, "
            "slow, without, artwork, screenshot, start, reset)";
 }
 

@@ -9,9 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/host/Consoles.h"
 #include "platform/host/Crossing.h"
 #include "shell/contract/Services.h"
-#include "uefi/SystemTable.h"
+#include "uefi/TextInputEx.h"
 
 enum SCRIPT_VERB : UINT8 {
     SCRIPT_POINTER,
@@ -44,7 +45,8 @@ struct SCRIPT_COMMAND {
     INT64 Y = 0;
     bool Down = false;                         // left, right
     EFI_INPUT_KEY Key = {};                    // key
-    UINT64 Count = 1;                          // turn, tick, fail; microseconds of advance and slow
+    UINT32 ShiftState = 0;                     // of the key; see EFI_KEY_STATE
+    UINT64 Count = 1;                          // turn, tick, fail, key; microseconds of advance and slow
     UINT8 Item = 0;                            // reading, string; the fan of setting and default
     bool Live = false;                         // reading: the model again
     READING_OVERRIDE Reading = {};             // reading
@@ -57,6 +59,25 @@ struct SCRIPT_COMMAND {
     UINT32 Instance = 0;      // artwork: the section's number, or the type that all answer under
     std::vector<UINT8> Bytes; // artwork from a file
     std::string Path;         // screenshot
+};
+
+
+// A key that takes the mouse's place, by its name behind `hand`.
+struct HAND_NAME {
+    const char* Name;
+    EFI_INPUT_KEY Key;
+    UINT32 ShiftState;
+    bool TakesShift; // the name can have `shift` in front
+};
+constexpr HAND_NAME gHandNames[] = {
+    {"left", {SCAN_LEFT, 0}, 0, true},
+    {"right", {SCAN_RIGHT, 0}, 0, true},
+    {"up", {SCAN_UP, 0}, 0, true},
+    {"down", {SCAN_DOWN, 0}, 0, true},
+    {"tab", {SCAN_NULL, CHAR_TAB}, 0, false},
+    {"back", {SCAN_NULL, CHAR_TAB}, gShiftPressed, false},
+    {"space", {SCAN_NULL, u' '}, 0, false},
+    {"grab", {SCAN_NULL, u'g'}, 0, false},
 };
 
 struct SCRIPT {

@@ -9,6 +9,8 @@
 
 #include <SDL.h>
 
+#include "platform/host/Consoles.h"
+
 struct WINDOW {
     SDL_Window* Frame;
     SDL_Renderer* Renderer;
@@ -55,11 +57,11 @@ constexpr KEY_NAME gKeys[] = {
     {SDLK_RETURN, {SCAN_NULL, CHAR_CARRIAGE_RETURN}},
     {SDLK_KP_ENTER, {SCAN_NULL, CHAR_CARRIAGE_RETURN}},
     {SDLK_BACKSPACE, {SCAN_NULL, 0x08}},
-    {SDLK_TAB, {SCAN_NULL, 0x09}},
-    {SDLK_UP, {0x01, 0}},
-    {SDLK_DOWN, {0x02, 0}},
-    {SDLK_RIGHT, {0x03, 0}},
-    {SDLK_LEFT, {0x04, 0}},
+    {SDLK_TAB, {SCAN_NULL, CHAR_TAB}},
+    {SDLK_UP, {SCAN_UP, 0}},
+    {SDLK_DOWN, {SCAN_DOWN, 0}},
+    {SDLK_RIGHT, {SCAN_RIGHT, 0}},
+    {SDLK_LEFT, {SCAN_LEFT, 0}},
     {SDLK_HOME, {0x05, 0}},
     {SDLK_END, {0x06, 0}},
     {SDLK_INSERT, {0x07, 0}},
@@ -76,7 +78,7 @@ constexpr KEY_NAME gKeys[] = {
     {SDLK_F8, {0x12, 0}},
     {SDLK_F9, {0x13, 0}},
     {SDLK_F10, {0x14, 0}},
-    {SDLK_F12, {0x16, 0}},
+    {SDLK_F12, {SCAN_F12, 0}},
 };
 
 char gError[256];
@@ -105,7 +107,7 @@ UINT64 HostMicroseconds()
 
 // Text as the host types it, in UTF-8, to key strokes. What a firmware's key stroke can't carry, beyond U+FFFF, is
 // dropped.
-VOID AppendText(std::vector<EFI_INPUT_KEY>* Keys, const char* Text)
+VOID AppendText(std::vector<EFI_KEY_DATA>* Keys, const char* Text)
 {
     while (*Text != 0) {
         const UINT32 First = static_cast<UINT8>(*Text++);
@@ -115,7 +117,7 @@ VOID AppendText(std::vector<EFI_INPUT_KEY>* Keys, const char* Text)
             Code = Code << 6 | (static_cast<UINT8>(*Text++) & 0x3Fu);
         }
         if (Code <= 0xFFFF) {
-            Keys->push_back({SCAN_NULL, static_cast<CHAR16>(Code)});
+            Keys->push_back({.Key = {SCAN_NULL, static_cast<CHAR16>(Code)}, .KeyState = {}});
         }
     }
 }
@@ -235,7 +237,7 @@ VOID TakeButton(WINDOW* Window, const SDL_MouseButtonEvent& Button)
     }
 }
 
-VOID TakeKey(WINDOW* Window, const SDL_KeyboardEvent& Event, std::vector<EFI_INPUT_KEY>* Keys)
+VOID TakeKey(WINDOW* Window, const SDL_KeyboardEvent& Event, std::vector<EFI_KEY_DATA>* Keys)
 {
     if (Event.keysym.sym == SDLK_F11) {
         if (Event.repeat == 0) {
@@ -246,7 +248,8 @@ VOID TakeKey(WINDOW* Window, const SDL_KeyboardEvent& Event, std::vector<EFI_INP
     const auto* Found = std::find_if(std::begin(gKeys), std::end(gKeys),
                                      [&](const KEY_NAME& Name) { return Name.Symbol == Event.keysym.sym; });
     if (Found != std::end(gKeys)) {
-        Keys->push_back(Found->Key);
+        const bool Shift = (Event.keysym.mod & KMOD_SHIFT) != 0;
+        Keys->push_back({.Key = Found->Key, .KeyState = {Shift ? gShiftPressed : 0, 0}});
     }
 }
 
@@ -267,7 +270,7 @@ VOID TakeWindowEvent(WINDOW* Window, const SDL_WindowEvent& Event)
     }
 }
 
-VOID TakeEvent(WINDOW* Window, const SDL_Event& Event, std::vector<EFI_INPUT_KEY>* Keys)
+VOID TakeEvent(WINDOW* Window, const SDL_Event& Event, std::vector<EFI_KEY_DATA>* Keys)
 {
     switch (Event.type) {
     case SDL_QUIT:

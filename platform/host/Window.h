@@ -7,7 +7,7 @@
 
 #include <vector>
 
-#include "uefi/SystemTable.h"
+#include "uefi/TextInputEx.h"
 
 // A display's size in pixels.
 struct DISPLAY_SIZE {
@@ -23,9 +23,9 @@ struct WINDOW_INPUT {
     INT32 PointerY;
     bool Left; // held down
     bool Right;
-    bool Moved;                      // the pointer's place or a button differs from the last turn's
-    bool Closed;                     // the user asked to close the window; stays true from then on
-    std::vector<EFI_INPUT_KEY> Keys; // in the order typed; those of this turn alone
+    bool Moved;                     // the pointer's place or a button differs from the last turn's
+    bool Closed;                    // the user asked to close the window; stays true from then on
+    std::vector<EFI_KEY_DATA> Keys; // in the order typed; those of this turn alone
 };
 
 // Opens a window with the title Title (UTF-8) for a display of that size. Null when there is no screen to open it on, and *Error then says why,

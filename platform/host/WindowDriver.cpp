@@ -29,18 +29,24 @@ VOID WINDOW_DRIVER::BeginTurn(BOOT& Boot)
     Boot.SettleDisplay();
     ShowDisplay(mWindow, Boot.Display.Words());
     PaceWindow(mWindow);
+    const INT32 WasX = mInput.PointerX;
+    const INT32 WasY = mInput.PointerY;
     (void)PumpWindow(mWindow, &mInput);
     INT64 X = 0;
     INT64 Y = 0;
     PictureAt(mPlace, mInput.PointerX, mInput.PointerY, &X, &Y);
     mInput.PointerX = static_cast<INT32>(X); // for the record, which has the console's pixels
     mInput.PointerY = static_cast<INT32>(Y);
-    Boot.Pointer.State = {.X = X,
-                          .Y = Y,
-                          .Left = static_cast<UINT8>(mInput.Left ? 1 : 0),
-                          .Right = static_cast<UINT8>(mInput.Right ? 1 : 0)};
-    for (const EFI_INPUT_KEY& Key : mInput.Keys) {
-        Boot.Consoles.Keys.push_back(Key);
+    POINTER_STATE& Pointer = Boot.Pointer.State;
+    // A mouse at rest leaves the pointer to the keys.
+    if (!mBegun || mInput.PointerX != WasX || mInput.PointerY != WasY) {
+        Pointer.X = X;
+        Pointer.Y = Y;
+    }
+    Pointer.Left = mInput.Left ? 1 : 0;
+    Pointer.Right = mInput.Right ? 1 : 0;
+    for (const EFI_KEY_DATA& Stroke : mInput.Keys) {
+        Boot.Consoles.Press(Stroke.Key.ScanCode, Stroke.Key.UnicodeChar, Stroke.KeyState.KeyShiftState);
     }
     // The first turn is still at the time of the timers, as when the record is played: a start-up takes no time then.
     if (mBegun) {

@@ -20,7 +20,13 @@ struct EFI_INPUT_KEY {
 };
 
 constexpr UINT16 SCAN_NULL = 0x00;
+constexpr UINT16 SCAN_UP = 0x01;
+constexpr UINT16 SCAN_DOWN = 0x02;
+constexpr UINT16 SCAN_RIGHT = 0x03;
+constexpr UINT16 SCAN_LEFT = 0x04;
+constexpr UINT16 SCAN_F12 = 0x16;
 constexpr UINT16 SCAN_ESC = 0x17;
+constexpr CHAR16 CHAR_TAB = 0x09;
 constexpr CHAR16 CHAR_CARRIAGE_RETURN = 0x0D;
 
 struct EFI_SIMPLE_TEXT_INPUT_PROTOCOL {

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/host/Script.h"
+
 #include "TestFolder.h"
 
 namespace {
@@ -54,9 +56,27 @@ TEST_F(Recorder, WritesWhatChangedAndHowLongAfterTheTurnBefore)
 
 TEST_F(Recorder, WritesKeysInTheFormThatReadsBackAsTheSameKey)
 {
-    Input.Keys = {{SCAN_ESC, 0}, {0, CHAR_CARRIAGE_RETURN}, {0, u's'}, {0, u'#'}, {0, u' '}, {0, 0x00E9}, {0x0B, 0}};
+    struct {
+        UINT16 Scan;
+        CHAR16 Char;
+        UINT32 Shift;
+    } const Strokes[] = {{SCAN_ESC, 0, 0},
+                         {0, CHAR_CARRIAGE_RETURN, 0},
+                         {0, u's', 0},
+                         {0, u'#', 0},
+                         {0, u' ', 0},
+                         {0, 0x00E9, 0},
+                         {0x0B, 0, 0},
+                         {SCAN_LEFT, 0, 0},
+                         {SCAN_LEFT, 0, gShiftPressed},
+                         {0, CHAR_TAB, 0},
+                         {0, CHAR_TAB, gShiftPressed}};
+    for (const auto& Stroke : Strokes) {
+        Input.Keys.push_back({{Stroke.Scan, Stroke.Char}, {Stroke.Shift, 0}});
+    }
     RecordTurn(Open, 0, Input);
-    EXPECT_EQ(Close(), "pointer 10 20\nkey esc\nkey enter\nkey s\nkey 0 23\nkey 0 20\nkey 0 e9\nkey b 0\nturn\n");
+    EXPECT_EQ(Close(), "pointer 10 20\nkey esc\nkey enter\nkey s\nkey 0 23\nhand space\nkey 0 e9\nkey b 0\nhand "
+                       "left\nhand shift left\nhand tab\nhand back\nturn\n");
 }
 
 TEST_F(Recorder, LeavesOutTheTimeThatAStallMovesByItself)

@@ -136,8 +136,8 @@ TEST_F(OpenedWindow, TurnsKeysAndTextIntoTheFirmwaresKeyStrokesInTheirOrder)
     const EFI_INPUT_KEY Expected[] = {{0, u's'}, {0x17, 0}, {0, 0x0D}, {0x0F, 0}, {0, 0x00E9}, {0, 0x20AC}};
     ASSERT_EQ(Input.Keys.size(), std::size(Expected));
     for (size_t Index = 0; Index < std::size(Expected); Index++) {
-        EXPECT_EQ(Input.Keys[Index].ScanCode, Expected[Index].ScanCode) << Index;
-        EXPECT_EQ(Input.Keys[Index].UnicodeChar, Expected[Index].UnicodeChar) << Index;
+        EXPECT_EQ(Input.Keys[Index].Key.ScanCode, Expected[Index].ScanCode) << Index;
+        EXPECT_EQ(Input.Keys[Index].Key.UnicodeChar, Expected[Index].UnicodeChar) << Index;
     }
     EXPECT_TRUE(PumpWindow(Window, &Input));
     EXPECT_TRUE(Input.Keys.empty());

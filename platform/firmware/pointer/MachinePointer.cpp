@@ -209,6 +209,15 @@ VOID SetPointerLimits(POINTER_SOURCE* This, UINTN Width, UINTN Height)
     Pointer->Y = Clamp(Pointer->Y, Pointer->Height);
 }
 
+VOID PlacePointer(POINTER_SOURCE* This, INT64 X, INT64 Y)
+{
+    auto* Pointer = reinterpret_cast<MACHINE_POINTER*>(This);
+    Pointer->X = X;
+    Pointer->Y = Y;
+    Pointer->Moved = true;
+    Pointer->MovedAt = ReadMicroseconds();
+}
+
 // The next start finds the pointer in the middle again, and no button down.
 VOID ResetPointer(MACHINE_POINTER* Pointer)
 {
@@ -257,7 +266,7 @@ EFI_STATUS OpenMachinePointer(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image, P
 {
     gBoot = SystemTable->BootServices;
     gPointer = {};
-    gPointer.Source = {.Read = ReadPointer, .SetLimits = SetPointerLimits, .Close = EndPointer};
+    gPointer.Source = {.Read = ReadPointer, .SetLimits = SetPointerLimits, .Close = EndPointer, .Place = PlacePointer};
     gPointer.Width = gDefaultWidth;
     gPointer.Height = gDefaultHeight;
     ResetPointer(&gPointer);

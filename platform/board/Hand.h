@@ -1,0 +1,42 @@
+// The keyboard in the mouse's place: strokes of a few keys move the pointer, click, and hold the button down.
+//
+// Arrows go 10 pixels, 30 from the fifth stroke in a row on, and 1 with Shift. Tab and Shift+Tab jump to the next place
+// that answers a press, from beside all of them to the nearest (TabStops.h); when a message box closes, the pointer goes
+// back to where Tab took it from. Space clicks. G takes hold, and lets go when it is pressed again; with a node or a thumb
+// in hand an arrow goes one cell of the grid.
+//
+// The mouse and the hand share one pointer. It is the mouse's again as soon as the mouse moves, and a press of its button
+// ends what G holds.
+#pragma once
+
+#include "platform/board/BoardServices.h"
+
+enum HAND_KEY : UINT8 {
+    HAND_LEFT,
+    HAND_RIGHT,
+    HAND_UP,
+    HAND_DOWN,
+    HAND_LEFT_FINE,
+    HAND_RIGHT_FINE,
+    HAND_UP_FINE,
+    HAND_DOWN_FINE,
+    HAND_NEXT,
+    HAND_BACK,
+    HAND_CLICK,
+    HAND_GRAB,
+};
+
+struct HAND_POINTER {
+    INT64 X;
+    INT64 Y;
+    UINT8 Left;
+};
+
+// A stroke, to be carried out by the reads of the pointer that follow. It may come between any two instructions of
+// theirs. Beyond some 250 that wait, strokes are lost.
+VOID PressHand(HAND_KEY Key);
+// One read of the pointer: takes what the source says, and leaves in it what the console is to see. The first one after
+// ResetHand drops the strokes that came before it: they were meant for something else. Now in microseconds.
+VOID MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN Height, UINT64 Now);
+// A console is gone, or comes.
+VOID ResetHand();
