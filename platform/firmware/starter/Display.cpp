@@ -34,7 +34,8 @@ constexpr UINTN gMostOffers = 64;
 MODE_OFFER gOffers[gMostOffers];
 UINTN gOfferCount;
 UINTN gOffer;
-bool gPicked; // by a person: holds until the starter ends
+bool gPicked;       // by a person: holds until the display is closed
+UINT32 gPickedMode; // the firmware's number of that mode
 CHAR16 gModeText[32];
 
 // How long single pixels may be held back, in units of 100 ns.
@@ -119,6 +120,7 @@ VOID CloseLayer()
         gLayerTimer = nullptr;
     }
     if (gConsoleDisplayHandle != nullptr) {
+        gConsoleDisplay.Graphics = gGraphics; // if it stays, the layer doesn't
         (void)Boot->UninstallProtocolInterface(gConsoleDisplayHandle, &gConsoleDisplayGuid, &gConsoleDisplay);
         gConsoleDisplayHandle = nullptr;
     }
@@ -199,6 +201,23 @@ DISPLAY_RESULT OpenLayer()
     return DISPLAY_READY;
 }
 
+VOID SendPicture()
+{
+    EFI_GRAPHICS_OUTPUT_PROTOCOL* Shown = gLayer != nullptr ? &gLayer->Graphics : gGraphics;
+    (void)Shown->Blt(Shown, gPicture, EfiBltBufferToVideo, 0, 0, 0, 0, BOOT_SCREEN_WIDTH, BOOT_SCREEN_HEIGHT, 0);
+}
+
+// The offer that a person chose; the best one where nobody has, or where it is no longer there.
+UINTN ChooseOffer()
+{
+    for (UINTN At = 0; gPicked && At < gOfferCount; At++) {
+        if (gOffers[At].Number == gPickedMode) {
+            return At;
+        }
+    }
+    return ChooseMode(gOffers, gOfferCount, NativeSize());
+}
+
 // Sets the chosen mode and shows the boot screen in it.
 DISPLAY_RESULT EnterMode()
 {
@@ -225,14 +244,9 @@ DISPLAY_RESULT EnterMode()
     Report("x");
     ReportDecimal(gOffers[gOffer].Height);
     Report(gLayer != nullptr ? ", by a layer\n" : "\n");
-    ShowBootScreen();
+    PaintBootScreen(gPicture);
+    SendPicture();
     return DISPLAY_READY;
-}
-
-VOID SendPicture()
-{
-    EFI_GRAPHICS_OUTPUT_PROTOCOL* Shown = gLayer != nullptr ? &gLayer->Graphics : gGraphics;
-    (void)Shown->Blt(Shown, gPicture, EfiBltBufferToVideo, 0, 0, 0, 0, BOOT_SCREEN_WIDTH, BOOT_SCREEN_HEIGHT, 0);
 }
 
 VOID PrintPage(const PAGE* Page)
@@ -254,6 +268,7 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable)
 {
     gTable = SystemTable;
     gReady = false;
+    gOfferCount = 0;
     EFI_BOOT_SERVICES* Boot = SystemTable->BootServices;
     VOID* Interface = nullptr;
     if (EfiError(Boot->LocateProtocol(&gEfiGraphicsOutputProtocolGuid, nullptr, &Interface))) {
@@ -270,10 +285,15 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable)
         (void)SystemTable->ConOut->EnableCursor(SystemTable->ConOut, 0);
     }
     ListModes();
-    if (!gPicked) {
-        gOffer = ChooseMode(gOffers, gOfferCount, NativeSize());
+    for (;;) {
+        gOffer = ChooseOffer();
+        const DISPLAY_RESULT Result = EnterMode();
+        if (Result != DISPLAY_NO_MODE || gOfferCount == 0) {
+            return Result;
+        }
+        // Offered, and can't be set: the best of the others.
+        gOffers[gOffer] = gOffers[--gOfferCount];
     }
-    return EnterMode();
 }
 
 DISPLAY_RESULT NextDisplayMode()
@@ -281,12 +301,13 @@ DISPLAY_RESULT NextDisplayMode()
     if (gOfferCount == 0) {
         return DISPLAY_NO_MODE;
     }
-    gPicked = true;
     // A mode that is offered and can't be set is passed over.
     for (UINTN Tries = 0; Tries < gOfferCount; Tries++) {
         gOffer = (gOffer + 1) % gOfferCount;
         const DISPLAY_RESULT Result = EnterMode();
         if (Result != DISPLAY_NO_MODE) {
+            gPicked = true;
+            gPickedMode = gOffers[gOffer].Number;
             return Result;
         }
     }
@@ -294,12 +315,6 @@ DISPLAY_RESULT NextDisplayMode()
 }
 
 const CHAR16* DescribeDisplayMode() { return gModeText; }
-
-VOID ShowBootScreen()
-{
-    PaintBootScreen(gPicture);
-    SendPicture();
-}
 
 VOID ShowPage(const PAGE* Page)
 {
@@ -325,6 +340,8 @@ VOID ShowPage(const PAGE* Page)
 VOID CloseDisplay()
 {
     gReady = false;
+    gPicked = false;
+    gOfferCount = 0;
     CloseLayer();
     if (gPicture != nullptr) {
         (void)gTable->BootServices->FreePool(gPicture);

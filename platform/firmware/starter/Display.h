@@ -15,15 +15,15 @@ enum DISPLAY_RESULT : UINT8 {
     DISPLAY_NO_MEMORY,
 };
 
-// Sets the mode that suits the display best, or the one that NextDisplayMode went to, and paints the boot screen. Images
+// Sets the mode that suits the display best of those that can be set, or the one that NextDisplayMode went to, and paints the
+// boot screen. Images
 // that are started with replaced lookups find the display of 1024 by 768. May be called again.
 DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable);
-// Goes on to the next mode that the display offers, in the firmware's order, for this OpenDisplay and those after it.
+// Goes on to the next mode that the display offers, in the firmware's order, for now and for each OpenDisplay until
+// CloseDisplay.
 DISPLAY_RESULT NextDisplayMode();
 // The mode's size, as "1920 by 1080"; empty before OpenDisplay.
 const CHAR16* DescribeDisplayMode();
-// Paints the boot screen again, without text.
-VOID ShowBootScreen();
 // Shows the page over the boot screen; on the text console if the display isn't open.
 VOID ShowPage(const PAGE* Page);
 // Gives the picture's memory back and leaves the display cleared, in the mode and with the text cursor that the first

@@ -73,9 +73,14 @@ EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
     for (const LOOKUP& Lookup : gLookups) {
         Any = Any || Lookup.Guid != nullptr;
     }
-    VOID* Interface = nullptr;
-    if (!Any || EfiError(Boot->HandleProtocol(Image, &gEfiLoadedImageProtocolGuid, &Interface))) {
+    if (!Any) {
         return Boot->StartImage(Image, nullptr, nullptr);
+    }
+    VOID* Interface = nullptr;
+    const EFI_STATUS Found = Boot->HandleProtocol(Image, &gEfiLoadedImageProtocolGuid, &Interface);
+    if (EfiError(Found)) {
+        (void)Boot->UnloadImage(Image); // it would take what the firmware has for what it expects
+        return Found;
     }
     auto* Loaded = static_cast<EFI_LOADED_IMAGE_PROTOCOL*>(Interface);
     gImageBase = static_cast<const UINT8*>(Loaded->ImageBase);
@@ -92,10 +97,11 @@ EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
     Seal(Boot, &gImageTable.Hdr);
     Loaded->SystemTable = &gImageTable;
 
+    const UINT32 Sum = Boot->Hdr.CRC32;
     Boot->LocateProtocol = LocateForImage;
     Seal(Boot, &Boot->Hdr);
     const EFI_STATUS Status = Boot->StartImage(Image, nullptr, nullptr);
     Boot->LocateProtocol = gFirmwareLocate;
-    Seal(Boot, &Boot->Hdr);
+    Boot->Hdr.CRC32 = Sum;
     return Status;
 }

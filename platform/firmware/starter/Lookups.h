@@ -11,5 +11,6 @@
 // Has lookups of that protocol answered with Interface; with the firmware's own again for null. At most four.
 VOID ReplaceLookup(const EFI_GUID* Guid, VOID* Interface);
 
-// Starts a loaded image with the replaced lookups and returns its status. Without any it is just StartImage.
+// Starts a loaded image with the replaced lookups and returns its status. Without any it is just StartImage. Where the
+// image's record can't be had, the image is unloaded, and the status is that of asking for it.
 EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image);
