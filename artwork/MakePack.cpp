@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "platform/board/ArtworkPack.h"
+#include "platform/board/ArtworkPool.h"
+#include "platform/board/PackedPicture.h"
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
@@ -20,10 +22,14 @@
 #define STB_IMAGE_WRITE_STATIC
 #include <stb/stb_image_write.h>
 
+VOID* AllocateArtworkPool(UINTN Size) { return std::malloc(Size); }
+VOID FreeArtworkPool(VOID* Block) { std::free(Block); }
+
 namespace {
 
 enum class FORMAT {
     Jpeg,   // flattened on black
+    Packed, // what the decoder makes of that JPEG, packed: for those that take long to decode
     Bmp,    // what is more than half see-through becomes the key colour, the rest opaque
     Cursor, // a BMP where see-through is black and no opaque pixel has a zero byte
 };
@@ -43,19 +49,19 @@ constexpr int gCornerSide = 20;
 constexpr PICTURE gPictures[] = {
     {ARTWORK_FILE_MAIN, 2, "frame", FORMAT::Bmp, gCornerSide, true},
     {ARTWORK_FILE_MAIN, 3, "frame", FORMAT::Bmp, gCornerSide, false},
-    {ARTWORK_FILE_MAIN, 4, "frame", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 5, "tab", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 6, "button", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 7, "button", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 8, "button", FORMAT::Jpeg},
+    {ARTWORK_FILE_MAIN, 4, "frame", FORMAT::Packed},
+    {ARTWORK_FILE_MAIN, 5, "tab", FORMAT::Packed},
+    {ARTWORK_FILE_MAIN, 6, "button", FORMAT::Packed},
+    {ARTWORK_FILE_MAIN, 7, "button", FORMAT::Packed},
+    {ARTWORK_FILE_MAIN, 8, "button", FORMAT::Packed},
     {ARTWORK_FILE_MAIN, 9, "digits-duty", FORMAT::Jpeg},
     {ARTWORK_FILE_MAIN, 10, "digits-temperature", FORMAT::Jpeg},
     {ARTWORK_FILE_MAIN, 11, "nodes-8", FORMAT::Bmp},
     {ARTWORK_FILE_MAIN, 13, "nodes-6", FORMAT::Bmp},
-    {ARTWORK_FILE_MAIN, 15, "about-button", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 16, "help-button", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 17, "exit-button", FORMAT::Jpeg},
-    {ARTWORK_FILE_MAIN, 18, "temperature-radio", FORMAT::Jpeg},
+    {ARTWORK_FILE_MAIN, 15, "about-button", FORMAT::Packed},
+    {ARTWORK_FILE_MAIN, 16, "help-button", FORMAT::Packed},
+    {ARTWORK_FILE_MAIN, 17, "exit-button", FORMAT::Packed},
+    {ARTWORK_FILE_MAIN, 18, "temperature-radio", FORMAT::Packed},
     {ARTWORK_FILE_MAIN, 19, "check-box", FORMAT::Bmp},
     {ARTWORK_FILE_MAIN, 20, "readout-fan", FORMAT::Jpeg},
     {ARTWORK_FILE_MAIN, 21, "readout-temperature", FORMAT::Jpeg},
@@ -117,6 +123,7 @@ RGB_IMAGE LoadPicture(const std::string& Path, const PICTURE& Picture)
             const int Alpha = Pixel[3];
             switch (Picture.Format) {
             case FORMAT::Jpeg:
+            case FORMAT::Packed:
                 for (UINT8& Value : Color) {
                     Value = FlattenOnBlack(Value, Alpha);
                 }
@@ -141,24 +148,116 @@ RGB_IMAGE LoadPicture(const std::string& Path, const PICTURE& Picture)
     return Image;
 }
 
-BYTES StorePicture(const RGB_IMAGE& Image, FORMAT Format)
+void PutNumber(BYTES* Bytes, UINT64 Value, int Bits)
 {
-    BYTES Bytes;
-    const int Written = Format == FORMAT::Jpeg ? stbi_write_jpg_to_func(AppendBytes, &Bytes, Image.Width, Image.Height,
-                                                                        3, Image.Pixels.data(), gJpegQuality)
-                                               : stbi_write_bmp_to_func(AppendBytes, &Bytes, Image.Width, Image.Height,
-                                                                        3, Image.Pixels.data());
-    if (Written == 0) {
-        Fail("can't encode a picture");
+    for (int Shift = 0; Shift < Bits; Shift += 8) {
+        Bytes->push_back(static_cast<UINT8>(Value >> Shift));
+    }
+}
+
+void PutUint32(BYTES* Bytes, UINT64 Value) { PutNumber(Bytes, Value, 32); }
+
+// The steps of PackedPicture.h for rows of Stride pixels: of the two kinds of reference the one that reaches further, unless
+// it reaches over less than a step takes.
+void PackPixels(BYTES* Bytes, const std::vector<UINT32>& Pixels, size_t Stride)
+{
+    constexpr size_t Worthwhile = 2;
+    const auto Reach = [&](size_t At, size_t Back) {
+        size_t Count = 0;
+        while (At >= Back && Count < gPackedMostPixels && At + Count < Pixels.size() &&
+               Pixels[At + Count] == Pixels[At + Count - Back]) {
+            Count++;
+        }
+        return Count;
+    };
+    size_t New = 0; // that wait for their step
+    const auto PutNew = [&](size_t Behind) {
+        for (size_t At = Behind - New; New > 0;) {
+            const size_t Count = std::min<size_t>(New, gPackedMostPixels);
+            PutNumber(Bytes, (Count - 1) | PACKED_NEW * gPackedMostPixels, 16);
+            for (New -= Count; At < Behind - New; At++) {
+                PutNumber(Bytes, Pixels[At], 24);
+            }
+        }
+    };
+    for (size_t At = 0; At < Pixels.size();) {
+        const size_t Left = Reach(At, 1);
+        const size_t Above = Reach(At, Stride);
+        const size_t Count = std::max(Left, Above);
+        if (Count < Worthwhile) {
+            New++;
+            At++;
+            continue;
+        }
+        PutNew(At);
+        PutNumber(Bytes, (Count - 1) | (Left >= Above ? PACKED_LEFT : PACKED_ABOVE) * gPackedMostPixels, 16);
+        At += Count;
+    }
+    PutNew(Pixels.size());
+}
+
+RGB_IMAGE DecodePicture(const BYTES& Bytes)
+{
+    const auto Size = static_cast<UINT32>(Bytes.size());
+    RGB_IMAGE Image;
+    if (IsPackedPicture(Bytes.data(), Size)) {
+        EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Pixels = nullptr;
+        UINT32 Width = 0;
+        UINT32 Height = 0;
+        UINT32 Stride = 0;
+        if (EfiError(ReadPackedPicture(Bytes.data(), Size, &Pixels, &Width, &Height, &Stride))) {
+            Fail("a packed picture doesn't decode");
+        }
+        Image = {.Width = static_cast<int>(Width), .Height = static_cast<int>(Height), .Pixels = {}};
+        for (UINT32 At = 0; At < Width * Height; At++) {
+            const auto& Pixel = Pixels[At / Width * Stride + At % Width];
+            Image.Pixels.insert(Image.Pixels.end(), {Pixel.Red, Pixel.Green, Pixel.Blue});
+        }
+        std::free(Pixels);
+        return Image;
+    }
+    int Channels = 0;
+    UINT8* Colors =
+        stbi_load_from_memory(Bytes.data(), static_cast<int>(Size), &Image.Width, &Image.Height, &Channels, 3);
+    if (Colors == nullptr) {
+        Fail("a picture doesn't decode");
+    }
+    Image.Pixels.assign(Colors, Colors + static_cast<size_t>(Image.Width) * static_cast<size_t>(Image.Height) * 3);
+    stbi_image_free(Colors);
+    return Image;
+}
+
+BYTES PackPicture(const RGB_IMAGE& Image)
+{
+    const size_t Stride = static_cast<size_t>(Image.Width + 7) / gPackedRowMultiple * gPackedRowMultiple;
+    std::vector<UINT32> Pixels(Stride * static_cast<size_t>(Image.Height));
+    for (int At = 0; At < Image.Width * Image.Height; At++) {
+        const UINT8* Color = &Image.Pixels[static_cast<size_t>(At) * 3];
+        Pixels[static_cast<size_t>(At / Image.Width) * Stride + static_cast<size_t>(At % Image.Width)] =
+            Color[2] | static_cast<UINT32>(Color[1]) << 8 | static_cast<UINT32>(Color[0]) << 16;
+    }
+    BYTES Bytes(std::begin(gPackedSignature), std::end(gPackedSignature));
+    PutNumber(&Bytes, static_cast<UINT64>(Image.Width), 16);
+    PutNumber(&Bytes, static_cast<UINT64>(Image.Height), 16);
+    PackPixels(&Bytes, Pixels, Stride);
+    if (DecodePicture(Bytes).Pixels != Image.Pixels) {
+        Fail("a packed picture isn't the one that was packed");
     }
     return Bytes;
 }
 
-void PutUint32(BYTES* Bytes, UINT64 Value)
+BYTES StorePicture(const RGB_IMAGE& Image, FORMAT Format)
 {
-    for (int Shift = 0; Shift < 32; Shift += 8) {
-        Bytes->push_back(static_cast<UINT8>(Value >> Shift));
+    const bool AsJpeg = Format == FORMAT::Jpeg || Format == FORMAT::Packed;
+    BYTES Bytes;
+    const int Written =
+        AsJpeg ? stbi_write_jpg_to_func(AppendBytes, &Bytes, Image.Width, Image.Height, 3, Image.Pixels.data(),
+                                        gJpegQuality)
+               : stbi_write_bmp_to_func(AppendBytes, &Bytes, Image.Width, Image.Height, 3, Image.Pixels.data());
+    if (Written == 0) {
+        Fail("can't encode a picture");
     }
+    return Format == FORMAT::Packed ? PackPicture(DecodePicture(Bytes)) : Bytes;
 }
 
 UINT32 TakeUint32(const BYTES& Bytes, size_t Offset)
@@ -232,28 +331,21 @@ void MakeSheet(const char* PackPath, const char* SheetPath)
         const size_t Entry = sizeof(ARTWORK_PACK_HEADER) + Index * sizeof(ARTWORK_PACK_ENTRY);
         const UINT32 Offset = TakeUint32(Pack, Entry + offsetof(ARTWORK_PACK_ENTRY, Offset));
         const UINT32 Size = TakeUint32(Pack, Entry + offsetof(ARTWORK_PACK_ENTRY, Size));
-        int Width = 0;
-        int Height = 0;
-        int Channels = 0;
-        UINT8* Pixels =
-            stbi_load_from_memory(Pack.data() + Offset, static_cast<int>(Size), &Width, &Height, &Channels, 3);
-        if (Pixels == nullptr) {
-            Fail("a picture of the pack doesn't decode");
-        }
-        if (X + Width * Scale + Gap > SheetWidth) {
+        const RGB_IMAGE Picture = DecodePicture({Pack.begin() + Offset, Pack.begin() + Offset + Size});
+        if (X + Picture.Width * Scale + Gap > SheetWidth) {
             X = Gap;
             Y = Sheet.Height + Gap;
         }
-        Sheet.Height = std::max(Sheet.Height, Y + Height * Scale);
+        Sheet.Height = std::max(Sheet.Height, Y + Picture.Height * Scale);
         Sheet.Pixels.resize(static_cast<size_t>(Sheet.Height + Gap) * SheetWidth * 3, PageColor);
-        for (int Row = 0; Row < Height * Scale; Row++) {
-            for (int Column = 0; Column < Width * Scale; Column++) {
-                const UINT8* From = Pixels + (static_cast<size_t>(Row / Scale) * Width + Column / Scale) * 3;
+        for (int Row = 0; Row < Picture.Height * Scale; Row++) {
+            for (int Column = 0; Column < Picture.Width * Scale; Column++) {
+                const UINT8* From =
+                    &Picture.Pixels[(static_cast<size_t>(Row / Scale) * Picture.Width + Column / Scale) * 3];
                 std::copy_n(From, 3, &Sheet.Pixels[(static_cast<size_t>(Y + Row) * SheetWidth + X + Column) * 3]);
             }
         }
-        X += Width * Scale + Gap;
-        stbi_image_free(Pixels);
+        X += Picture.Width * Scale + Gap;
     }
     if (stbi_write_png(SheetPath, Sheet.Width, Sheet.Height + Gap, 3, Sheet.Pixels.data(), SheetWidth * 3) == 0) {
         Fail(std::string("can't write ") + SheetPath);

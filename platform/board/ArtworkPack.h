@@ -2,7 +2,7 @@
 //
 // Layout, little-endian: 8 bytes "VTRPACK1", a 32-bit count of sections, 4 bytes 0; then for each section 16 bytes:
 // 8-bit file (0 the artwork file, 1 the pointer's file), 8-bit section type (25), 16 bits 0, 32-bit instance (0 for the
-// pointer's), 32-bit offset from the start of the pack, 32-bit size; then the stored pictures (JPEG or BMP).
+// pointer's), 32-bit offset from the start of the pack, 32-bit size; then the stored pictures (JPEG, BMP or PackedPicture.h).
 #pragma once
 
 #include "uefi/Base.h"

@@ -1,10 +1,11 @@
 #include "platform/board/Decoder.h"
+#include "platform/board/PackedPicture.h"
 #include "platform/board/StoredImage.h"
 
 namespace {
 
 // A JPEG is coded in blocks of eight by eight, and the decoder's rows are whole blocks.
-constexpr UINT32 gJpegRowMultiple = 8;
+constexpr UINT32 gJpegRowMultiple = gPackedRowMultiple;
 
 UINT8 gGeneration = 0;
 
@@ -16,8 +17,11 @@ EFI_STATUS ConvertJPEGToUgaBltA(IMAGE_DECODER_PROTOCOL*, const VOID* Image, UINT
         PixelsPerRow == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    const EFI_STATUS Status = ReadStoredImage(STORED_IMAGE_JPEG, static_cast<const UINT8*>(Image), ImageSize,
-                                              gJpegRowMultiple, Blt, Width, Height, PixelsPerRow);
+    const auto* Stored = static_cast<const UINT8*>(Image);
+    const EFI_STATUS Status =
+        IsPackedPicture(Stored, ImageSize)
+            ? ReadPackedPicture(Stored, ImageSize, Blt, Width, Height, PixelsPerRow)
+            : ReadStoredImage(STORED_IMAGE_JPEG, Stored, ImageSize, gJpegRowMultiple, Blt, Width, Height, PixelsPerRow);
     if (!EfiError(Status)) {
         *BltSize = UINTN{*PixelsPerRow} * *Height * sizeof(EFI_GRAPHICS_OUTPUT_BLT_PIXEL);
     }

@@ -1,4 +1,5 @@
-// The board's image decoder: stored JPEG and BMP pictures to pixel buffers in pool.
+// The board's image decoder: stored JPEG and BMP pictures to pixel buffers in pool, and in a JPEG's place what the artwork
+// pack has packed (PackedPicture.h).
 #pragma once
 
 #include "platform/board/ArtworkPool.h"

@@ -80,6 +80,7 @@ TEST_F(DecoderRuns, EndInAnAnswerInsideTheirBuffersAndWithoutALeak)
     for (size_t I = 0; I < 3; I++) {
         Good.push_back({Pictures[I], true});
     }
+    Good.push_back({Section(17), true}); // packed
     for (const UINT32 Depth : {1, 4, 8, 16, 24, 32}) {
         Good.push_back({MakeBmp(5, 3, Depth), false});
         Good.push_back({MakeBmp(5, -3, Depth), false});
