@@ -8,12 +8,15 @@
 //
 // The console is the loaded image, as in the command `ventara`, and its main loop runs by itself: a turn is the time from
 // one wait to the next, with the firmware calls in it. The turns of a scene repeat themselves after some number, since
-// the readouts and gauges go round; of each turn of that round the least time counts, and their mean is the figure.
+// the readouts and gauges go round; of each turn of that round the least time counts, and their mean is the figure. Where
+// the time goes is measured in plays of their own: looking at the clock around each call takes 50 ns, and there are calls
+// enough to make a tick or a drag look a third slower than it is.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <limits>
 #include <map>
 #include <memory>
@@ -38,7 +41,9 @@ namespace {
 
 constexpr UINT64 gLeadTurns = 60; // before the first that counts
 constexpr int gStarts = 20;
+constexpr double gStartGoal = 12; // milliseconds
 constexpr size_t gSweepBytes = 4 * 1024 * 1024;
+constexpr std::chrono::seconds gFreeTime{2};
 constexpr UINT64 gTick = 200000;
 constexpr UINT64 gOtherTimer = 5000000; // its turn is no tick
 
@@ -52,10 +57,19 @@ double Nanoseconds(std::chrono::steady_clock::duration Time)
     return std::chrono::duration<double, std::nano>(Time).count();
 }
 
+// What this process was given of the processor: for what takes so long that others may come in between.
+double ProcessorNanoseconds()
+{
+    timespec Now = {};
+    (void)clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &Now);
+    return static_cast<double>(Now.tv_sec) * 1e9 + static_cast<double>(Now.tv_nsec);
+}
+
 struct SCENE_FACTS {
     const char* Name;
     const char* Unit; // T or F
-    double Goal;
+    double Goal;      // of the mean
+    double WorstGoal;
     UINT64 Turns;
     // What happens before a turn, and its place in the round; -1 for a turn that is none of the scene's.
     INT64 (*Prepare)(BOOT& Boot, UINT64 Turn);
@@ -85,9 +99,9 @@ INT64 PrepareDrag(BOOT& Boot, UINT64 Turn)
 }
 
 constexpr SCENE_FACTS gScenes[] = {
-    {"rest", "T", 6, 14 * 200, PrepareRest},
-    {"tick", "T", 12, 20000, PrepareTick},
-    {"drag", "F", 4, 28 * 200, PrepareDrag},
+    {"rest", "T", 1.5, 6, 14 * 200, PrepareRest},
+    {"tick", "T", 9, 14, 20000, PrepareTick},
+    {"drag", "F", 3, 4.5, 28 * 200, PrepareDrag},
 };
 
 struct TURN_FIGURES {
@@ -167,8 +181,11 @@ struct LOADED {
     VOID* Image = nullptr;
     IMAGE_ENTRY_POINT Entry = nullptr;
 
-    explicit LOADED(const PANEL& Panel = {})
-        : Boot({.ArtworkPack = gArtworkPack, .ArtworkPackSize = gArtworkPackSize, .Panel = Panel})
+    explicit LOADED(const PANEL& Panel = {}, bool VirtualClock = true)
+        : Boot({.VirtualClock = VirtualClock,
+                .ArtworkPack = gArtworkPack,
+                .ArtworkPackSize = gArtworkPackSize,
+                .Panel = Panel})
     {
         std::string Error;
         if (EfiError(Boot.InstallBoard())) {
@@ -189,17 +206,21 @@ struct LOADED {
     ~LOADED() { UnloadImage(Image); }
 };
 
-SCENE_RESULT PlayScene(const SCENE_FACTS& Facts, bool Cold, const PANEL& Panel = {})
+SCENE_RESULT PlayScene(const SCENE_FACTS& Facts, bool Cold, bool Timers, const PANEL& Panel = {})
 {
     LOADED Loaded(Panel);
-    PutTimers(Loaded.Boot);
+    if (Timers) {
+        PutTimers(Loaded.Boot);
+    }
     SCENE_RUN Run;
     Run.Facts = &Facts;
     Run.Boot = &Loaded.Boot;
     Run.Cold = Cold;
     Run.TurnsToGo = Facts.Turns;
     Loaded.Start({.BeginTurn = [](VOID* Context) { static_cast<SCENE_RUN*>(Context)->NextTurn(); }, .Context = &Run});
-    RemoveTimers();
+    if (Timers) {
+        RemoveTimers();
+    }
     SCENE_RESULT Result;
     for (const auto& [Place, Figure] : Run.Figures) {
         Result.Mean += Figure.Least / static_cast<double>(Run.Figures.size());
@@ -230,37 +251,71 @@ VOID PlayForCounting(const char* Name, UINT64 Turns)
     Fail(std::string("no scene ") + Name);
 }
 
+// The loop by itself in real time, its five ticks a second included: turns in a second of the processor's time.
+double PlayFreely()
+{
+    struct CONTEXT {
+        BOOT* Boot;
+        UINT64 Turns = 0;
+        std::chrono::steady_clock::time_point Since = {};
+        double ProcessorSince = 0;
+        double Rate = 0;
+    };
+    LOADED Loaded({}, false);
+    CONTEXT Context = {.Boot = &Loaded.Boot};
+    Loaded.Start({.BeginTurn =
+                      [](VOID* Given) {
+                          CONTEXT* This = static_cast<CONTEXT*>(Given);
+                          const auto Now = std::chrono::steady_clock::now();
+                          if (++This->Turns == gLeadTurns) {
+                              This->Since = Now;
+                              This->ProcessorSince = ProcessorNanoseconds();
+                          } else if (This->Turns > gLeadTurns && This->Rate == 0 && Now - This->Since > gFreeTime) {
+                              This->Rate = static_cast<double>(This->Turns - gLeadTurns) * 1e9 /
+                                           (ProcessorNanoseconds() - This->ProcessorSince);
+                              This->Boot->Consoles.Press(SCAN_ESC, 0);
+                          }
+                      },
+                  .Context = &Context});
+    return Context.Rate;
+}
+
 struct START_RUN {
     BOOT* Boot;
-    std::chrono::steady_clock::time_point Since;
+    double Since;
     double Time = 0;
     SPLIT Split = {};
     bool Told = false;
 };
 
-// From the entry to the first turn, when all of the first picture is on the display.
-TURN_FIGURES PlayStarts(const PANEL& Panel = {})
+// From the entry to the first turn, when all of the first picture is on the display; of each part the least of all starts.
+TURN_FIGURES PlayStarts(bool Timers, const PANEL& Panel = {})
 {
     TURN_FIGURES Best;
     for (int I = 0; I < gStarts; I++) {
         LOADED Loaded(Panel);
-        PutTimers(Loaded.Boot);
-        START_RUN Run = {.Boot = &Loaded.Boot, .Since = std::chrono::steady_clock::now()};
+        if (Timers) {
+            PutTimers(Loaded.Boot);
+        }
+        START_RUN Run = {.Boot = &Loaded.Boot, .Since = ProcessorNanoseconds()};
         RestartSplit();
         Loaded.Start({.BeginTurn =
                           [](VOID* Context) {
                               START_RUN* This = static_cast<START_RUN*>(Context);
                               if (!This->Told) {
-                                  This->Time = Nanoseconds(std::chrono::steady_clock::now() - This->Since);
+                                  This->Time = ProcessorNanoseconds() - This->Since;
                                   This->Split = ReadSplit();
                                   This->Told = true;
                                   This->Boot->Consoles.Press(SCAN_ESC, 0);
                               }
                           },
                       .Context = &Run});
-        RemoveTimers();
-        if (Run.Time < Best.Least) {
-            Best = {Run.Time, Run.Split};
+        if (Timers) {
+            RemoveTimers();
+        }
+        Best.Least = std::min(Best.Least, Run.Time);
+        for (size_t Place = 0; Place < PLACE_COUNT; Place++) {
+            Best.Split[Place] = I == 0 ? Run.Split[Place] : std::min(Best.Split[Place], Run.Split[Place]);
         }
     }
     return Best;
@@ -442,8 +497,8 @@ VOID PrintDisplays(const REFERENCES& References)
     double Start = 0;
     double Tick = 0;
     for (const DISPLAY_FACTS& Display : gDisplays) {
-        const double ItsStart = PlayStarts(Display.Panel).Least / 1e6;
-        const double ItsTick = PlayScene(gScenes[1], false, Display.Panel).Mean;
+        const double ItsStart = PlayStarts(false, Display.Panel).Least / 1e6;
+        const double ItsTick = PlayScene(gScenes[1], false, false, Display.Panel).Mean;
         Start = Start == 0 ? ItsStart : Start;
         Tick = Tick == 0 ? ItsTick : Tick;
         const DISPLAY_COUNT Count = CountBlocks(Display.Panel);
@@ -505,40 +560,40 @@ VOID PrintTable(const char* SvgFile)
         "%.1f us and %.1f us. A turn with all its firmware calls, of the round's turns the least (which has no "
         "text),\nthe mean and the worst.\n\n",
         References.T[0] / 1000, References.T[1] / 1000, References.F[0] / 1000, References.F[1] / 1000);
-    std::printf("%-6s %-4s %5s | %8s %7s %7s %7s | %8s %7s %7s %7s\n", "turn", "unit", "goal", "warm us", "least",
+    std::printf("%-6s %-4s %9s | %8s %7s %7s %7s | %8s %7s %7s %7s\n", "turn", "unit", "goal", "warm us", "least",
                 "mean", "worst", "cold us", "least", "mean", "worst");
-    std::vector<SCENE_RESULT> Warm;
+    std::vector<SCENE_RESULT> Split;
     for (const SCENE_FACTS& Facts : gScenes) {
         const bool InF = Facts.Unit[0] == 'F';
-        std::printf("%-6s %-4s %5.0f", Facts.Name, Facts.Unit, Facts.Goal);
+        std::printf("%-6s %-4s %4.1f %4.1f", Facts.Name, Facts.Unit, Facts.Goal, Facts.WorstGoal);
         for (int Cold = 0; Cold < 2; Cold++) {
-            const SCENE_RESULT Result = PlayScene(Facts, Cold == 1);
+            const SCENE_RESULT Result = PlayScene(Facts, Cold == 1, false);
             const double Unit = InF ? References.F[Cold] : References.T[Cold];
             std::printf(" | %8.1f %7.2f %7.2f %7.2f", Result.Mean / 1000, Result.Least / Unit, Result.Mean / Unit,
                         Result.Worst / Unit);
-            if (Cold == 0) {
-                Warm.push_back(Result);
-            }
         }
         std::printf("\n");
+        Split.push_back(PlayScene(Facts, false, true));
     }
+    std::printf("\nby itself, ticks included: %.0f turns in a second of the processor\n", PlayFreely());
     std::printf("\nwhere the microseconds of a warm turn go\n%-8s", "");
     for (const char* Name : gPlaceNames) {
         std::printf(" %9s", Name);
     }
     std::printf("\n");
-    for (size_t I = 0; I < Warm.size(); I++) {
-        PrintSplit(gScenes[I].Name, Warm[I].Split, 1000, " %9.2f");
+    for (size_t I = 0; I < Split.size(); I++) {
+        PrintSplit(gScenes[I].Name, Split[I].Split, 1000, " %9.2f");
     }
-    const TURN_FIGURES Start = PlayStarts();
+    const TURN_FIGURES Start = PlayStarts(false);
     const double IdentifierTime = TimeIdentifiers();
-    std::printf("\nstart, from the entry to the whole first picture: %.1f ms, the least of %d; goal 60 ms\n"
-                "where the milliseconds go (%d identifiers, which are in the console's, take %.2f)\n",
-                Start.Least / 1e6, gStarts, gTimedIdentifiers, IdentifierTime / 1e6);
-    PrintSplit("start", Start.Split, 1e6, " %9.2f");
+    std::printf(
+        "\nstart, from the entry to the whole first picture: %.1f ms of the processor, the least of %d; goal %.0f ms\n"
+        "where the milliseconds go (%d identifiers, which are in the console's, take %.2f)\n",
+        Start.Least / 1e6, gStarts, gStartGoal, gTimedIdentifiers, IdentifierTime / 1e6);
+    PrintSplit("start", PlayStarts(true).Split, 1e6, " %9.2f");
     PrintDisplays(References);
     if (SvgFile != nullptr) {
-        WriteSvg(SvgFile, Warm);
+        WriteSvg(SvgFile, Split);
     }
 }
 
