@@ -119,10 +119,15 @@ PIXEL Mix(const PIXEL& From, const PIXEL& To, INT32 Part, INT32 Whole)
 
 VOID PaintGround(PIXEL* Display)
 {
+    // Mostly from top to bottom, a little from left to right: light comes from the upper left. So a row begins with what
+    // the row above has four pixels on.
+    constexpr INT32 Slope = 4;
     for (INT32 Y = 0; Y < gHeight; Y++) {
-        for (INT32 X = 0; X < gWidth; X++) {
-            // Mostly from top to bottom, a little from left to right: light comes from the upper left.
-            Display[Y * gWidth + X] = Mix(gGroundTop, gGroundBottom, 4 * Y + X, 4 * gHeight + gWidth);
+        PIXEL* Row = Display + Y * gWidth;
+        const INT32 Known = Y == 0 ? 0 : gWidth - Slope;
+        __builtin_memcpy(Row, Row - (Y == 0 ? 0 : gWidth - Slope), static_cast<UINTN>(Known) * sizeof(PIXEL));
+        for (INT32 X = Known; X < gWidth; X++) {
+            Row[X] = Mix(gGroundTop, gGroundBottom, Slope * Y + X, Slope * gHeight + gWidth);
         }
     }
 }
@@ -162,26 +167,98 @@ bool IsInMark(INT32 X, INT32 Y)
     return false;
 }
 
+// How much of a square of the mark's plane is mark.
+enum COVER { COVER_NONE, COVER_SOME, COVER_ALL };
+
+// The square's places all lie within Reach of (X, Y), rounding included.
+COVER CoverOfDisc(INT32 X, INT32 Y, INT32 Radius, INT32 Reach)
+{
+    const INT32 Square = X * X + Y * Y;
+    const INT32 Outer = Radius + Reach;
+    const INT32 Inner = Radius - Reach;
+    return Square > Outer * Outer ? COVER_NONE : Inner > 0 && Square < Inner * Inner ? COVER_ALL : COVER_SOME;
+}
+
+COVER CoverOfMark(INT32 X, INT32 Y, INT32 Reach)
+{
+    const COVER Hub = CoverOfDisc(X, Y, gHubRadius * gGrain, Reach);
+    const COVER Ring = CoverOfDisc(X, Y, gRingRadius * gGrain, Reach);
+    if (Ring != COVER_NONE) {
+        return Hub == COVER_ALL ? COVER_ALL : Hub == COVER_NONE && Ring == COVER_ALL ? COVER_NONE : COVER_SOME;
+    }
+    COVER Most = COVER_NONE;
+    for (const BLADE_AXIS& Axis : gBladeAxes) {
+        const INT32 Along = (X * Axis.Cosine + Y * Axis.Sine) / gUnit;
+        const INT32 Across = (Y * Axis.Cosine - X * Axis.Sine) / gUnit;
+        COVER Blade = COVER_ALL;
+        for (const BLADE_DISC& Disc : gBladeDiscs) {
+            const COVER One =
+                CoverOfDisc(Along - Disc.Along * gGrain, Across - Disc.Across * gGrain, Disc.Radius * gGrain, Reach);
+            Blade = One < Blade ? One : Blade;
+        }
+        Most = Blade > Most ? Blade : Most;
+    }
+    return Most;
+}
+
+VOID PaintMarkPixel(PIXEL* Display, INT32 X, INT32 Y, INT32 Inside)
+{
+    INT32 Square = X * X + Y * Y;
+    if (Square > gMarkRadius * gMarkRadius) {
+        Square = gMarkRadius * gMarkRadius;
+    }
+    const PIXEL Ink = Mix(gBladeRoot, gBladeTip, Square, gMarkRadius * gMarkRadius);
+    PIXEL* Pixel = &Display[(gMarkY + Y) * gWidth + gMarkX + X];
+    *Pixel = Mix(*Pixel, Ink, Inside, gSamples * gSamples);
+}
+
+INT32 CountSamples(INT32 X, INT32 Y)
+{
+    INT32 Inside = 0;
+    for (INT32 Sample = 0; Sample < gSamples * gSamples; Sample++) {
+        const INT32 SampleX = X * gGrain + 2 * (Sample % gSamples) + 1;
+        const INT32 SampleY = Y * gGrain + 2 * (Sample / gSamples) + 1;
+        Inside += IsInMark(SampleX, SampleY) ? 1 : 0;
+    }
+    return Inside;
+}
+
+// Paints the mark in a square of Side pixels. Most squares are all mark or none of it: samples are counted where an edge
+// goes through a pixel, and only there.
+VOID PaintMarkSquare(PIXEL* Display, INT32 Left, INT32 Top, INT32 Side)
+{
+    constexpr INT32 Rounding = 4; // an axis isn't quite one unit long, and places along it are cut to whole ones
+    const INT32 Half = Side * gGrain / 2;
+    const COVER Cover = CoverOfMark(Left * gGrain + Half, Top * gGrain + Half, Half * 3 / 2 + Rounding);
+    if (Cover == COVER_NONE) {
+        return;
+    }
+    if (Cover == COVER_SOME && Side > 1) {
+        const INT32 Part = Side % 2 == 0 ? Side / 2 : 1;
+        for (INT32 Y = 0; Y < Side; Y += Part) {
+            for (INT32 X = 0; X < Side; X += Part) {
+                PaintMarkSquare(Display, Left + X, Top + Y, Part);
+            }
+        }
+        return;
+    }
+    for (INT32 Y = Top; Y < Top + Side; Y++) {
+        for (INT32 X = Left; X < Left + Side; X++) {
+            const INT32 Inside = Cover == COVER_ALL ? gSamples * gSamples : CountSamples(X, Y);
+            if (Inside != 0) {
+                PaintMarkPixel(Display, X, Y, Inside);
+            }
+        }
+    }
+}
+
 VOID PaintMark(PIXEL* Display)
 {
-    for (INT32 Y = -gMarkRadius; Y < gMarkRadius; Y++) {
-        for (INT32 X = -gMarkRadius; X < gMarkRadius; X++) {
-            INT32 Inside = 0;
-            for (INT32 Sample = 0; Sample < gSamples * gSamples; Sample++) {
-                const INT32 SampleX = X * gGrain + 2 * (Sample % gSamples) + 1;
-                const INT32 SampleY = Y * gGrain + 2 * (Sample / gSamples) + 1;
-                Inside += IsInMark(SampleX, SampleY) ? 1 : 0;
-            }
-            if (Inside == 0) {
-                continue;
-            }
-            INT32 Square = X * X + Y * Y;
-            if (Square > gMarkRadius * gMarkRadius) {
-                Square = gMarkRadius * gMarkRadius;
-            }
-            const PIXEL Ink = Mix(gBladeRoot, gBladeTip, Square, gMarkRadius * gMarkRadius);
-            PIXEL* Pixel = &Display[(gMarkY + Y) * gWidth + gMarkX + X];
-            *Pixel = Mix(*Pixel, Ink, Inside, gSamples * gSamples);
+    constexpr INT32 Side = 12; // halved down to three, then pixel by pixel
+    static_assert(2 * gMarkRadius % Side == 0);
+    for (INT32 Y = -gMarkRadius; Y < gMarkRadius; Y += Side) {
+        for (INT32 X = -gMarkRadius; X < gMarkRadius; X += Side) {
+            PaintMarkSquare(Display, X, Y, Side);
         }
     }
 }
