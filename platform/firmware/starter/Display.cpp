@@ -244,8 +244,7 @@ DISPLAY_RESULT EnterMode()
     Report("x");
     ReportDecimal(gOffers[gOffer].Height);
     Report(gLayer != nullptr ? ", by a layer\n" : "\n");
-    PaintBootScreen(gPicture);
-    SendPicture();
+    ShowBootScreen();
     return DISPLAY_READY;
 }
 
@@ -315,6 +314,14 @@ DISPLAY_RESULT NextDisplayMode()
 }
 
 const CHAR16* DescribeDisplayMode() { return gModeText; }
+
+VOID ShowBootScreen()
+{
+    if (gReady) {
+        PaintBootScreen(gPicture);
+        SendPicture();
+    }
+}
 
 VOID ShowPage(const PAGE* Page)
 {

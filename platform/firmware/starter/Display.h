@@ -24,6 +24,8 @@ DISPLAY_RESULT OpenDisplay(EFI_SYSTEM_TABLE* SystemTable);
 DISPLAY_RESULT NextDisplayMode();
 // The mode's size, as "1920 by 1080"; empty before OpenDisplay.
 const CHAR16* DescribeDisplayMode();
+// Paints the boot screen again, without text, where the display is open.
+VOID ShowBootScreen();
 // Shows the page over the boot screen; on the text console if the display isn't open.
 VOID ShowPage(const PAGE* Page);
 // Gives the picture's memory back and leaves the display cleared, in the mode and with the text cursor that the first
