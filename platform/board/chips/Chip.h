@@ -23,10 +23,10 @@ struct CHIP_SENSOR {
 };
 constexpr UINT8 gProcessor = 0xFF;
 
-constexpr UINTN gMostSensors = 96;
+constexpr UINT8 gMostSensors = 96;
 struct SENSOR_LIST {
     CHIP_SENSOR Rows[gMostSensors];
-    UINTN Count;
+    UINT8 Count;
 };
 // Adds a sensor, the better of two with one place first. The name is Stem, and Number behind it unless it is negative;
 // the label is Label, or the name where that is null.

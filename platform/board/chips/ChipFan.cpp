@@ -90,7 +90,7 @@ FAN_SETTING GetChipFan(const CHIP_FAN& Fan, FAN_CONTROL Control)
     CURVE Curve = {{{1, 1}, {2, 2}, {3, 3}, {4, 4}}};
     if (Fan.Means.HasCurve) {
         Setting.CurveEnabled = (Now.Mode & Fan.Means.ModeBits) == Fan.Means.CurveMode ? 1 : 0;
-        CURVE_POINT Points[gCurveNodes];
+        CURVE_POINT Points[gCurveNodes] = {};
         for (UINTN Point = 0; Point < gCurveNodes; Point++) {
             Points[Point] = {INT64{Now.Degrees[Point]} * 1000, Now.PointDuty[Point]};
         }

@@ -183,7 +183,8 @@ VOID List(const CHIP& Chip, UINT8 Index, SENSOR_LIST* List)
         }
     }
     const UINT8 Inputs = Visit.Read(gInputSwitches);
-    for (UINT8 Input = 0; Input < (Kind.Input9 ? 10 : 9); Input++) {
+    const UINT8 InputCount = Kind.Input9 ? 10 : 9;
+    for (UINT8 Input = 0; Input < InputCount; Input++) {
         // The two highest are always measured; rails inside are halved in front of their input.
         const bool Double = Input >= 7 || (Input == 3 && Chip.DoubleIn3);
         if (Kind.Step != 0 && (Input >= 8 || (Inputs >> Input & 1) != 0)) {

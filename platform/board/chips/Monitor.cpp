@@ -127,7 +127,7 @@ bool ReadNumber(const MONITOR_VISIT& Visit, const REGISTER_NUMBER& Number, INT32
         *Value = static_cast<INT8>(Byte) * 1000;
         return Byte != 0xFF && IsPlausibleTemperature(*Value);
     case FORM_HALF_DEGREES:
-        *Value = (static_cast<INT16>(Word) >> 7) * 500;
+        *Value = static_cast<INT16>(Word & 0xFF80) / 128 * 500;
         return Word != 0xFFFF && IsPlausibleTemperature(*Value);
     case FORM_EIGHTHS:
         *Value = (Word >> 5) * 125;

@@ -167,7 +167,7 @@ FAN_SETTING FAN_FILES::Get(FAN_CONTROL Control) const
     CURVE Curve = {{{1, 1}, {2, 2}, {3, 3}, {4, 4}}};
     if (Means == FAN_CURVE) {
         Setting.CurveEnabled = mNow.Mode == mCurveMode ? 1 : 0;
-        CURVE_POINT Points[gCurveNodes];
+        CURVE_POINT Points[gCurveNodes] = {};
         for (UINT8 Node = 0; Node < gCurveNodes; Node++) {
             Points[Node] = {NumberOf(mNow.Points[Node].Temperature), NumberOf(mNow.Points[Node].Duty)};
         }
