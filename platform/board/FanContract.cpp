@@ -2,8 +2,6 @@
 
 namespace {
 
-INT32 Clamp(INT32 Value, INT32 Low, INT32 High) { return Value < Low ? Low : Value > High ? High : Value; }
-
 const CHAR8* CheckCurve(const FAN_SETTING* Setting, UINT8 Rows)
 {
     const CURVE Curve = CurveOf(*Setting);
@@ -49,11 +47,12 @@ FAN_CONTROL ControlOfFan(UINT8 FanKind, UINT8 FanItem)
     }
 }
 
-INT32 DegreesOfColumn(INT32 Column) { return 40 + 5 * (Clamp(Column, 1, gCurveColumns) - 1); }
+INT32 DegreesOfColumn(INT32 Column) { return 40 + 5 * (Limit<INT32>(Column, 1, gCurveColumns) - 1); }
 
 INT32 DutyOfLevel(INT32 Level, FAN_CONTROL Control)
 {
-    return Control == CONTROL_CURVE8 ? Clamp(Level, 1, 8) * 125 : 400 + Clamp(Level, 1, gFixedLevels) * 100;
+    return Control == CONTROL_CURVE8 ? Limit<INT32>(Level, 1, 8) * 125
+                                     : 400 + Limit<INT32>(Level, 1, gFixedLevels) * 100;
 }
 
 CURVE CurveOf(const FAN_SETTING& Setting)

@@ -6,10 +6,6 @@ constexpr INT64 gFarthest = INT64{1} << 30; // products of two such numbers stil
 
 bool IsFar(INT64 Coordinate) { return Coordinate < -gFarthest || Coordinate > gFarthest; }
 
-INT64 Larger(INT64 A, INT64 B) { return A > B ? A : B; }
-
-INT64 Smaller(INT64 A, INT64 B) { return A < B ? A : B; }
-
 // Quotient towards negative infinity; the divisor is positive.
 INT64 FloorDivide(INT64 Dividend, INT64 Divisor)
 {
@@ -58,12 +54,12 @@ EFI_STATUS DrawLine(EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buffer, UINTN BufferWidth, UI
     const EFI_GRAPHICS_OUTPUT_BLT_PIXEL Pixel = __builtin_bit_cast(EFI_GRAPHICS_OUTPUT_BLT_PIXEL, Color);
 
     const INT64 Last = Smaller(Along1, AlongLimit - 1);
-    for (INT64 Along = Larger(Along0, 0); Along <= Last; Along++) {
+    for (INT64 Along = Larger<INT64>(Along0, 0); Along <= Last; Along++) {
         // The nearest pixel to the true line, half way rounded up.
         const INT64 Middle = Run == 0 ? Across0 : Across0 + FloorDivide(2 * Drift * (Along - Along0) + Run, 2 * Run);
         const INT64 First = Middle - (Thick - 1) / 2;
         const INT64 End = Smaller(First + Thick, AcrossLimit);
-        for (INT64 Across = Larger(First, 0); Across < End; Across++) {
+        for (INT64 Across = Larger<INT64>(First, 0); Across < End; Across++) {
             Buffer[Along * AlongStride + Across * AcrossStride] = Pixel;
         }
     }

@@ -85,10 +85,6 @@ const EFI_HII_FONT_PROTOCOL* LocateFont()
     return Layer != nullptr ? Layer->Font : LocateService<EFI_HII_FONT_PROTOCOL>(gEfiHiiFontProtocolGuid);
 }
 
-UINTN Larger(UINTN A, UINTN B) { return A > B ? A : B; }
-
-UINTN Smaller(UINTN A, UINTN B) { return A < B ? A : B; }
-
 bool IsWide(CHAR16 Char)
 {
     return (Char >= 0x1100 && Char <= 0x115F) || (Char >= 0x2E80 && Char <= 0xD7A3) ||
@@ -127,7 +123,7 @@ VOID AddTextSize(TEXT_SIZE* Size, const CHAR16* Text)
     for (const CHAR16* Rest = Text; Rest != nullptr;) {
         const TEXT_ROW Row = NextRow(&Rest);
         Size->Rows++;
-        Size->Width = Larger(Size->Width, Row.Width);
+        Size->Width = Larger<UINTN>(Size->Width, Row.Width);
     }
 }
 
@@ -141,9 +137,10 @@ VOID PlaceButton(BOX_STATE* State)
     }
     TEXT_SIZE Size = {};
     AddTextSize(&Size, State->ButtonText);
-    const UINTN Width = Smaller(Larger(Size.Width + 2 * gButtonMarginX, gButtonMinimumWidth), State->BoxWidth);
-    const UINTN Height = Smaller(gButtonHeight, State->BoxHeight);
-    const UINTN Below = Smaller(gMarginBottom, State->BoxHeight - Height);
+    const UINTN Width =
+        Smaller<UINTN>(Larger<UINTN>(Size.Width + 2 * gButtonMarginX, gButtonMinimumWidth), State->BoxWidth);
+    const UINTN Height = Smaller<UINTN>(gButtonHeight, State->BoxHeight);
+    const UINTN Below = Smaller<UINTN>(gMarginBottom, State->BoxHeight - Height);
     State->ButtonWidth = static_cast<UINT16>(Width);
     State->ButtonHeight = static_cast<UINT16>(Height);
     State->ButtonX = static_cast<UINT16>(State->X + (State->BoxWidth - Width) / 2);
@@ -188,7 +185,7 @@ VOID DrawRow(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const TEXT_ROW& Row, const P
         return;
     }
     CHAR16 Text[gRowCapacity + 1];
-    const UINTN Count = Smaller(Row.Count, gRowCapacity);
+    const UINTN Count = Smaller<UINTN>(Row.Count, gRowCapacity);
     for (UINTN Index = 0; Index < Count; Index++) {
         Text[Index] = Row.Text[Index];
     }
@@ -208,10 +205,10 @@ VOID DrawRow(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const TEXT_ROW& Row, const P
     if (!EfiError(Status) && Image != nullptr && Image->Image.Bitmap != nullptr) {
         // The firmware's picture may be wider and higher than the text; the row says how much of it is text.
         const bool HasRow = Rows != nullptr && RowCount != 0;
-        const UINTN TextWidth = HasRow ? Smaller(Rows[0].LineWidth, Image->Width) : Image->Width;
-        const UINTN TextHeight = HasRow ? Smaller(Rows[0].LineHeight, Image->Height) : Image->Height;
-        const UINTN ShownWidth = Smaller(TextWidth, Width);
-        const UINTN ShownHeight = Smaller(TextHeight, Height);
+        const UINTN TextWidth = HasRow ? Smaller<UINTN>(Rows[0].LineWidth, Image->Width) : Image->Width;
+        const UINTN TextHeight = HasRow ? Smaller<UINTN>(Rows[0].LineHeight, Image->Height) : Image->Height;
+        const UINTN ShownWidth = Smaller<UINTN>(TextWidth, Width);
+        const UINTN ShownHeight = Smaller<UINTN>(TextHeight, Height);
         if (ShownWidth != 0 && ShownHeight != 0) {
             (void)Display->Blt(Display, Image->Image.Bitmap, EfiBltBufferToVideo, 0, 0, X, Y, ShownWidth, ShownHeight,
                                Image->Width * sizeof(PIXEL));
@@ -259,8 +256,8 @@ VOID DrawButton(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State)
     const UINTN Height = State.ButtonHeight - 2 * gOutline;
     const CHAR16* Rest = State.ButtonText;
     const TEXT_ROW Row = NextRow(&Rest);
-    const UINTN TextWidth = Smaller(Row.Width, Width);
-    const UINTN TextHeight = Smaller(gCellHeight, Height);
+    const UINTN TextWidth = Smaller<UINTN>(Row.Width, Width);
+    const UINTN TextHeight = Smaller<UINTN>(gCellHeight, Height);
     DrawRow(Display, Row, gButtonFill, State.ButtonX + gOutline + (Width - TextWidth) / 2,
             State.ButtonY + gOutline + (Height - TextHeight) / 2, TextWidth, TextHeight);
 }
@@ -300,11 +297,11 @@ EFI_STATUS CreateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y, UINTN Width, UIN
     if (State.ButtonText != nullptr) {
         TEXT_SIZE Title = {};
         AddTextSize(&Title, State.ButtonText);
-        NeedWidth = Larger(NeedWidth, Title.Width + 2 * gButtonMarginX + 2 * gMarginX);
+        NeedWidth = Larger<UINTN>(NeedWidth, Title.Width + 2 * gButtonMarginX + 2 * gMarginX);
         NeedHeight += gButtonGap + gButtonHeight;
     }
-    State.BoxWidth = static_cast<UINT32>(Smaller(Larger(Width, NeedWidth), gScreenWidth - X));
-    State.BoxHeight = static_cast<UINT32>(Smaller(Larger(Height, NeedHeight), gScreenHeight - Y));
+    State.BoxWidth = static_cast<UINT32>(Smaller<UINTN>(Larger<UINTN>(Width, NeedWidth), gScreenWidth - X));
+    State.BoxHeight = static_cast<UINT32>(Smaller<UINTN>(Larger<UINTN>(Height, NeedHeight), gScreenHeight - Y));
     PlaceButton(&State);
     *Box = __builtin_bit_cast(MESSAGE_BOX, State);
     return EFI_SUCCESS;

@@ -11,8 +11,6 @@ constexpr UINTN gMostGlyphs = gRoomyWidth / SYSTEM_FONT_WIDTH; // of a row in a 
 constexpr PIXEL gSystemForeground = {0x98, 0x98, 0x98, 0};
 constexpr PIXEL gSystemBackground = {0, 0, 0, 0};
 
-UINTN Least(UINTN A, UINTN B) { return A < B ? A : B; }
-
 VOID DrawGlyph(PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN Y, const UINT8* Glyph, PIXEL Foreground,
                PIXEL Background)
 {
@@ -178,8 +176,8 @@ bool ShowsDegreeSign(const EFI_HII_FONT_PROTOCOL* Font, VOID (*Free)(VOID* Block
     bool High = false;
     bool Low = false;
     if (!EfiError(Status) && Image != nullptr && Image->Image.Bitmap != nullptr) {
-        for (UINTN Row = 0; Row < Least(Image->Height, SYSTEM_FONT_HEIGHT); Row++) {
-            for (UINTN Column = 0; Column < Least(Image->Width, SYSTEM_FONT_WIDTH); Column++) {
+        for (UINTN Row = 0; Row < Smaller<UINTN>(Image->Height, SYSTEM_FONT_HEIGHT); Row++) {
+            for (UINTN Column = 0; Column < Smaller<UINTN>(Image->Width, SYSTEM_FONT_WIDTH); Column++) {
                 const bool IsInk = Image->Image.Bitmap[Row * Image->Width + Column].Green == Ink.Green;
                 (Row < SYSTEM_FONT_HEIGHT / 2 ? High : Low) |= IsInk;
             }

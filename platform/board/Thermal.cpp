@@ -80,8 +80,6 @@ INT32 RandomBetween(INT32 Low, INT32 High)
     return Low + static_cast<INT32>(NextRandom() % Span);
 }
 
-INT32 Clamp(INT32 Value, INT32 Low, INT32 High) { return Value < Low ? Low : Value > High ? High : Value; }
-
 INT32 MilliDegreesOf(UINT8 Source) { return static_cast<INT32>(gModel.Heat[Source] / gFine); }
 
 // A board is idle most of the time and works in bursts.
@@ -128,7 +126,7 @@ INT64 SettledSpeed(UINT8 Index)
 {
     const SIMULATED_FAN& Fan = gSimulatedFans[Index];
     const INT32 Speed = Fan.TopSpeed * DutyOfFan(static_cast<UINT8>(gFirstFanItem + Index)) / gFullDuty;
-    return INT64{Clamp(Speed, Fan.LowSpeed, Fan.TopSpeed)} * gFine;
+    return INT64{Limit<INT32>(Speed, Fan.LowSpeed, Fan.TopSpeed)} * gFine;
 }
 
 VOID StepModel()
@@ -142,9 +140,9 @@ VOID StepModel()
         gModel.Jitter[Index] = RandomBetween(-4, 4);
     }
     for (UINT8 Index = 0; Index < gVoltageItemCount; Index++) {
-        const INT32 Limit = gRails[Index].Ripple;
-        const INT32 Stride = Limit / 4 + 1;
-        gModel.Ripple[Index] = Clamp(gModel.Ripple[Index] + RandomBetween(-Stride, Stride), -Limit, Limit);
+        const INT32 Most = gRails[Index].Ripple;
+        const INT32 Stride = Most / 4 + 1;
+        gModel.Ripple[Index] = Limit<INT32>(gModel.Ripple[Index] + RandomBetween(-Stride, Stride), -Most, Most);
     }
 }
 
@@ -153,7 +151,7 @@ UINT64 ReadTemperature(UINT8 Source) { return static_cast<UINT64>((MilliDegreesO
 UINT64 ReadSpeed(UINT8 Index)
 {
     const INT32 Speed = static_cast<INT32>(gModel.Speed[Index] / gFine) + gModel.Jitter[Index];
-    return static_cast<UINT64>(Clamp(Speed, 0, gSimulatedFans[Index].TopSpeed));
+    return static_cast<UINT64>(Limit<INT32>(Speed, 0, gSimulatedFans[Index].TopSpeed));
 }
 
 UINT64 ReadRail(UINT8 Index)

@@ -19,8 +19,6 @@ constexpr UINT32 gMostHeld = 16384;
 // Unchanged pixels that are sent to save a Blt.
 constexpr UINT32 gSparedPixels = 512;
 
-constexpr UINT32 Smaller(UINT32 A, UINT32 B) { return A < B ? A : B; }
-constexpr UINT32 Larger(UINT32 A, UINT32 B) { return A > B ? A : B; }
 constexpr UINT64 PixelsOf(const PANEL_AREA& Area)
 {
     return static_cast<UINT64>(Area.Right - Area.Left) * (Area.Bottom - Area.Top);
@@ -42,9 +40,9 @@ template <UINTN Count> bool SameBlock(const PIXEL* A, const PIXEL* B)
     };
     __m128i Even = Differ(0);
     __m128i Odd = Differ(AtOnce);
-    for (UINTN At = 2 * AtOnce; At < Count; At += 2 * AtOnce) {
-        Even = _mm_or_si128(Even, Differ(At));
-        Odd = _mm_or_si128(Odd, Differ(At + AtOnce));
+    for (UINTN Index = 2 * AtOnce; Index < Count; Index += 2 * AtOnce) {
+        Even = _mm_or_si128(Even, Differ(Index));
+        Odd = _mm_or_si128(Odd, Differ(Index + AtOnce));
     }
     return _mm_movemask_epi8(_mm_cmpeq_epi32(_mm_or_si128(Even, Odd), _mm_setzero_si128())) == 0xFFFF;
 }
@@ -166,8 +164,8 @@ VOID ChangeStripe(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New,
 VOID ChangeRow(DISPLAY_LAYER* Layer, UINTN Row, UINTN Left, const PIXEL* New, UINTN Width, CHANGES* Changes)
 {
     PANEL_AREA* Stripe = Changes->Stripes;
-    for (UINTN At = 0; At < Width; At += gStripe, Stripe++) {
-        ChangeStripe(Layer, Row, Left + At, New + At, Width - At < gStripe ? Width - At : gStripe, Stripe);
+    for (UINTN Index = 0; Index < Width; Index += gStripe, Stripe++) {
+        ChangeStripe(Layer, Row, Left + Index, New + Index, Width - Index < gStripe ? Width - Index : gStripe, Stripe);
     }
 }
 
@@ -218,28 +216,28 @@ EFI_STATUS LayerBlt(EFI_GRAPHICS_OUTPUT_PROTOCOL* This, PIXEL* Buffer, EFI_GRAPH
     PIXEL Row[gPictureWidth];
     switch (Operation) {
     case EfiBltVideoFill:
-        for (UINTN At = 0; At < Width; At++) {
-            Row[At] = *Buffer;
+        for (UINTN Index = 0; Index < Width; Index++) {
+            Row[Index] = *Buffer;
         }
-        for (UINTN At = 0; At < Height; At++) {
-            ChangeRow(Layer, DestinationY + At, DestinationX, Row, Width, &Changes);
+        for (UINTN Index = 0; Index < Height; Index++) {
+            ChangeRow(Layer, DestinationY + Index, DestinationX, Row, Width, &Changes);
         }
         break;
     case EfiBltVideoToBltBuffer:
-        for (UINTN At = 0; At < Height; At++) {
-            __builtin_memcpy(BufferRow(DestinationX, DestinationY + At), PictureRow(Layer, SourceY + At) + SourceX,
-                             Width * sizeof(PIXEL));
+        for (UINTN Index = 0; Index < Height; Index++) {
+            __builtin_memcpy(BufferRow(DestinationX, DestinationY + Index),
+                             PictureRow(Layer, SourceY + Index) + SourceX, Width * sizeof(PIXEL));
         }
         break;
     case EfiBltBufferToVideo:
-        for (UINTN At = 0; At < Height; At++) {
-            ChangeRow(Layer, DestinationY + At, DestinationX, BufferRow(SourceX, SourceY + At), Width, &Changes);
+        for (UINTN Index = 0; Index < Height; Index++) {
+            ChangeRow(Layer, DestinationY + Index, DestinationX, BufferRow(SourceX, SourceY + Index), Width, &Changes);
         }
         break;
     case EfiBltVideoToVideo:
-        for (UINTN At = 0; At < Height; At++) {
+        for (UINTN Index = 0; Index < Height; Index++) {
             // A move downwards starts at the last row, so that an overlap isn't read after it was written.
-            const UINTN Moved = DestinationY > SourceY ? Height - 1 - At : At;
+            const UINTN Moved = DestinationY > SourceY ? Height - 1 - Index : Index;
             __builtin_memcpy(Row, PictureRow(Layer, SourceY + Moved) + SourceX, Width * sizeof(PIXEL));
             ChangeRow(Layer, DestinationY + Moved, DestinationX, Row, Width, &Changes);
         }

@@ -78,8 +78,8 @@ VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Tar
     COVER Columns[gPictureWidth];
     UINT16 Sums[gPictureWidth * Channels]; // a row of the display, as wide as the picture still
     const UINTN Width = Target.Right - Target.Left;
-    for (UINT32 At = 0; At < Width; At++) {
-        Columns[At] = CoverOf(Target.Left - Place.X + At, gPictureWidth, Place.Width);
+    for (UINT32 Index = 0; Index < Width; Index++) {
+        Columns[Index] = CoverOf(Target.Left - Place.X + Index, gPictureWidth, Place.Width);
     }
     const UINTN Left = Columns[0].First;
     const UINTN Bytes = (Columns[Width - 1].First + Columns[Width - 1].Count - Left) * Channels;
@@ -91,8 +91,8 @@ VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Tar
             const auto* From =
                 reinterpret_cast<const UINT8*>(Picture + (Down.First + UINTN{Each}) * gPictureWidth + Left);
             const UINT16 Share = ShareOf(Down, Each);
-            for (UINTN At = 0; At < Bytes; At++) {
-                Sums[At] = static_cast<UINT16>(Sums[At] + From[At] * Share);
+            for (UINTN Index = 0; Index < Bytes; Index++) {
+                Sums[Index] = static_cast<UINT16>(Sums[Index] + From[Index] * Share);
             }
         }
         for (UINTN Column = 0; Column < Width; Column++) {

@@ -134,8 +134,8 @@ VOID BOOT::RemoveBoard()
         Complaints.Add("the board's services couldn't be taken away: %llx", Status);
     }
     const std::vector<POOL_BLOCK> Held = Pool.Held(0);
-    for (UINTN At = mLayerBlocks; At < Held.size(); At++) {
-        const POOL_BLOCK& Block = Held[At];
+    for (UINTN Index = mLayerBlocks; Index < Held.size(); Index++) {
+        const POOL_BLOCK& Block = Held[Index];
         Complaints.Add("the board's services left %s", DescribeBlock(Block).c_str());
     }
 }

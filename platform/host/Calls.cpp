@@ -390,8 +390,8 @@ constexpr CALL_FACTS gCalls[] = {
 
 constexpr bool RowsStandInOrder()
 {
-    for (UINTN At = 0; At < std::size(gCalls); At++) {
-        if (gCalls[At].Of.Call != At) {
+    for (UINTN Index = 0; Index < std::size(gCalls); Index++) {
+        if (gCalls[Index].Of.Call != Index) {
             return false;
         }
     }

@@ -39,8 +39,8 @@ bool ParsePanel(const std::string& Word, PANEL* Panel)
 std::string ListBoards()
 {
     std::string List;
-    for (UINTN At = 0; At < gBoardNameCount; At++) {
-        List += gBoardNames[At] + std::string(", ");
+    for (UINTN Index = 0; Index < gBoardNameCount; Index++) {
+        List += gBoardNames[Index] + std::string(", ");
     }
     return List + gLinuxBoardName;
 }
@@ -69,8 +69,8 @@ const OPTION_FACTS gOptions[] = {
          if (Value == gLinuxBoardName) {
              return "";
          }
-         for (UINTN At = 0; At < gBoardNameCount; At++) {
-             if (Value == gBoardNames[At]) {
+         for (UINTN Index = 0; Index < gBoardNameCount; Index++) {
+             if (Value == gBoardNames[Index]) {
                  return "";
              }
          }
@@ -185,18 +185,18 @@ bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Comman
     Command->Session.KeepPictures = false;
     Command->Session.EchoConsoles = true;
     std::string LinuxOption; // one that means nothing elsewhere
-    for (size_t At = 0; At < Arguments.size(); At++) {
-        if (Arguments[At] == "--") {
-            Command->Session.ShellArguments.emplace(Arguments.begin() + static_cast<std::ptrdiff_t>(At) + 1,
+    for (size_t Index = 0; Index < Arguments.size(); Index++) {
+        if (Arguments[Index] == "--") {
+            Command->Session.ShellArguments.emplace(Arguments.begin() + static_cast<std::ptrdiff_t>(Index) + 1,
                                                     Arguments.end());
             break;
         }
         // A value stands behind its option, or in the same word behind a '='.
-        const size_t Equals = Arguments[At].find('=');
-        const std::string Name = Arguments[At].substr(0, Equals);
+        const size_t Equals = Arguments[Index].find('=');
+        const std::string Name = Arguments[Index].substr(0, Equals);
         const OPTION_FACTS* Option = FindOption(Name);
         if (Option == nullptr) {
-            *Error = "unknown option " + Arguments[At] + " (see --help)";
+            *Error = "unknown option " + Arguments[Index] + " (see --help)";
             return false;
         }
         std::string Value;
@@ -206,9 +206,9 @@ bool ParseCommandLine(const std::vector<std::string>& Arguments, COMMAND* Comman
         }
         if (Option->ValueName != nullptr) {
             if (Equals != std::string::npos) {
-                Value = Arguments[At].substr(Equals + 1);
-            } else if (At + 1 < Arguments.size()) {
-                Value = Arguments[++At];
+                Value = Arguments[Index].substr(Equals + 1);
+            } else if (Index + 1 < Arguments.size()) {
+                Value = Arguments[++Index];
             } else {
                 *Error = Name + ": expected " + Option->ValueName + " behind it";
                 return false;

@@ -98,20 +98,20 @@ EFI_STATUS DISPLAY::Blt(PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operati
     };
     const auto DisplayRow = [&](UINTN X, UINTN Y) { return Pixels + Y * mPanel.Width + X; };
 
-    for (UINTN At = 0; At < Height; At++) {
+    for (UINTN Index = 0; Index < Height; Index++) {
         if (Operation == EfiBltVideoFill) {
-            std::fill_n(DisplayRow(DestinationX, DestinationY + At), Width, *Buffer);
+            std::fill_n(DisplayRow(DestinationX, DestinationY + Index), Width, *Buffer);
         } else if (Reads) {
-            std::memcpy(BufferRow(DestinationX, DestinationY + At), DisplayRow(SourceX, SourceY + At),
+            std::memcpy(BufferRow(DestinationX, DestinationY + Index), DisplayRow(SourceX, SourceY + Index),
                         Width * sizeof(PIXEL));
         } else {
-            std::memcpy(DisplayRow(DestinationX, DestinationY + At), BufferRow(SourceX, SourceY + At),
+            std::memcpy(DisplayRow(DestinationX, DestinationY + Index), BufferRow(SourceX, SourceY + Index),
                         Width * sizeof(PIXEL));
         }
     }
     if (!Reads && !mFrameBuffer.empty()) {
-        for (UINTN At = 0; At < Height; At++) {
-            WriteFrameBuffer(DestinationX, DestinationY + At, Width);
+        for (UINTN Index = 0; Index < Height; Index++) {
+            WriteFrameBuffer(DestinationX, DestinationY + Index, Width);
         }
     }
     return EFI_SUCCESS;

@@ -86,12 +86,12 @@ EFI_STATUS InstallMultipleProtocolInterfaces(EFI_HANDLE* Handle, ...)
     const std::vector<PROTOCOL_PAIR> Pairs = ReadPairs(Arguments);
     va_end(Arguments);
     const EFI_HANDLE Before = *Handle;
-    for (size_t At = 0; At < Pairs.size(); At++) {
-        const EFI_STATUS Status = gBoot->Handles.Install(Handle, Pairs[At].Guid, Pairs[At].Interface);
+    for (size_t Index = 0; Index < Pairs.size(); Index++) {
+        const EFI_STATUS Status = gBoot->Handles.Install(Handle, Pairs[Index].Guid, Pairs[Index].Interface);
         if (EfiError(Status)) {
             // All or none.
-            while (At-- > 0) {
-                (void)gBoot->Handles.Uninstall(*Handle, Pairs[At].Guid, Pairs[At].Interface);
+            while (Index-- > 0) {
+                (void)gBoot->Handles.Uninstall(*Handle, Pairs[Index].Guid, Pairs[Index].Interface);
             }
             *Handle = Before;
             return Status;
@@ -106,11 +106,11 @@ EFI_STATUS UninstallMultipleProtocolInterfaces(EFI_HANDLE Handle, ...)
     va_start(Arguments, Handle);
     const std::vector<PROTOCOL_PAIR> Pairs = ReadPairs(Arguments);
     va_end(Arguments);
-    for (size_t At = 0; At < Pairs.size(); At++) {
-        if (EfiError(gBoot->Handles.Uninstall(Handle, Pairs[At].Guid, Pairs[At].Interface))) {
-            while (At-- > 0) {
+    for (size_t Index = 0; Index < Pairs.size(); Index++) {
+        if (EfiError(gBoot->Handles.Uninstall(Handle, Pairs[Index].Guid, Pairs[Index].Interface))) {
+            while (Index-- > 0) {
                 EFI_HANDLE Same = Handle;
-                (void)gBoot->Handles.Install(&Same, Pairs[At].Guid, Pairs[At].Interface);
+                (void)gBoot->Handles.Install(&Same, Pairs[Index].Guid, Pairs[Index].Interface);
             }
             return EFI_INVALID_PARAMETER;
         }

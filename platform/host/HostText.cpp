@@ -104,8 +104,8 @@ std::string ToUtf8(const CHAR16* Text)
 std::u16string ToUtf16(std::string_view Text)
 {
     std::u16string Out;
-    for (size_t At = 0; At < Text.size();) {
-        const UINT8 First = static_cast<UINT8>(Text[At++]);
+    for (size_t Index = 0; Index < Text.size();) {
+        const UINT8 First = static_cast<UINT8>(Text[Index++]);
         const int More = First < 0x80                    ? 0
                          : First >= 0xC2 && First < 0xE0 ? 1
                          : (First & 0xF0) == 0xE0        ? 2
@@ -117,8 +117,8 @@ std::u16string ToUtf16(std::string_view Text)
         }
         char32_t Code = More == 0 ? First : First & (0x3Fu >> More);
         int Read = 0;
-        while (Read < More && At < Text.size() && (static_cast<UINT8>(Text[At]) & 0xC0) == 0x80) {
-            Code = (Code << 6) | (static_cast<UINT8>(Text[At++]) & 0x3Fu);
+        while (Read < More && Index < Text.size() && (static_cast<UINT8>(Text[Index]) & 0xC0) == 0x80) {
+            Code = (Code << 6) | (static_cast<UINT8>(Text[Index++]) & 0x3Fu);
             Read++;
         }
         const bool TooLong = (More == 2 && Code < 0x800) || (More == 3 && Code < 0x10000);
@@ -144,8 +144,8 @@ std::string FormatHex(const void* Data, size_t Size)
     static const char Digits[] = "0123456789abcdef";
     std::string Out;
     Out.reserve(Size * 2);
-    for (size_t At = 0; At < Size; At++) {
-        const UINT8 Byte = static_cast<const UINT8*>(Data)[At];
+    for (size_t Index = 0; Index < Size; Index++) {
+        const UINT8 Byte = static_cast<const UINT8*>(Data)[Index];
         Out += Digits[Byte >> 4];
         Out += Digits[Byte & 15];
     }
@@ -155,16 +155,16 @@ std::string FormatHex(const void* Data, size_t Size)
 bool ParseHexBytes(std::string_view Text, std::vector<UINT8>* Bytes)
 {
     Bytes->clear();
-    for (size_t At = 0; At < Text.size();) {
-        if (Text[At] == ' ' || Text[At] == '\t') {
-            At++;
+    for (size_t Index = 0; Index < Text.size();) {
+        if (Text[Index] == ' ' || Text[Index] == '\t') {
+            Index++;
             continue;
         }
-        if (At + 1 >= Text.size() || HexDigit(Text[At]) < 0 || HexDigit(Text[At + 1]) < 0) {
+        if (Index + 1 >= Text.size() || HexDigit(Text[Index]) < 0 || HexDigit(Text[Index + 1]) < 0) {
             return false;
         }
-        Bytes->push_back(static_cast<UINT8>(HexDigit(Text[At]) * 16 + HexDigit(Text[At + 1])));
-        At += 2;
+        Bytes->push_back(static_cast<UINT8>(HexDigit(Text[Index]) * 16 + HexDigit(Text[Index + 1])));
+        Index += 2;
     }
     return true;
 }

@@ -90,18 +90,18 @@ VOID MACHINE::InstallDevices(HANDLES& Handles, bool WithNetwork)
         AppendNode(mPaths[4], gNetworkAddress);
         mPaths[4][Address + gNetworkKindOffset] = gEthernet;
     }
-    for (UINTN At = 0; At < std::size(mPaths); At++) {
-        if (mPaths[At].empty()) {
+    for (UINTN Index = 0; Index < std::size(mPaths); Index++) {
+        if (mPaths[Index].empty()) {
             continue;
         }
-        AppendNode(mPaths[At], gEndNode);
+        AppendNode(mPaths[Index], gEndNode);
         EFI_HANDLE Handle = nullptr;
-        (void)Handles.Install(&Handle, &gEfiDevicePathProtocolGuid, mPaths[At].data());
-        if (At < std::size(mBlockIo)) {
-            mBlockIo[At] = {};
-            mBlockIo[At].Revision = gBlockIoRevision;
-            mBlockIo[At].Media = &mMedia[At];
-            (void)Handles.Install(&Handle, &gEfiBlockIoProtocolGuid, &mBlockIo[At]);
+        (void)Handles.Install(&Handle, &gEfiDevicePathProtocolGuid, mPaths[Index].data());
+        if (Index < std::size(mBlockIo)) {
+            mBlockIo[Index] = {};
+            mBlockIo[Index].Revision = gBlockIoRevision;
+            mBlockIo[Index].Media = &mMedia[Index];
+            (void)Handles.Install(&Handle, &gEfiBlockIoProtocolGuid, &mBlockIo[Index]);
         }
     }
 }

@@ -320,9 +320,9 @@ std::string_view WithoutComment(std::string_view Line)
 {
     const std::string_view Word = ARGUMENTS{Line}.Next();
     const bool HoldsText = Word == "string" || Word == "artwork" || Word == "screenshot";
-    for (size_t At = 0; At < Line.size(); At++) {
-        if (Line[At] == '#' && (!HoldsText || At == 0 || IsBlank(Line[At - 1]))) {
-            return Line.substr(0, At);
+    for (size_t Index = 0; Index < Line.size(); Index++) {
+        if (Line[Index] == '#' && (!HoldsText || Index == 0 || IsBlank(Line[Index - 1]))) {
+            return Line.substr(0, Index);
         }
     }
     return Line;

@@ -72,12 +72,12 @@ TRACE_LINE& TRACE_LINE::Texts(const char* Name, CHAR16* const* Strings, UINTN Co
 {
     AddName(Name);
     mLine += '[';
-    for (UINTN At = 0; Strings != nullptr && At < Count; At++) {
-        mLine += At == 0 ? "" : ",";
-        if (Strings[At] == nullptr) {
+    for (UINTN Index = 0; Strings != nullptr && Index < Count; Index++) {
+        mLine += Index == 0 ? "" : ",";
+        if (Strings[Index] == nullptr) {
             mLine += "null";
         } else {
-            AddQuoted(ToUtf8(Strings[At]));
+            AddQuoted(ToUtf8(Strings[Index]));
         }
     }
     mLine += ']';

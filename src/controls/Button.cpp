@@ -122,11 +122,11 @@ EFI_STATUS CreateButton(BTN_COMPONENT** ButtonOut, const EFI_GUID* FileGuid, UIN
         REPORT("AllocatePool Fail (button caption)");
     }
     const UINTN FramePixels = Button->Rect.BufferSize / sizeof(PIXEL);
-    for (UINT32 I = 0; I < gButtonFrameCount; I++) {
-        Button->Frames[I] = FirstFrame + I * FramePixels;
-        GenerateGuid(&Button->ListenerGroups[I]);
+    for (UINT32 Index = 0; Index < gButtonFrameCount; Index++) {
+        Button->Frames[Index] = FirstFrame + Index * FramePixels;
+        GenerateGuid(&Button->ListenerGroups[Index]);
         if (Button->Title != nullptr && Button->CaptionStrip != nullptr) {
-            DrawButtonCaption(Button, I, Title, TextX, TextY);
+            DrawButtonCaption(Button, Index, Title, TextX, TextY);
         }
     }
 

@@ -43,10 +43,10 @@ PIXEL* DrawPlainStrip(UINT32 Width, UINT32 Height)
         return nullptr;
     }
     FillPixels(Strip, FramePixels * gFrameCount, gPanelColor);
-    for (UINT32 I = 0; I < gFrameCount; I++) {
-        PIXEL* Picture = Strip + I * FramePixels;
-        const bool Hover = I == CHECK_BOX_CHECKED_HOVER || I == CHECK_BOX_UNCHECKED_HOVER;
-        const bool Checked = I == CHECK_BOX_CHECKED || I == CHECK_BOX_CHECKED_HOVER;
+    for (UINT32 Index = 0; Index < gFrameCount; Index++) {
+        PIXEL* Picture = Strip + Index * FramePixels;
+        const bool Hover = Index == CHECK_BOX_CHECKED_HOVER || Index == CHECK_BOX_UNCHECKED_HOVER;
+        const bool Checked = Index == CHECK_BOX_CHECKED || Index == CHECK_BOX_CHECKED_HOVER;
         FillSquare(Picture, Width, 0, Hover ? gWhiteColor : gLabelColor);
         FillSquare(Picture, Width, gPlainFrame, gPanelColor);
         if (Checked) {
@@ -88,8 +88,8 @@ VOID LoadBoxStrip(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT32 Instan
         }
     }
     Box->Rect = PictureRect(Box->Rect.X, Box->Rect.Y, Width, Height);
-    for (UINT32 I = 0; I < gFrameCount; I++) {
-        Box->Frame[I] = Box->Images + static_cast<UINTN>(I) * Width * Height;
+    for (UINT32 Index = 0; Index < gFrameCount; Index++) {
+        Box->Frame[Index] = Box->Images + static_cast<UINTN>(Index) * Width * Height;
     }
 }
 

@@ -42,8 +42,8 @@ VOID LoadNodeStrip(DRAGDROP_COMPONENT* Frame, UINT32 Instance, const EFI_GUID* F
     *Height = gPlainGridHeight / Frame->Rows;
     const UINTN NodePixels = static_cast<UINTN>(*Width) * *Height;
     Frame->NodeImages = AllocateArray<PIXEL>(NodePixels * gNodeCount);
-    for (UINT32 I = 0; Frame->NodeImages != nullptr && I < gNodeCount; I++) {
-        FillPixels(Frame->NodeImages + I * NodePixels, NodePixels, gNodeColor[I]);
+    for (UINT32 Index = 0; Frame->NodeImages != nullptr && Index < gNodeCount; Index++) {
+        FillPixels(Frame->NodeImages + Index * NodePixels, NodePixels, gNodeColor[Index]);
     }
 }
 
@@ -159,8 +159,8 @@ EFI_STATUS CreateDragDropFrame(DRAGDROP_COMPONENT* Frame, const CHAR16* const* D
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropEvent, Frame, &Frame->PrimaryEvent);
     (void)CreateEvent(EVT_TIMER | EVT_NOTIFY_SIGNAL, TPL_CALLBACK, OnDragDropRefresh, Frame, &Frame->SecondaryEvent);
     // The nodes come first, so that the hit scan finds a node before the frame that it stands on.
-    for (UINT32 I = 0; I < gNodeCount; I++) {
-        CreateNode(Frame, I, NodeCells[I], Width, Height);
+    for (UINT32 Index = 0; Index < gNodeCount; Index++) {
+        CreateNode(Frame, Index, NodeCells[Index], Width, Height);
     }
     RegisterControl(Frame, &Frame->Rect, _BLT_BUF, &Frame->Id, Frame->PrimaryEvent, Frame->SecondaryEvent, u"DD_Frame");
     return EFI_SUCCESS;
@@ -194,18 +194,18 @@ EFI_STATUS SetDragDropNodes(DRAGDROP_COMPONENT* Frame, const UINT8* Places)
         return EFI_NOT_FOUND;
     }
     EFI_STATUS Status = EFI_SUCCESS;
-    for (UINT32 I = 0; I < gNodeCount; I++) {
-        const UINT8 Column = Places[gNodeCount - 1 - I];
-        const UINT8 Level = Places[gNodeCount + I];
+    for (UINT32 Index = 0; Index < gNodeCount; Index++) {
+        const UINT8 Column = Places[gNodeCount - 1 - Index];
+        const UINT8 Level = Places[gNodeCount + Index];
         GUI_COMPONENT* Component = nullptr;
-        Status = FindComponent(gGuiCore->Components, static_cast<UINT16>(Frame->Nodes[I].Id), &Component);
+        Status = FindComponent(gGuiCore->Components, static_cast<UINT16>(Frame->Nodes[Index].Id), &Component);
         if (EfiError(Status)) {
             continue;
         }
         const DD_FRAME_CELL* Cell =
             CellAt(Frame, static_cast<UINT8>(Frame->Columns * (Frame->Rows - Level) + Column - 1));
         if (Cell != nullptr) {
-            MoveNode(Frame, &Frame->Nodes[I], Component, *Cell);
+            MoveNode(Frame, &Frame->Nodes[Index], Component, *Cell);
         }
     }
     return Status;
@@ -223,8 +223,8 @@ VOID ShowDragDropFrame(DRAGDROP_COMPONENT* Frame)
     }
     CopyMem(Frame->WorkImage, Frame->CleanImage, Frame->Rect.BufferSize);
     const bool Live = IsLive(Frame->Inverted, Frame->Linked);
-    for (UINT32 I = 0; Live && I < gNodeCount; I++) {
-        OverlayNode(Frame, Frame->Nodes[I], RestingPlace(Frame, Frame->Nodes[I]));
+    for (UINT32 Index = 0; Live && Index < gNodeCount; Index++) {
+        OverlayNode(Frame, Frame->Nodes[Index], RestingPlace(Frame, Frame->Nodes[Index]));
     }
     // The chart takes this picture for its ground later, so the pointer of a held button must not get into it.
     const GUI_RECT& Rect = Frame->Rect;

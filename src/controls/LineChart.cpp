@@ -36,11 +36,11 @@ bool BuildGradients(const LINE_CHART* Chart, LINE_CHART_SERIES* Series, PIXEL Co
     if (Series->Gradient == nullptr || Series->BlendGradient == nullptr) {
         return false;
     }
-    for (UINT32 K = Count; K > 0; K--) {
-        PIXEL* Entry = &Series->Gradient[K - 1];
-        *Entry = MixColor(Quotient(K, Count), Color, gBlackPixel);
+    for (UINT32 Index = Count; Index > 0; Index--) {
+        PIXEL* Entry = &Series->Gradient[Index - 1];
+        *Entry = MixColor(Quotient(Index, Count), Color, gBlackPixel);
         // Red is scaled by the complement, which is a little less.
-        PIXEL* Blend = &Series->BlendGradient[K - 1];
+        PIXEL* Blend = &Series->BlendGradient[Index - 1];
         Blend->Blue = ScaleColor(Entry->Blue, Chart->BlendFactor);
         Blend->Green = ScaleColor(Entry->Green, Chart->BlendFactor);
         Blend->Red = ScaleColor(Entry->Red, Chart->BlendComplement);
@@ -223,11 +223,11 @@ VOID ComposeLayers(LINE_CHART* Chart)
     PIXEL* Row = Chart->Pixels;
     CHART_LAYER_ROW Rpm = {Chart->Rpm.Layer, {}, gChartRpmColor, LINE_CHART_MIXED};
     CHART_LAYER_ROW Temperature = {Chart->Temperature.Layer, {}, gChartTemperatureColor, LINE_CHART_MIXED};
-    for (UINT32 I = Chart->Rect.Height; I > 0; I--) {
-        Rpm.Blend = Chart->Rpm.BlendGradient[I];
-        Rpm.Whole = ClassOfRow(RpmExtent, I);
-        Temperature.Blend = Chart->Temperature.BlendGradient[I];
-        Temperature.Whole = ClassOfRow(TemperatureExtent, I);
+    for (UINT32 Height = Chart->Rect.Height; Height > 0; Height--) {
+        Rpm.Blend = Chart->Rpm.BlendGradient[Height];
+        Rpm.Whole = ClassOfRow(RpmExtent, Height);
+        Temperature.Blend = Chart->Temperature.BlendGradient[Height];
+        Temperature.Whole = ClassOfRow(TemperatureExtent, Height);
         ComposeChartRow(Row, Width, Rpm, Temperature);
         Row += Width;
         Rpm.Layer += Width;

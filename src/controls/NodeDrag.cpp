@@ -64,9 +64,9 @@ EFI_STATUS SnapDragDropNode(DRAGDROP_COMPONENT* Frame, INT64 X, INT64 Y)
     if (Cell == nullptr) {
         return EFI_SUCCESS;
     }
-    for (UINT32 I = 0; I < gNodeCount; I++) {
-        const DD_FRAME_NODE& Other = Frame->Nodes[I];
-        if (I != Frame->ActiveNode && Other.CenterX == Cell->X && Other.CenterY == Cell->Y &&
+    for (UINT32 Index = 0; Index < gNodeCount; Index++) {
+        const DD_FRAME_NODE& Other = Frame->Nodes[Index];
+        if (Index != Frame->ActiveNode && Other.CenterX == Cell->X && Other.CenterY == Cell->Y &&
             Other.Column == Cell->Column && Other.Row == Cell->Row) {
             return EFI_SUCCESS;
         }
@@ -222,12 +222,12 @@ EFI_STATUS OnDragDropEvent(EFI_EVENT, VOID* Context)
         !IsLive(Frame->Inverted, Frame->Linked)) {
         return EFI_NOT_FOUND;
     }
-    for (UINT8 I = 0; I < gNodeCount; I++) {
-        if (Frame->Nodes[I].Id == gGuiCore->HitId) {
-            gGuiCore->TargetId = static_cast<UINT16>(Frame->Nodes[I].Id);
+    for (UINT8 Index = 0; Index < gNodeCount; Index++) {
+        if (Frame->Nodes[Index].Id == gGuiCore->HitId) {
+            gGuiCore->TargetId = static_cast<UINT16>(Frame->Nodes[Index].Id);
             gGuiCore->Target = Frame;
             gGuiCore->TargetKind = _DRAGDROP_COMPONENT;
-            Frame->ActiveNode = I;
+            Frame->ActiveNode = Index;
             return EFI_SUCCESS;
         }
     }

@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr UINT32 gGaugeY = 624;
-constexpr INT32 gGaugeWidth = 127;
-constexpr INT32 gGaugeHeight = 81;
 constexpr INT32 gGaugeMaximum = 13000; // millivolts
 constexpr INT32 gFirstValue = 6500;    // millivolts; the first painting makes it 0
 

@@ -6,6 +6,11 @@
 #include "graphics/Palette.h"
 #include "gui/core/GUICore.h"
 
+// The place and the size of all of them.
+constexpr UINT32 gGaugeY = 624;
+constexpr INT32 gGaugeWidth = 127;
+constexpr INT32 gGaugeHeight = 81;
+
 struct VOLTAGE_GAUGE {
     UINT64 X;
     UINT64 Y;

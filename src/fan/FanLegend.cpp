@@ -23,6 +23,13 @@ constexpr UINT32 gDutyRight = 956;
 constexpr UINT32 gSeparatorX = 908;
 constexpr UINT32 gTemperatureRight = 906;
 
+constexpr UINT32 gPanelTitleX = 311;
+constexpr UINT32 gPanelTitleY = 232;
+
+PIXEL* gPanelTitle;
+UINT16 gPanelTitleWidth;
+UINT16 gPanelTitleHeight;
+
 VOID DrawIcons(const PIXEL* Strip, UINT32 Width, UINT32 Height)
 {
     const UINT32 IconHeight = static_cast<UINT32>(Height / gNodeCount);
@@ -87,9 +94,18 @@ const CHAR16* LabelAt(const CHAR16* const* Table, UINT32 Index)
 PIXEL* gLegendActive;
 PIXEL* gLegendInactive;
 
-PIXEL* gPanelTitle;
-UINT16 gPanelTitleWidth;
-UINT16 gPanelTitleHeight;
+VOID PaintPanelTitle()
+{
+    const TEMPORARY<CHAR16> Title(gHwService->GetItemString(gHwService, STRING_PANEL_TITLE));
+    if (Title) {
+        (void)StringToBlt(&gHeadingColor, &gPanelColor, &gPanelTitle, &gPanelTitleWidth, &gPanelTitleHeight,
+                          Title.Data);
+    }
+    (void)DrawString(gPanelTitleX, gPanelTitleY, Title.Data, DRAW_STRING_KEYED, &gHeadingColor, &gHeadingBackColor,
+                     gGuiCore);
+}
+
+VOID FreePanelTitle() { ReleasePool(gPanelTitle); }
 
 EFI_STATUS CreateFanLegend()
 {
@@ -97,6 +113,12 @@ EFI_STATUS CreateFanLegend()
     const EFI_STATUS Status = Exists ? EFI_NOT_FOUND : CreatePictures();
     RefreshFanLegend();
     return Status;
+}
+
+VOID FreeFanLegend()
+{
+    ReleasePool(gLegendActive);
+    ReleasePool(gLegendInactive);
 }
 
 VOID RefreshFanLegend()

@@ -11,23 +11,18 @@
 constexpr UINT32 gLegendWidth = 120;
 constexpr UINT32 gLegendHeight = 130;
 
-// The box with its icons, coloured and gray: gLegendWidth x gLegendHeight pixels each. Made once by CreateFanLegend,
-// freed by the shell at the end.
+// The box with its icons, coloured and gray: gLegendWidth x gLegendHeight pixels each. Made once by CreateFanLegend.
 extern PIXEL* gLegendActive;
 extern PIXEL* gLegendInactive;
 
-// The rendered title of the panel: made and freed by the shell, pasted again at each refresh.
-extern PIXEL* gPanelTitle;
-extern UINT16 gPanelTitleWidth;
-extern UINT16 gPanelTitleHeight;
-
-// Where the panel's title stands.
-constexpr UINT32 gPanelTitleX = 311;
-constexpr UINT32 gPanelTitleY = 232;
+// Draws the panel's title, and keeps a picture of it for each refresh.
+VOID PaintPanelTitle();
+VOID FreePanelTitle();
 
 // Makes the two pictures and refreshes the legend. Called once after the pages are built. A second call gives
 // EFI_NOT_FOUND, makes nothing and still refreshes. Without memory the pictures aren't made, and the rest goes on.
 EFI_STATUS CreateFanLegend();
+VOID FreeFanLegend();
 
 // Makes SelectedFanItem follow the selected tab, and draws the legend of that fan. Called whenever something may have
 // changed the curve or the page on top: as a listener and plainly in the first form, as a notify function in the

@@ -1,6 +1,7 @@
 #include "fan/FanOutline.h"
 
 #include "fan/FanPage.h"
+#include "graphics/Kernels.h"
 #include "gui/core/GUICore.h"
 #include "shell/contract/Board.h"
 
@@ -84,6 +85,13 @@ constinit const EFI_EVENT_NOTIFY gShowFanPageFrame[gFanItemCount] = {
     ShowFanPageFrame<0>, ShowFanPageFrame<1>, ShowFanPageFrame<2>, ShowFanPageFrame<3>,
     ShowFanPageFrame<4>, ShowFanPageFrame<5>, ShowFanPageFrame<6>,
 };
+
+VOID ClearPanel()
+{
+    for (UINT32 Y = gPanelTop; Y <= gPanelBottom; Y++) {
+        FillPixels(gGuiCore->Screen + Y * gScreenWidth + gPanelLeft, gPanelRight - gPanelLeft + 1, gPanelColor);
+    }
+}
 
 VOID EraseFanOutlines()
 {

@@ -13,6 +13,8 @@
 // knows its tab and takes nothing from its arguments. It erases all outlines and draws that of its tab and the panel.
 extern const EFI_EVENT_NOTIFY gShowFanPageFrame[gFanItemCount];
 
+// Fills the whole panel in Screen, before the clean picture is taken.
+VOID ClearPanel();
 // Repaints the panel's top line and the resting outlines of all tabs that exist.
 VOID EraseFanOutlines();
 // Repaints one tab's outline and the bar under it. A null tab does nothing.

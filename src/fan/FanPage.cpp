@@ -7,6 +7,7 @@
 #include "fan/Fan_Ctrl_Function.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
+#include "graphics/KeptPicture.h"
 #include "gui/PageBar.h"
 #include "gui/PointerEngine.h"
 #include "gui/core/Listeners.h"
@@ -24,6 +25,8 @@ constexpr UINT32 gNode8Section = 11;  // BMP
 constexpr UINT32 gNode6Section = 13;  // BMP
 constexpr UINT32 gRadioSection = 18;  // JPEG
 constexpr UINT32 gFanBoxSection = 19; // BMP
+constexpr UINT32 gFanBackdropSection = 20;
+constexpr UINT32 gTempBackdropSection = 21;
 
 constexpr UINT32 gTabY = 118;
 constexpr UINT16 gTabTextX = 0;
@@ -155,6 +158,17 @@ static_assert(sizeof(gLayoutFacts) / sizeof(gLayoutFacts[0]) == FAN_LAYOUT_SLIDE
 
 bool IsPresent(UINTN Item) { return gItemPresent[Item] == 1; }
 
+KEPT_PICTURE gFanReadoutBackdrop;
+KEPT_PICTURE gTempReadoutBackdrop;
+
+// Into Screen, of which the clean picture is still to be taken.
+VOID PasteBackdrop(const KEPT_PICTURE& Backdrop, const READOUT& Readout)
+{
+    if (Backdrop.Pixels != nullptr) {
+        (void)PasteBlt(Backdrop.Pixels, Backdrop.Width, Backdrop.Height, Readout.X, Readout.Y, gGuiCore->Screen);
+    }
+}
+
 // --- Temperature rows ---
 
 VOID CreateTemperatureRows()
@@ -164,10 +178,7 @@ VOID CreateTemperatureRows()
             continue;
         }
         const READOUT& Readout = gReadout[Source];
-        if (gTempReadoutBackdrop != nullptr) {
-            (void)PasteBlt(gTempReadoutBackdrop, gTempReadoutBackdropWidth, gTempReadoutBackdropHeight, Readout.X,
-                           Readout.Y, gGuiCore->Screen);
-        }
+        PasteBackdrop(gTempReadoutBackdrop, Readout);
         const TEMPORARY<CHAR16> Name(gHwService->GetItemString(gHwService, Source));
         (void)CreateCheckBox(&gTemperatureRadio[Source], Name.Data, gRadioX, Readout.Y, gRadioSection,
                              &gArtworkFileGuid, CHECK_BOX_JPEG, gRadioTextX, gRadioTextY);
@@ -217,7 +228,6 @@ VOID CreatePanelControls(FAN_PAGE* Page)
 {
     const FAN_PAGE_FACTS& Facts = gFanPageFacts[IndexOfFanPage(Page)];
     const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
-    const READOUT& Readout = gFanReadout[IndexOfFanPage(Page)];
     const GUI_RECT* ChartRect = nullptr;
 
     if (LayoutHasFrame(Page->Layout)) {
@@ -240,10 +250,7 @@ VOID CreatePanelControls(FAN_PAGE* Page)
     } else if (Page->Layout == FAN_LAYOUT_CURVE6_SLIDER) {
         Page->Slider.Inverted = 1; // live while the box isn't checked
     }
-    if (gFanReadoutBackdrop != nullptr) {
-        (void)PasteBlt(gFanReadoutBackdrop, gFanReadoutBackdropWidth, gFanReadoutBackdropHeight, Readout.X, Readout.Y,
-                       gGuiCore->Screen);
-    }
+    PasteBackdrop(gFanReadoutBackdrop, gFanReadout[IndexOfFanPage(Page)]);
 }
 
 // --- Tab, box, links and targets ---
@@ -342,8 +349,8 @@ VOID RunBoxLinks(FAN_PAGE* Page, bool Clicked)
 {
     const CHECK_BOX_LINK_KIND Now = PageBoxIsChecked(Page) ? CHECK_BOX_LINK_CHECKED : CHECK_BOX_LINK_UNCHECKED;
     const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
-    for (UINTN I = 0; I < Layout.JoinCount; I++) {
-        const FAN_JOIN& Join = Layout.Joins[I];
+    for (UINTN Index = 0; Index < Layout.JoinCount; Index++) {
+        const FAN_JOIN& Join = Layout.Joins[Index];
         if (Join.What != JOIN_LINK || JoinIsLeftOut(Page, Join)) {
             continue;
         }
@@ -373,22 +380,22 @@ VOID CreateFanPage(FAN_PAGE* Page)
     if (Page->Layout == FAN_LAYOUT_NONE) {
         return;
     }
-    const UINTN Index = IndexOfFanPage(Page);
+    const UINTN Place = IndexOfFanPage(Page);
     const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
 
     const TEMPORARY<CHAR16> Name(gHwService->GetItemString(gHwService, Page->ItemId));
     const TEMPORARY<CHAR16> Text(BuildTabText(Layout.TabPrefix, Name.Data));
-    (void)CreateButton(&Page->Tab, &gArtworkFileGuid, gTabSection, Text.Data, gFanPageFacts[Index].TabX, gTabY,
+    (void)CreateButton(&Page->Tab, &gArtworkFileGuid, gTabSection, Text.Data, gFanPageFacts[Place].TabX, gTabY,
                        gTabTextX, gTabTextY);
     if (Page->Tab != nullptr && gFanPageBar != nullptr) {
-        (void)AddPageBarButton(gFanPageBar, Page->Tab, gShowFanPageFrame[Index]);
+        (void)AddPageBarButton(gFanPageBar, Page->Tab, gShowFanPageFrame[Place]);
     }
     if (LayoutHasFrame(Page->Layout)) {
         (void)CreateCheckBox(&Page->CheckBox, nullptr, gFanBoxX, gFanBoxY, gFanBoxSection, &gArtworkFileGuid,
                              CHECK_BOX_BMP, 0, 0);
     }
-    for (UINTN I = 0; I < Layout.JoinCount; I++) {
-        MakeJoin(Page, Layout.Joins[I]);
+    for (UINTN Index = 0; Index < Layout.JoinCount; Index++) {
+        MakeJoin(Page, Layout.Joins[Index]);
     }
 }
 
@@ -397,12 +404,17 @@ VOID CreateFanPage(FAN_PAGE* Page)
 constinit FAN_PAGE gFanPage[gFanItemCount] = {};
 CHECK_BOX_COMPONENT* gTemperatureRadio[gTemperatureItemCount];
 
-PIXEL* gFanReadoutBackdrop;
-UINT32 gFanReadoutBackdropWidth;
-UINT32 gFanReadoutBackdropHeight;
-PIXEL* gTempReadoutBackdrop;
-UINT32 gTempReadoutBackdropWidth;
-UINT32 gTempReadoutBackdropHeight;
+VOID LoadReadoutBackdrops()
+{
+    LoadPicture(gFanBackdropSection, &gFanReadoutBackdrop);
+    LoadPicture(gTempBackdropSection, &gTempReadoutBackdrop);
+}
+
+VOID FreeReadoutBackdrops()
+{
+    FreePicture(&gFanReadoutBackdrop);
+    FreePicture(&gTempReadoutBackdrop);
+}
 
 VOID CreateFanPages()
 {

@@ -75,14 +75,10 @@ inline constexpr READOUT gReadout[gTemperatureItemCount + gFanItemCount] = {
 };
 inline constexpr const READOUT* gFanReadout = gReadout + gTemperatureItemCount;
 
-// Pictures under a fan's and under a temperature's readout. Loaded by the shell before the pages are built, and freed
-// by it.
-extern PIXEL* gFanReadoutBackdrop;
-extern UINT32 gFanReadoutBackdropWidth;
-extern UINT32 gFanReadoutBackdropHeight;
-extern PIXEL* gTempReadoutBackdrop;
-extern UINT32 gTempReadoutBackdropWidth;
-extern UINT32 gTempReadoutBackdropHeight;
+// The pictures under a fan's and under a temperature's readout: at the start, well before the pages are built, and at the
+// end.
+VOID LoadReadoutBackdrops();
+VOID FreeReadoutBackdrops();
 
 // Builds the temperature rows, all pages with their tabs, and both page bars. Called once at start, after the voltage
 // gauges and before the clean picture is taken, so that what it pastes into Screen belongs to the clean picture. Checks

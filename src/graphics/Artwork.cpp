@@ -139,8 +139,8 @@ bool CutStripToScreen(PIXEL* Strip, UINT32 Count, UINT32 X, UINT32 Y, UINT32* Wi
     }
     // Rows only move towards the beginning, over rows that have been moved already.
     PIXEL* To = Strip;
-    for (UINT32 I = 0; I < Count; I++) {
-        const PIXEL* From = Strip + static_cast<UINTN>(I) * *Width * *Height;
+    for (UINT32 Index = 0; Index < Count; Index++) {
+        const PIXEL* From = Strip + static_cast<UINTN>(Index) * *Width * *Height;
         for (UINT32 Row = 0; Row < Rows; Row++, To += Columns, From += *Width) {
             CopyMem(To, From, Columns * sizeof(PIXEL));
         }

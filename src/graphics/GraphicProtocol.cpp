@@ -112,8 +112,8 @@ bool ServiceCountsAsProcessor(FLOAT_WORD RedShare, FLOAT_WORD GreenShare, FLOAT_
     }
     PIXEL Grays[gGrayProbeCount] = {};
     GrayPixels({Grays, gGrayProbeCount}, {gGrayProbes, gGrayProbeCount}, gGrayProbeCount, 1, gKeyColor);
-    for (UINTN I = 0; I < gGrayProbeCount; I++) {
-        if (GrayByService(gGrayProbes[I], RedShare, GreenShare, BlueShare) != Grays[I].Blue) {
+    for (UINTN Index = 0; Index < gGrayProbeCount; Index++) {
+        if (GrayByService(gGrayProbes[Index], RedShare, GreenShare, BlueShare) != Grays[Index].Blue) {
             return false;
         }
     }

@@ -1,7 +1,15 @@
 #include "graphics/KeptPicture.h"
 
+#include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
 #include "support/Pool.h"
+
+VOID LoadPicture(UINT32 Instance, KEPT_PICTURE* Picture)
+{
+    (void)LoadJpegBlt(Instance, &gArtworkFileGuid, &Picture->Pixels, &Picture->Width, &Picture->Height);
+}
+
+VOID FreePicture(KEPT_PICTURE* Picture) { ReleasePool(Picture->Pixels); }
 
 VOID ShowPicture(const PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN Y)
 {
@@ -18,4 +26,9 @@ VOID ShowPicture(const PIXEL* Picture, UINTN Width, UINTN Height, UINTN X, UINTN
     }
     (void)ExtractBlt(Block.Data, Columns, Rows, Picture, Width, Height, 0, 0);
     (void)ComposeScreen(gGuiCore, Block.Data, X, Y, Columns, Rows);
+}
+
+VOID ShowPicture(const KEPT_PICTURE& Picture, UINTN X, UINTN Y)
+{
+    ShowPicture(Picture.Pixels, Picture.Width, Picture.Height, X, Y);
 }

@@ -33,14 +33,14 @@ VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN 
                    const PIXEL* Blend, UINT32 Percent)
 {
     for (; Rows > 0; Rows--, Dst.Row += Dst.Stride, Src.Row += Src.Stride) {
-        for (UINTN I = 0; I < Columns; I++) {
-            if (Key != nullptr && SameColor(Src.Row[I], *Key)) {
+        for (UINTN Index = 0; Index < Columns; Index++) {
+            if (Key != nullptr && SameColor(Src.Row[Index], *Key)) {
                 continue;
             }
-            if (Blend != nullptr && SameColor(Src.Row[I], *Blend)) {
-                MixPixel(&Dst.Row[I], Src.Row[I], Percent);
+            if (Blend != nullptr && SameColor(Src.Row[Index], *Blend)) {
+                MixPixel(&Dst.Row[Index], Src.Row[Index], Percent);
             } else {
-                Dst.Row[I] = Src.Row[I];
+                Dst.Row[Index] = Src.Row[Index];
             }
         }
     }
@@ -49,8 +49,8 @@ VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN 
 VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 Percent)
 {
     for (; Rows > 0; Rows--, Dst.Row += Dst.Stride) {
-        for (UINTN I = 0; I < Columns; I++) {
-            MixPixel(&Dst.Row[I], Color, Percent);
+        for (UINTN Index = 0; Index < Columns; Index++) {
+            MixPixel(&Dst.Row[Index], Color, Percent);
         }
     }
 }
@@ -58,61 +58,61 @@ VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 
 VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, PIXEL Key)
 {
     for (; Rows > 0; Rows--, Dst.Row += Dst.Stride, Src.Row += Src.Stride) {
-        for (UINTN I = 0; I < Columns; I++) {
-            if (SameColor(Dst.Row[I], Key)) {
+        for (UINTN Index = 0; Index < Columns; Index++) {
+            if (SameColor(Dst.Row[Index], Key)) {
                 continue;
             }
-            const PIXEL From = Src.Row[I];
+            const PIXEL From = Src.Row[Index];
             const float Sum = From.Red * gRedShare + From.Green * gGreenShare + From.Blue * gBlueShare;
             const UINT8 Gray = static_cast<UINT8>(static_cast<INT32>(Sum));
-            Dst.Row[I] = {Gray, Gray, Gray, Dst.Row[I].Reserved};
+            Dst.Row[Index] = {Gray, Gray, Gray, Dst.Row[Index].Reserved};
         }
     }
 }
 
 VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
 {
-    for (UINTN I = 0; I < Count; I++) {
-        Dst[I] = Color;
+    for (UINTN Index = 0; Index < Count; Index++) {
+        Dst[Index] = Color;
     }
 }
 
 VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
 {
     for (; Rows > 0; Rows--, Dst.Row += Dst.Stride, Src.Row += Src.Stride) {
-        for (UINTN I = 0; I < Columns; I++) {
-            Dst.Row[I] = Src.Row[I];
+        for (UINTN Index = 0; Index < Columns; Index++) {
+            Dst.Row[Index] = Src.Row[Index];
         }
     }
 }
 
 VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count)
 {
-    for (UINTN I = 0; I < Count; I++) {
-        if (Image[I].Blue != 0 && Image[I].Green != 0 && Image[I].Red != 0) {
-            Dst[I] = Image[I];
+    for (UINTN Index = 0; Index < Count; Index++) {
+        if (Image[Index].Blue != 0 && Image[Index].Green != 0 && Image[Index].Red != 0) {
+            Dst[Index] = Image[Index];
         }
     }
 }
 
 VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line)
 {
-    for (UINTN I = 0; I < Count; I++) {
-        if (Height > Columns.Last[I]) {
-            Layer[I] = {0, 0, 0, LINE_CHART_ABOVE};
-        } else if (Height >= Columns.First[I]) {
-            Layer[I] = {Line.Blue, Line.Green, Line.Red, LINE_CHART_LINE};
+    for (UINTN Index = 0; Index < Count; Index++) {
+        if (Height > Columns.Last[Index]) {
+            Layer[Index] = {0, 0, 0, LINE_CHART_ABOVE};
+        } else if (Height >= Columns.First[Index]) {
+            Layer[Index] = {Line.Blue, Line.Green, Line.Red, LINE_CHART_LINE};
         } else {
-            Layer[I] = {Fill.Blue, Fill.Green, Fill.Red, LINE_CHART_FILL};
+            Layer[Index] = {Fill.Blue, Fill.Green, Fill.Red, LINE_CHART_FILL};
         }
     }
 }
 
 VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, const CHART_LAYER_ROW& Upper)
 {
-    for (UINTN I = 0; I < Count; I++) {
-        ComposeChartPixel(&Pixels[I], Lower.Layer[I], Lower);
-        ComposeChartPixel(&Pixels[I], Upper.Layer[I], Upper);
+    for (UINTN Index = 0; Index < Count; Index++) {
+        ComposeChartPixel(&Pixels[Index], Lower.Layer[Index], Lower);
+        ComposeChartPixel(&Pixels[Index], Upper.Layer[Index], Upper);
     }
 }
 

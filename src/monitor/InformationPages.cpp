@@ -87,8 +87,8 @@ VOID FetchStrings(const INFORMATION_PAGE& Page, PAGE_STRINGS* Strings)
 
 VOID FreeStrings(PAGE_STRINGS* Strings)
 {
-    for (UINTN I = 0; I < Strings->FromPoolCount; I++) {
-        FreePool(Strings->FromPool[I]);
+    for (UINTN Index = 0; Index < Strings->FromPoolCount; Index++) {
+        FreePool(Strings->FromPool[Index]);
     }
 }
 

@@ -18,10 +18,6 @@ constexpr GAUGE_FACTS gGaugeFacts[gVoltageItemCount] = {
     {577, u"System/12V"}, {704, u"GPU"},     {831, u"DRAM"},
 };
 
-constexpr UINT32 gGaugeY = 624;
-constexpr UINT32 gGaugeWidth = 127;
-constexpr UINT32 gGaugeHeight = 81;
-
 // The rotations. The readouts read at every second step and rest at the others, and so do the gauges' paintings.
 constexpr UINT64 gReadoutSteps = 14;
 constexpr UINT64 gVoltageSteps = 8;
@@ -109,6 +105,14 @@ VOID CreateVoltageGauges()
             RegisterControl(gVoltageGauge[Gauge], &Rect, _BLT_BUF, &gVoltageGauge[Gauge]->Id, nullptr, nullptr,
                             Facts.Name);
         }
+    }
+}
+
+VOID DestroyVoltageGauges()
+{
+    for (VOLTAGE_GAUGE*& Gauge : gVoltageGauge) {
+        (void)DestroyVoltageGauge(Gauge);
+        Gauge = nullptr;
     }
 }
 

@@ -12,6 +12,7 @@ extern VOLTAGE_GAUGE* gVoltageGauge[gVoltageItemCount];
 
 // Creates the gauges of the voltages that are present and registers their rectangles. Called once at start.
 VOID CreateVoltageGauges();
+VOID DestroyVoltageGauges();
 
 // One step of a rotation of 14: every second call reads a temperature and a fan, at most, and redraws their numbers.
 // Called in every turn of the main loop.

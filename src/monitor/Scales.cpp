@@ -1,11 +1,18 @@
 #include "monitor/Scales.h"
 
 #include "fan/FanPage.h"
+#include "graphics/BltFont.h"
 #include "graphics/GraphicProtocol.h"
 #include "gui/core/GUICore.h"
 #include "support/Strings.h"
 
 namespace {
+
+constexpr UINT32 gFanScaleSection = 9;
+constexpr UINT32 gTempScaleSection = 10;
+
+BLT_FONT* gFanScaleFont;
+BLT_FONT* gTempScaleFont;
 
 // The left scale stands against this edge in both faces: the strips' glyphs are 6 pixels wide.
 constexpr UINT32 gLeftScaleRight = 360;
@@ -75,15 +82,26 @@ VOID DrawDutyLabel(ACTIVE_SCALE Scale, UINT32 Top, UINT32 Index)
 
 } // namespace
 
-BLT_FONT* gFanScaleFont;
-BLT_FONT* gTempScaleFont;
-
 const CHAR16* const gScaleTemperatures[gScaleColumns] = {u"40", u"45", u"50", u"55", u"60", u"65", u"70",
                                                          u"75", u"80", u"85", u"90", u"95", u"100"};
 const CHAR16* const gScaleBlanks[gScaleColumns] = {u"  ", u"  ", u"  ", u"  ", u"  ", u"  ", u"  ",
                                                    u"  ", u"  ", u"  ", u"  ", u"  ", u"   "};
 const CHAR16* const gScaleDuty8[gScaleRows8] = {u"100", u"87.5", u"75", u"62.5", u"50", u"37.5", u"25", u"12.5"};
 const CHAR16* const gScaleDuty6[gScaleRows6] = {u"100", u"90", u"80", u"70", u"60", u"50"};
+
+VOID CreateScaleFonts()
+{
+    (void)CreateBltFont(&gFanScaleFont, gFanScaleSection, &gArtworkFileGuid);
+    (void)CreateBltFont(&gTempScaleFont, gTempScaleSection, &gArtworkFileGuid);
+}
+
+VOID DestroyScaleFonts()
+{
+    (void)DestroyBltFont(gFanScaleFont);
+    gFanScaleFont = nullptr;
+    (void)DestroyBltFont(gTempScaleFont);
+    gTempScaleFont = nullptr;
+}
 
 VOID PaintScalesIdle()
 {

@@ -5,12 +5,11 @@
 // around the panel's controls, on Screen and display, and erase from Background.
 #pragma once
 
-#include "graphics/BltFont.h"
-#include "graphics/Palette.h"
+#include "uefi/Base.h"
 
-// Digit strips, created and destroyed by the shell. While one is null its labels aren't drawn.
-extern BLT_FONT* gFanScaleFont;
-extern BLT_FONT* gTempScaleFont;
+// The digit strips, at the start and at the end. Without one its labels aren't drawn.
+VOID CreateScaleFonts();
+VOID DestroyScaleFonts();
 
 constexpr UINT8 gScaleColumns = 13;
 constexpr UINT8 gScaleRows8 = 8;

@@ -49,15 +49,15 @@ BTN_COMPONENT* gCommandButton[COMMAND_COUNT] = {};
 
 VOID CreateCommandButtons()
 {
-    for (UINTN I = 0; I < COMMAND_COUNT; I++) {
-        const COMMAND_BUTTON& Fact = gCommandButtons[I];
+    for (UINTN Index = 0; Index < COMMAND_COUNT; Index++) {
+        const COMMAND_BUTTON& Fact = gCommandButtons[Index];
         CHAR16* Title = gHwService->GetItemString(gHwService, Fact.Title);
-        (void)CreateButton(&gCommandButton[I], &gArtworkFileGuid, Fact.Image, Title, Fact.X, Fact.Y, Fact.TextX,
+        (void)CreateButton(&gCommandButton[Index], &gArtworkFileGuid, Fact.Image, Title, Fact.X, Fact.Y, Fact.TextX,
                            Fact.TextY);
         FreePool(Title);
-        (void)SetButtonCallback(gCommandButton[I], Fact.Action, BUTTON_SLOT_CLICKED);
+        (void)SetButtonCallback(gCommandButton[Index], Fact.Action, BUTTON_SLOT_CLICKED);
         if (Fact.RefreshesLegend) {
-            (void)AddButtonListener(gCommandButton[I], BUTTON_LISTENER_CLICK, RefreshFanLegend);
+            (void)AddButtonListener(gCommandButton[Index], BUTTON_LISTENER_CLICK, RefreshFanLegend);
         }
     }
 }

@@ -26,8 +26,8 @@ VOID DrawText(UINT32 X, UINT32 Y, const CHAR16* Text, const PIXEL& Color, const 
 
 VOID PaintFirstScreen()
 {
-    for (UINTN I = 0; I < gVoltageItemCount; I++) {
-        (void)DrawVoltageGauge(gVoltageGauge[I], 1, I == gVoltageItemCount - 1 ? 1 : 0);
+    for (UINTN Index = 0; Index < gVoltageItemCount; Index++) {
+        (void)DrawVoltageGauge(gVoltageGauge[Index], 1, Index == gVoltageItemCount - 1 ? 1 : 0);
     }
     PaintScalesIdle();
     PaintCaptionsIdle();
@@ -38,12 +38,7 @@ VOID PaintFirstScreen()
     DrawText(gGaugeCaptionX, gGaugeCaptionY, Caption, gHeadingColor, gHeadingBackColor);
     FreePool(Caption);
 
-    CHAR16* Title = gHwService->GetItemString(gHwService, STRING_PANEL_TITLE);
-    if (Title != nullptr) {
-        (void)StringToBlt(&gHeadingColor, &gPanelColor, &gPanelTitle, &gPanelTitleWidth, &gPanelTitleHeight, Title);
-    }
-    DrawText(gPanelTitleX, gPanelTitleY, Title, gHeadingColor, gHeadingBackColor);
-    FreePool(Title);
+    PaintPanelTitle();
 
     for (const READOUT& Readout : gReadout) {
         if (gItemPresent[Readout.Item] == 1) {

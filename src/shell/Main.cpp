@@ -6,9 +6,8 @@
 #include "controls/Slider.h"
 #include "fan/FanChart.h"
 #include "fan/FanLegend.h"
+#include "fan/FanOutline.h"
 #include "fan/FanPage.h"
-#include "graphics/Artwork.h"
-#include "graphics/BltFont.h"
 #include "graphics/GraphicProtocol.h"
 #include "gui/PageBar.h"
 #include "gui/PointerEngine.h"
@@ -46,36 +45,26 @@ EFI_EVENT gWaitArray[gTimerCount] = {};
 UINTN gEventCount = 0; // events of a wait, and the loop's running flag: the loop ends when it is 0
 UINTN gEventIndex = 0;
 
-constexpr UINT32 gFanBackdropInstance = 20;
-constexpr UINT32 gTempBackdropInstance = 21;
-constexpr UINT32 gFanScaleInstance = 9;
-constexpr UINT32 gTempScaleInstance = 10;
-constexpr UINT32 gTempCaptionInstance = 22;
-constexpr UINT32 gDutyCaptionInstance = 23;
-constexpr UINT32 gRpmCaptionInstance = 24;
-
-constexpr GUI_RECT gPanel = PictureRect(274, 220, 690, 328);
-
 constexpr UINTN gLastStall = 300000; // microseconds: the last picture stands a moment before the firmware goes on
 
 VOID CreateTimers()
 {
-    for (UINTN I = 0; gTimerPeriods[I] != 0; I++) {
-        (void)CreateEvent(EVT_TIMER, TPL_CALLBACK, nullptr, nullptr, &gEvents[I]);
-        (void)gBS->SetTimer(gEvents[I], TimerPeriodic, gTimerPeriods[I]);
+    for (UINTN Index = 0; gTimerPeriods[Index] != 0; Index++) {
+        (void)CreateEvent(EVT_TIMER, TPL_CALLBACK, nullptr, nullptr, &gEvents[Index]);
+        (void)gBS->SetTimer(gEvents[Index], TimerPeriodic, gTimerPeriods[Index]);
     }
-    for (UINTN I = 0; I < gTimerCount; I++) {
-        gWaitArray[I] = gEvents[I];
+    for (UINTN Index = 0; Index < gTimerCount; Index++) {
+        gWaitArray[Index] = gEvents[Index];
     }
     gEventCount = gTimerCount;
 }
 
 VOID CloseTimers()
 {
-    for (UINTN I = 0; gTimerPeriods[I] != 0; I++) {
-        if (gEvents[I] != nullptr) {
-            (void)gBS->CloseEvent(gEvents[I]);
-            gEvents[I] = nullptr;
+    for (UINTN Index = 0; gTimerPeriods[Index] != 0; Index++) {
+        if (gEvents[Index] != nullptr) {
+            (void)gBS->CloseEvent(gEvents[Index]);
+            gEvents[Index] = nullptr;
         }
     }
 }
@@ -92,36 +81,16 @@ VOID AddScaleListeners()
     AddSliderListener(PaintCaptionsActive, L_HOLD);
 }
 
-VOID LoadCaptions()
-{
-    (void)LoadJpegBlt(gTempCaptionInstance, &gArtworkFileGuid, &gTempCaptionImage, &gTempCaptionWidth,
-                      &gTempCaptionHeight);
-    (void)LoadJpegBlt(gRpmCaptionInstance, &gArtworkFileGuid, &gRpmCaptionImage, &gRpmCaptionWidth, &gRpmCaptionHeight);
-    (void)LoadJpegBlt(gDutyCaptionInstance, &gArtworkFileGuid, &gDutyCaptionImage, &gDutyCaptionWidth,
-                      &gDutyCaptionHeight);
-}
-
-VOID ClearPanel()
-{
-    for (UINTN Row = 0; Row < gPanel.Height; Row++) {
-        FillPixels(gGuiCore->Screen + (gPanel.Y + Row) * gScreenWidth + gPanel.X, gPanel.Width, gPanelColor);
-    }
-}
-
 // Everything up to the first turn of the loop, in its fixed order.
 VOID StartConsole()
 {
     CreateTimers();
     CreateScreenFrame(&gArtworkFileGuid);
     PasteScreenFrame();
-    (void)LoadJpegBlt(gFanBackdropInstance, &gArtworkFileGuid, &gFanReadoutBackdrop, &gFanReadoutBackdropWidth,
-                      &gFanReadoutBackdropHeight);
-    (void)LoadJpegBlt(gTempBackdropInstance, &gArtworkFileGuid, &gTempReadoutBackdrop, &gTempReadoutBackdropWidth,
-                      &gTempReadoutBackdropHeight);
+    LoadReadoutBackdrops();
     LoadSettingsAndCapabilities();
     CreateCommandButtons();
-    (void)CreateBltFont(&gFanScaleFont, gFanScaleInstance, &gArtworkFileGuid);
-    (void)CreateBltFont(&gTempScaleFont, gTempScaleInstance, &gArtworkFileGuid);
+    CreateScaleFonts();
     AddScaleListeners();
     LoadCaptions();
     CreateVoltageGauges();
@@ -241,31 +210,16 @@ VOID DestroyFanControls()
     }
 }
 
-VOID FreePictures()
-{
-    ReleasePool(gLegendActive);
-    ReleasePool(gLegendInactive);
-    ReleasePool(gTempCaptionImage);
-    ReleasePool(gRpmCaptionImage);
-    ReleasePool(gDutyCaptionImage);
-    ReleasePool(gFanReadoutBackdrop);
-    ReleasePool(gTempReadoutBackdrop);
-    ReleasePool(gPanelTitle);
-}
-
 VOID StopConsole()
 {
     CloseTimers();
-    for (VOLTAGE_GAUGE*& Gauge : gVoltageGauge) {
-        (void)DestroyVoltageGauge(Gauge);
-        Gauge = nullptr;
-    }
+    DestroyVoltageGauges();
     DestroyFanControls();
-    (void)DestroyBltFont(gFanScaleFont);
-    gFanScaleFont = nullptr;
-    (void)DestroyBltFont(gTempScaleFont);
-    gTempScaleFont = nullptr;
-    FreePictures();
+    DestroyScaleFonts();
+    FreeFanLegend();
+    FreeCaptions();
+    FreeReadoutBackdrops();
+    FreePanelTitle();
     if (gShellConsole && gST->ConOut != nullptr) {
         (void)gST->ConOut->ClearScreen(gST->ConOut);
     }

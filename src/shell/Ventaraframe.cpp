@@ -91,9 +91,9 @@ VOID MakePlainPicture(SCREEN_FRAME* Frame)
 // Where the corner has the key colour, what lies under it on the old screen shows through.
 VOID FillCorner(PIXEL* Corner, const PIXEL* Under, UINTN Count)
 {
-    for (UINTN I = 0; I < Count; I++) {
-        if (SameColor(Corner[I], gKeyColor)) {
-            Corner[I] = Under[I];
+    for (UINTN Index = 0; Index < Count; Index++) {
+        if (SameColor(Corner[Index], gKeyColor)) {
+            Corner[Index] = Under[Index];
         }
     }
 }

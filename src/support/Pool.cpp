@@ -42,12 +42,12 @@ VOID MoveBytes(VOID* Destination, const VOID* Source, UINTN Length)
         return;
     }
     if (From > To) {
-        for (UINTN I = 0; I < Length; I++) {
-            To[I] = From[I];
+        for (UINTN Index = 0; Index < Length; Index++) {
+            To[Index] = From[Index];
         }
     } else {
-        for (UINTN I = Length; I > 0; I--) {
-            To[I - 1] = From[I - 1];
+        for (UINTN Index = Length; Index > 0; Index--) {
+            To[Index - 1] = From[Index - 1];
         }
     }
 }

@@ -17,9 +17,9 @@ const CHAR8* FileNameOfPath(const CHAR8* Path)
 {
     const CHAR8* Name = nullptr;
     // A backslash in the first place doesn't count: the path then has no directory in front.
-    for (UINTN I = 1; Path != nullptr && Path[0] != 0 && Path[I] != 0; I++) {
-        if (Path[I] == '\\') {
-            Name = Path + I + 1;
+    for (UINTN Index = 1; Path != nullptr && Path[0] != 0 && Path[Index] != 0; Index++) {
+        if (Path[Index] == '\\') {
+            Name = Path + Index + 1;
         }
     }
     return Name;

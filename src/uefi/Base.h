@@ -42,8 +42,8 @@ static_assert(sizeof(EFI_GUID) == 16);
 constexpr bool SameGuid(const EFI_GUID& A, const EFI_GUID& B)
 {
     bool Same = A.Data1 == B.Data1 && A.Data2 == B.Data2 && A.Data3 == B.Data3;
-    for (UINTN I = 0; I < sizeof(A.Data4); I++) {
-        Same = Same && A.Data4[I] == B.Data4[I];
+    for (UINTN Index = 0; Index < sizeof(A.Data4); Index++) {
+        Same = Same && A.Data4[Index] == B.Data4[Index];
     }
     return Same;
 }

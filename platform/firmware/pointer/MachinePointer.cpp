@@ -46,8 +46,6 @@ EFI_BOOT_SERVICES* gBoot;
 MACHINE_POINTER gPointer;
 const CONSOLE_DISPLAY* gLayer; // null: the display shows the console's picture and nothing else
 
-INT64 Clamp(INT64 Value, INT64 Limit) { return Value < 0 ? 0 : Value >= Limit ? Limit - 1 : Value; }
-
 VOID ReportPlace(const MACHINE_POINTER* Pointer)
 {
     Report("ventara: pointer ");
@@ -91,8 +89,8 @@ bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Chan
         Pointer->X += Change->X;
         Pointer->Y += Change->Y;
     }
-    Pointer->X = Clamp(Pointer->X, Pointer->Width);
-    Pointer->Y = Clamp(Pointer->Y, Pointer->Height);
+    Pointer->X = Limit<INT64>(Pointer->X, 0, Pointer->Width - 1);
+    Pointer->Y = Limit<INT64>(Pointer->Y, 0, Pointer->Height - 1);
     bool ButtonsChanged = Pointer->Left[Kind] != Change->Left || Pointer->Right[Kind] != Change->Right;
     Pointer->Left[Kind] = Change->Left;
     Pointer->Right[Kind] = Change->Right;
@@ -205,8 +203,8 @@ VOID SetPointerLimits(POINTER_SOURCE* This, UINTN Width, UINTN Height)
     }
     Pointer->Width = static_cast<INT64>(Width);
     Pointer->Height = static_cast<INT64>(Height);
-    Pointer->X = Clamp(Pointer->X, Pointer->Width);
-    Pointer->Y = Clamp(Pointer->Y, Pointer->Height);
+    Pointer->X = Limit<INT64>(Pointer->X, 0, Pointer->Width - 1);
+    Pointer->Y = Limit<INT64>(Pointer->Y, 0, Pointer->Height - 1);
 }
 
 VOID PlacePointer(POINTER_SOURCE* This, INT64 X, INT64 Y)

@@ -20,10 +20,10 @@ UINT64 PixelsOf(const MODE_OFFER& Offer) { return static_cast<UINT64>(Offer.Widt
 UINTN FindSize(const MODE_OFFER* Offers, UINTN Count, UINT32 Width, UINT32 Height)
 {
     UINTN Found = Count;
-    for (UINTN At = 0; At < Count; At++) {
-        if (Offers[At].Width == Width && Offers[At].Height == Height &&
-            (Found == Count || (Offers[At].AsIs && !Offers[Found].AsIs))) {
-            Found = At;
+    for (UINTN Index = 0; Index < Count; Index++) {
+        if (Offers[Index].Width == Width && Offers[Index].Height == Height &&
+            (Found == Count || (Offers[Index].AsIs && !Offers[Found].AsIs))) {
+            Found = Index;
         }
     }
     return Found;
@@ -55,14 +55,14 @@ UINTN ChooseMode(const MODE_OFFER* Offers, UINTN Count, PANEL_SIZE Native)
         return NativeOffer;
     }
     UINTN Best = Count;
-    for (UINTN At = 0; At < Count; At++) {
+    for (UINTN Index = 0; Index < Count; Index++) {
         if (Best == Count) {
-            Best = At;
-        } else if (HasRoom(Offers[At]) != HasRoom(Offers[Best])) {
-            Best = HasRoom(Offers[At]) ? At : Best;
-        } else if (HasRoom(Offers[At]) ? PixelsOf(Offers[At]) < PixelsOf(Offers[Best])
-                                       : PixelsOf(Offers[At]) > PixelsOf(Offers[Best])) {
-            Best = At;
+            Best = Index;
+        } else if (HasRoom(Offers[Index]) != HasRoom(Offers[Best])) {
+            Best = HasRoom(Offers[Index]) ? Index : Best;
+        } else if (HasRoom(Offers[Index]) ? PixelsOf(Offers[Index]) < PixelsOf(Offers[Best])
+                                          : PixelsOf(Offers[Index]) > PixelsOf(Offers[Best])) {
+            Best = Index;
         }
     }
     return Best;

@@ -107,11 +107,11 @@ bool LINUX_BOARD::Find(const LINUX_BOARD_OPTIONS& Options, std::string* Error)
         !ChooseSensors(mSensors, Options.Temperatures, &mChosen, Error)) {
         return false;
     }
-    for (UINT8 At = 0; At < gTemperatureItemCount; At++) {
-        Place(static_cast<UINT8>(gFirstTemperatureItem + At), mChosen.Temperatures[At]);
+    for (UINT8 Index = 0; Index < gTemperatureItemCount; Index++) {
+        Place(static_cast<UINT8>(gFirstTemperatureItem + Index), mChosen.Temperatures[Index]);
     }
-    for (UINT8 At = 0; At < gVoltageItemCount; At++) {
-        Place(static_cast<UINT8>(gFirstVoltageItem + At), mChosen.Voltages[At]);
+    for (UINT8 Index = 0; Index < gVoltageItemCount; Index++) {
+        Place(static_cast<UINT8>(gFirstVoltageItem + Index), mChosen.Voltages[Index]);
     }
     DealPages();
     return true;

@@ -140,11 +140,11 @@ EFI_STATUS CreateGuiCore()
 {
     VOID* Block[5] = {}; // the core, Overlay, Background, Screen, the registry
     const UINTN Size[5] = {sizeof(GUI_CORE), gScreenBytes, gScreenBytes, gScreenBytes, sizeof(GUI_COMPONENT_LIST)};
-    for (UINTN I = 0; I < 5; I++) {
-        const EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, Size[I], &Block[I]);
+    for (UINTN Index = 0; Index < 5; Index++) {
+        const EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, Size[Index], &Block[Index]);
         if (EfiError(Status)) {
-            while (I > 0) {
-                FreePool(Block[--I]);
+            while (Index > 0) {
+                FreePool(Block[--Index]);
             }
             return Status;
         }
