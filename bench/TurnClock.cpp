@@ -3,6 +3,8 @@
 #include <chrono>
 #include <vector>
 
+#include "platform/host/CurrentBoot.h"
+
 namespace {
 
 using MOMENT = std::chrono::steady_clock::time_point;
@@ -58,7 +60,7 @@ struct TIMED<Place, Slot> {
 template <typename TABLE> TABLE* Service(const EFI_GUID& Guid)
 {
     VOID* Found = nullptr;
-    (void)gBoot->FirmwareTable.BootServices->LocateProtocol(&Guid, nullptr, &Found);
+    (void)gCurrentBoot->FirmwareTable.BootServices->LocateProtocol(&Guid, nullptr, &Found);
     return static_cast<TABLE*>(Found);
 }
 

@@ -5,6 +5,7 @@
 
 #include "fuzz/ConsoleGlobals.h"
 #include "fuzz/Input.h"
+#include "platform/host/CurrentBoot.h"
 #include "platform/host/Session.h"
 #include "tests/console/Places.h"
 #include "tests/faults/Invariants.h"
@@ -26,7 +27,7 @@ bool LookAtTurn(VOID*, CALL Call, EFI_STATUS*, bool*)
         gTurns++;
         const std::string Fault = CheckTurn(&gWatch);
         if (!Fault.empty()) {
-            std::fprintf(stderr, "turn %llu: %s\n", gBoot->Trace.Turn, Fault.c_str());
+            std::fprintf(stderr, "turn %llu: %s\n", gCurrentBoot->Trace.Turn, Fault.c_str());
             std::abort();
         }
     }

@@ -5,6 +5,7 @@
 
 #include "fuzz/ConsoleGlobals.h"
 #include "fuzz/Input.h"
+#include "platform/host/CurrentBoot.h"
 #include "platform/host/Session.h"
 
 extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable);
@@ -19,7 +20,7 @@ struct REWRITER {
 // Every variable gets another content at the beginning of the second start.
 VOID RewriteAll(INPUT& Input)
 {
-    const std::vector<VARIABLE> Before = gBoot->Variables.All();
+    const std::vector<VARIABLE> Before = gCurrentBoot->Variables.All();
     for (const VARIABLE& Variable : Before) {
         const uint8_t Way = Input.Byte();
         std::vector<uint8_t> Content;
@@ -28,17 +29,17 @@ VOID RewriteAll(INPUT& Input)
         for (size_t At = 0; At < Size; At++) {
             Content.push_back(Input.Byte());
         }
-        (void)gBoot->Variables.Set(Variable.Name.c_str(), &Variable.Vendor, 2, 0, nullptr);
-        (void)gBoot->Variables.Set(Variable.Name.c_str(), &Variable.Vendor, 2, Content.size(), Content.data());
+        (void)gCurrentBoot->Variables.Set(Variable.Name.c_str(), &Variable.Vendor, 2, 0, nullptr);
+        (void)gCurrentBoot->Variables.Set(Variable.Name.c_str(), &Variable.Vendor, 2, Content.size(), Content.data());
     }
 }
 
 bool AtCall(VOID* Context, CALL, EFI_STATUS*, bool*)
 {
     REWRITER& Rewriter = *static_cast<REWRITER*>(Context);
-    if (gBoot->Trace.Start != Rewriter.LastStart) {
-        Rewriter.LastStart = gBoot->Trace.Start;
-        if (gBoot->Trace.Start == 2) {
+    if (gCurrentBoot->Trace.Start != Rewriter.LastStart) {
+        Rewriter.LastStart = gCurrentBoot->Trace.Start;
+        if (gCurrentBoot->Trace.Start == 2) {
             RewriteAll(Rewriter.Input);
         }
     }

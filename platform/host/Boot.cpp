@@ -5,10 +5,11 @@
 #include "platform/board/ArtworkPack.h"
 #include "platform/board/BootScreen.h"
 #include "platform/board/SimulatedBoard.h"
+#include "platform/host/CurrentBoot.h"
 #include "platform/host/FirmwareTables.h"
 #include "uefi/LoadedImage.h"
 
-BOOT* gBoot = nullptr;
+BOOT* gCurrentBoot = nullptr;
 
 namespace {
 
@@ -16,7 +17,7 @@ constexpr UINT64 gSystemTableSignature = 0x5453595320494249;
 constexpr UINT32 gRevision = 0x00020046; // 2.70
 CHAR16 gFirmwareVendor[] = u"Ventara hosted firmware";
 
-UINT64 ReadMicroseconds() { return gBoot->Clock.Microseconds(); }
+UINT64 ReadMicroseconds() { return gCurrentBoot->Clock.Microseconds(); }
 
 VOID ReadPointer(POINTER_SOURCE* This, INT64* X, INT64* Y, UINT8* Left, UINT8* Right)
 {
@@ -40,10 +41,10 @@ BOOT::BOOT(const BOOT_OPTIONS& Options)
     : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), Display(Options.Panel),
       MonotonicCount(Options.CountAtStart), mOptions(Options)
 {
-    if (gBoot != nullptr) {
+    if (gCurrentBoot != nullptr) {
         std::abort(); // the tables' functions could only serve one of the two
     }
-    gBoot = this;
+    gCurrentBoot = this;
     Trace.Clock = &Clock;
     Consoles.Echo = Options.EchoConsoles;
     Pointer.Source = {.Read = ReadPointer, .SetLimits = nullptr, .Close = nullptr, .Place = PlacePointer};
@@ -105,7 +106,7 @@ BOOT::~BOOT()
 {
     RemoveBoard();
     CloseDisplayLayer(mLayer);
-    gBoot = nullptr;
+    gCurrentBoot = nullptr;
 }
 
 EFI_STATUS BOOT::InstallBoard()

@@ -9,7 +9,8 @@
 //     BOOT Boot({.Board = "small"});
 //     if (!EfiError(Boot.InstallBoard())) { Status = Main(Boot.BeginStart(), &Boot.ConsoleTable); }
 //
-// The tables' functions carry no context, so a process has one boot at a time; the next may begin when it is gone.
+// The tables' functions carry no context, so a process has one boot at a time; the next may begin when it is gone. They find
+// it in platform/host/CurrentBoot.h.
 #pragma once
 
 #include <string>
@@ -113,7 +114,3 @@ private:
     EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mTextOutput = {};
     EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL mErrorOutput = {};
 };
-
-// The boot that the tables' functions work on, which carry no context: for them, and for tests whose code is called without
-// one. Null between two boots.
-extern BOOT* gBoot;

@@ -13,7 +13,7 @@ namespace {
 constexpr UINT8 gNoFanKind = 2;      // as a board answers that gives the fan no page
 constexpr UINTN gGarbageText = 1000; // characters of a string that nobody wrote
 
-template <typename TABLE> TABLE* True() { return gBoot->Console.Of<TABLE>().True; }
+template <typename TABLE> TABLE* True(const CROSSED_CALL& Call) { return Call.Boot.Console.Of<TABLE>().True; }
 
 // --- Covers ---
 
@@ -26,17 +26,17 @@ struct COVER<Call, Slot> {
     {
         CROSSED_CALL Crossed(Call, Arguments...);
         if (!Crossed.Fails()) {
-            Crossed.Status = (True<TABLE>()->*Slot)(BehindCover(Arguments)...);
+            Crossed.Status = (True<TABLE>(Crossed)->*Slot)(BehindCover(Crossed, Arguments)...);
         }
         return Crossed.Finish();
     }
 
 private:
     // The console's This is the cover; the service has to get its own.
-    template <typename T> static T BehindCover(T Argument)
+    template <typename T> static T BehindCover([[maybe_unused]] const CROSSED_CALL& Crossed, T Argument)
     {
         if constexpr (std::is_same_v<T, TABLE*> || std::is_same_v<T, const TABLE*>) {
-            return True<TABLE>();
+            return True<TABLE>(Crossed);
         } else {
             return Argument;
         }
@@ -58,9 +58,11 @@ EFI_STATUS AllocatePool(EFI_MEMORY_TYPE, UINTN Size, VOID** Buffer)
 EFI_STATUS FreePool(VOID* Buffer)
 {
     VOID* const Caller = __builtin_return_address(0);
-    const POOL_BLOCK* Found = gBoot->Pool.Find(Buffer);
-    const POOL_BLOCK Block = Found == nullptr ? POOL_BLOCK{} : *Found;
-    CROSSED_CALL Call(CALL_FREE_POOL, Block.Size, Block.Number);
+    CROSSED_CALL Call(CALL_FREE_POOL);
+    if (const POOL_BLOCK* Block = Call.Boot.Pool.Find(Buffer)) {
+        Call.Arguments[0] = DescribeArgument(Block->Size);
+        Call.Arguments[1] = DescribeArgument(Block->Number);
+    }
     if (!Call.Fails()) {
         Call.Status = Call.Boot.Pool.Free(Buffer, Caller);
     }
@@ -109,7 +111,7 @@ EFI_STATUS OutputString(EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL* This, const CHAR16* Tex
 UINT8 GetFanKind(HW_SERVICE_PROTOCOL*, UINT8 Item)
 {
     CROSSED_CALL Call(CALL_GET_FAN_KIND, Item);
-    HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>();
+    HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>(Call);
     return Call.FinishWith(!Call.Fails()  ? Board->GetFanKind(Board, Item)
                            : Call.Garbage ? gGarbagePattern
                                           : gNoFanKind);
@@ -118,18 +120,18 @@ UINT8 GetFanKind(HW_SERVICE_PROTOCOL*, UINT8 Item)
 UINT8 GetFirmwareGeneration(IMAGE_DECODER_PROTOCOL*)
 {
     CROSSED_CALL Call(CALL_GET_FIRMWARE_GENERATION);
-    IMAGE_DECODER_PROTOCOL* Decoder = True<IMAGE_DECODER_PROTOCOL>();
+    IMAGE_DECODER_PROTOCOL* Decoder = True<IMAGE_DECODER_PROTOCOL>(Call);
     return Call.FinishWith(!Call.Fails()  ? Decoder->GetFirmwareGeneration(Decoder)
                            : Call.Garbage ? gGarbagePattern
                                           : UINT8{0});
 }
 
 // A copy of a script's string for the console, which frees it.
-CHAR16* CopyToPool(const std::u16string& Text)
+CHAR16* CopyToPool(const CROSSED_CALL& Call, const std::u16string& Text)
 {
     const UINTN Size = (Text.size() + 1) * sizeof(CHAR16);
     VOID* Copy;
-    if (EfiError(gBoot->Pool.Allocate(Size, __builtin_return_address(0), &Copy))) {
+    if (EfiError(Call.Boot.Pool.Allocate(Size, __builtin_return_address(0), &Copy))) {
         return nullptr;
     }
     std::memcpy(Copy, Text.c_str(), Size);
@@ -139,22 +141,22 @@ CHAR16* CopyToPool(const std::u16string& Text)
 CHAR16* GetItemString(HW_SERVICE_PROTOCOL*, UINT8 Item)
 {
     CROSSED_CALL Call(CALL_GET_ITEM_STRING, Item);
-    HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>();
+    HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>(Call);
     const auto& Strings = Call.Boot.Crossing.Overrides.Strings;
     if (Call.Fails()) {
-        return Call.FinishWith(Call.Garbage ? CopyToPool(std::u16string(gGarbageText, 0xA5A5)) : nullptr);
+        return Call.FinishWith(Call.Garbage ? CopyToPool(Call, std::u16string(gGarbageText, 0xA5A5)) : nullptr);
     }
     const auto Override = Strings.find(Item);
     if (Override == Strings.end()) {
         return Call.FinishWith(Board->GetItemString(Board, Item));
     }
-    return Call.FinishWith(Override->second ? CopyToPool(*Override->second) : nullptr);
+    return Call.FinishWith(Override->second ? CopyToPool(Call, *Override->second) : nullptr);
 }
 
-EFI_STATUS ReadItem(UINT8 Item, UINT64* Value, UINT8* Present)
+EFI_STATUS ReadItem(const CROSSED_CALL& Call, UINT8 Item, UINT64* Value, UINT8* Present)
 {
-    HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>();
-    const auto& Readings = gBoot->Crossing.Overrides.Readings;
+    HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>(Call);
+    const auto& Readings = Call.Boot.Crossing.Overrides.Readings;
     const auto Override = Readings.find(Item);
     if (Override == Readings.end()) {
         return Board->GetItemValue(Board, Item, Value, Present);
@@ -172,7 +174,7 @@ EFI_STATUS GetItemValue(HW_SERVICE_PROTOCOL*, UINT8 Item, UINT64* Value, UINT8* 
 {
     CROSSED_CALL Call(CALL_GET_ITEM_VALUE, Item, Value, Present);
     if (!Call.Fails()) {
-        Call.Status = ReadItem(Item, Value, Present);
+        Call.Status = ReadItem(Call, Item, Value, Present);
     }
     return Call.Finish();
 }
@@ -186,7 +188,8 @@ template <UINTN Fan> EFI_STATUS GetFanSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING*
 {
     CROSSED_CALL Call(GetterOf(Fan), Setting);
     if (!Call.Fails()) {
-        Call.Status = True<HW_SERVICE_PROTOCOL>()->Fan[Fan].Get(True<HW_SERVICE_PROTOCOL>(), Setting);
+        HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>(Call);
+        Call.Status = Board->Fan[Fan].Get(Board, Setting);
     }
     return Call.Finish();
 }
@@ -199,7 +202,8 @@ template <UINTN Fan> EFI_STATUS SetFanSetting(HW_SERVICE_PROTOCOL*, const FAN_SE
         Call.Boot.Complaints.Add("%s with %s", Call.Facts.Of.Name, Fault);
     }
     if (!Call.Fails()) {
-        Call.Status = True<HW_SERVICE_PROTOCOL>()->Fan[Fan].Set(True<HW_SERVICE_PROTOCOL>(), Setting);
+        HW_SERVICE_PROTOCOL* Board = True<HW_SERVICE_PROTOCOL>(Call);
+        Call.Status = Board->Fan[Fan].Set(Board, Setting);
     }
     return Call.Finish();
 }

@@ -10,7 +10,7 @@
 
 #include <type_traits>
 
-#include "platform/host/Boot.h"
+#include "platform/host/CurrentBoot.h"
 
 // As a pointer neither null nor anywhere, as a number far out of every range.
 constexpr UINT8 gGarbagePattern = 0xA5;
@@ -58,7 +58,7 @@ struct CROSSED_CALL {
     // Most often the call's own arguments; at any rate those that its row in the table means.
     template <typename... ARGUMENTS>
     explicit CROSSED_CALL(CALL Call, ARGUMENTS... Its)
-        : Boot(*gBoot), Facts(FactsOf(Call)), Arguments{DescribeArgument(Its)...}
+        : Boot(*gCurrentBoot), Facts(FactsOf(Call)), Arguments{DescribeArgument(Its)...}
     {
     }
 

@@ -1,7 +1,7 @@
 #include "platform/host/FirmwareProtocols.h"
 
 #include "platform/board/TextService.h"
-#include "platform/host/Boot.h"
+#include "platform/host/CurrentBoot.h"
 
 namespace {
 
@@ -11,7 +11,8 @@ EFI_STATUS Blt(EFI_GRAPHICS_OUTPUT_PROTOCOL*, EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Buf
                EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation, UINTN SourceX, UINTN SourceY, UINTN DestinationX,
                UINTN DestinationY, UINTN Width, UINTN Height, UINTN Delta)
 {
-    return gBoot->Display.Blt(Buffer, Operation, SourceX, SourceY, DestinationX, DestinationY, Width, Height, Delta);
+    return gCurrentBoot->Display.Blt(Buffer, Operation, SourceX, SourceY, DestinationX, DestinationY, Width, Height,
+                                     Delta);
 }
 
 EFI_STATUS GetTimerValue(EFI_CPU_ARCH_PROTOCOL*, UINT32 Index, UINT64* Value, UINT64* Period)
@@ -19,8 +20,9 @@ EFI_STATUS GetTimerValue(EFI_CPU_ARCH_PROTOCOL*, UINT32 Index, UINT64* Value, UI
     if (Index != 0 || Value == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    const BOOT_OPTIONS& Options = gBoot->Options();
-    const auto Femtoseconds = static_cast<unsigned __int128>(gBoot->Clock.Nanoseconds()) * gFemtosecondsPerNanosecond;
+    const BOOT_OPTIONS& Options = gCurrentBoot->Options();
+    const auto Femtoseconds =
+        static_cast<unsigned __int128>(gCurrentBoot->Clock.Nanoseconds()) * gFemtosecondsPerNanosecond;
     *Value = Options.TimerAtStart + static_cast<UINT64>(Femtoseconds / Options.TimerPeriod);
     if (Period != nullptr) {
         *Period = Options.TimerPeriod;
@@ -31,18 +33,19 @@ EFI_STATUS GetTimerValue(EFI_CPU_ARCH_PROTOCOL*, UINT32 Index, UINT64* Value, UI
 VOID* AllocateForText(UINTN Size)
 {
     VOID* Block = nullptr;
-    (void)gBoot->Pool.AllocateZeroed(Size, __builtin_return_address(0), &Block);
+    (void)gCurrentBoot->Pool.AllocateZeroed(Size, __builtin_return_address(0), &Block);
     return Block;
 }
 
-VOID FreeForText(VOID* Block) { (void)gBoot->Pool.Free(Block, __builtin_return_address(0)); }
+VOID FreeForText(VOID* Block) { (void)gCurrentBoot->Pool.Free(Block, __builtin_return_address(0)); }
 
 EFI_STATUS StringToImage(const EFI_HII_FONT_PROTOCOL*, EFI_HII_OUT_FLAGS Flags, const CHAR16* String,
                          const EFI_FONT_DISPLAY_INFO* Information, EFI_IMAGE_OUTPUT** Image, UINTN, UINTN,
                          EFI_HII_ROW_INFO** Rows, UINTN* RowCount, UINTN*)
 {
-    return RenderText({.Allocate = AllocateForText, .Free = FreeForText, .Roomy = gBoot->Options().RoomyTextPictures},
-                      Flags, String, Information, Image, Rows, RowCount);
+    return RenderText(
+        {.Allocate = AllocateForText, .Free = FreeForText, .Roomy = gCurrentBoot->Options().RoomyTextPictures}, Flags,
+        String, Information, Image, Rows, RowCount);
 }
 
 // Members of the font protocol's family: present on every board, and nobody here calls them.

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "platform/host/Boot.h"
+#include "platform/host/CurrentBoot.h"
 
 namespace {
 
@@ -28,10 +28,10 @@ template <typename TABLE> VOID RefuseEverything(TABLE* Table, UINTN FirstSlot)
 
 EFI_STATUS AllocatePool(EFI_MEMORY_TYPE, UINTN Size, VOID** Buffer)
 {
-    return gBoot->Pool.Allocate(Size, __builtin_return_address(0), Buffer);
+    return gCurrentBoot->Pool.Allocate(Size, __builtin_return_address(0), Buffer);
 }
 
-EFI_STATUS FreePool(VOID* Buffer) { return gBoot->Pool.Free(Buffer, __builtin_return_address(0)); }
+EFI_STATUS FreePool(VOID* Buffer) { return gCurrentBoot->Pool.Free(Buffer, __builtin_return_address(0)); }
 
 // Sanitizers move byte by byte, and a copy between buffers that don't overlap, as nearly all are, they don't.
 VOID CopyMem(VOID* Destination, const VOID* Source, UINTN Length)
@@ -59,7 +59,8 @@ VOID SetMem(VOID* Buffer, UINTN Size, UINT8 Value)
 
 EFI_STATUS InstallProtocolInterface(EFI_HANDLE* Handle, const EFI_GUID* Guid, EFI_INTERFACE_TYPE Type, VOID* Interface)
 {
-    return Type == EFI_NATIVE_INTERFACE ? gBoot->Handles.Install(Handle, Guid, Interface) : EFI_INVALID_PARAMETER;
+    return Type == EFI_NATIVE_INTERFACE ? gCurrentBoot->Handles.Install(Handle, Guid, Interface)
+                                        : EFI_INVALID_PARAMETER;
 }
 
 struct PROTOCOL_PAIR {
@@ -87,11 +88,11 @@ EFI_STATUS InstallMultipleProtocolInterfaces(EFI_HANDLE* Handle, ...)
     va_end(Arguments);
     const EFI_HANDLE Before = *Handle;
     for (size_t Index = 0; Index < Pairs.size(); Index++) {
-        const EFI_STATUS Status = gBoot->Handles.Install(Handle, Pairs[Index].Guid, Pairs[Index].Interface);
+        const EFI_STATUS Status = gCurrentBoot->Handles.Install(Handle, Pairs[Index].Guid, Pairs[Index].Interface);
         if (EfiError(Status)) {
             // All or none.
             while (Index-- > 0) {
-                (void)gBoot->Handles.Uninstall(*Handle, Pairs[Index].Guid, Pairs[Index].Interface);
+                (void)gCurrentBoot->Handles.Uninstall(*Handle, Pairs[Index].Guid, Pairs[Index].Interface);
             }
             *Handle = Before;
             return Status;
@@ -107,10 +108,10 @@ EFI_STATUS UninstallMultipleProtocolInterfaces(EFI_HANDLE Handle, ...)
     const std::vector<PROTOCOL_PAIR> Pairs = ReadPairs(Arguments);
     va_end(Arguments);
     for (size_t Index = 0; Index < Pairs.size(); Index++) {
-        if (EfiError(gBoot->Handles.Uninstall(Handle, Pairs[Index].Guid, Pairs[Index].Interface))) {
+        if (EfiError(gCurrentBoot->Handles.Uninstall(Handle, Pairs[Index].Guid, Pairs[Index].Interface))) {
             while (Index-- > 0) {
                 EFI_HANDLE Same = Handle;
-                (void)gBoot->Handles.Install(&Same, Pairs[Index].Guid, Pairs[Index].Interface);
+                (void)gCurrentBoot->Handles.Install(&Same, Pairs[Index].Guid, Pairs[Index].Interface);
             }
             return EFI_INVALID_PARAMETER;
         }
@@ -126,7 +127,7 @@ EFI_STATUS FindHandles(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid, std::v
     if (Type == ByRegisterNotify) {
         return EFI_NOT_FOUND; // nobody can have registered
     }
-    *Found = gBoot->Handles.Find(Type == AllHandles ? nullptr : Guid);
+    *Found = gCurrentBoot->Handles.Find(Type == AllHandles ? nullptr : Guid);
     return Found->empty() ? EFI_NOT_FOUND : EFI_SUCCESS;
 }
 
@@ -156,7 +157,7 @@ EFI_STATUS LocateHandleBuffer(EFI_LOCATE_SEARCH_TYPE Type, const EFI_GUID* Guid,
     EFI_STATUS Status = Count == nullptr || Buffer == nullptr ? EFI_INVALID_PARAMETER : FindHandles(Type, Guid, &Found);
     VOID* Block = nullptr;
     if (!EfiError(Status)) {
-        Status = gBoot->Pool.Allocate(Found.size() * sizeof(EFI_HANDLE), __builtin_return_address(0), &Block);
+        Status = gCurrentBoot->Pool.Allocate(Found.size() * sizeof(EFI_HANDLE), __builtin_return_address(0), &Block);
     }
     if (!EfiError(Status)) {
         *Buffer = static_cast<EFI_HANDLE*>(Block);
@@ -173,13 +174,13 @@ EFI_STATUS GetNextMonotonicCount(UINT64* Count)
     if (Count == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    *Count = ++gBoot->MonotonicCount;
+    *Count = ++gCurrentBoot->MonotonicCount;
     return EFI_SUCCESS;
 }
 
 EFI_STATUS Stall(UINTN Microseconds)
 {
-    gBoot->Clock.Stall(Microseconds);
+    gCurrentBoot->Clock.Stall(Microseconds);
     return EFI_SUCCESS;
 }
 
@@ -188,7 +189,7 @@ EFI_STATUS GetTime(EFI_TIME* Time, EFI_TIME_CAPABILITIES* Capabilities)
     if (Time == nullptr) {
         return EFI_INVALID_PARAMETER;
     }
-    gBoot->Clock.ReadCalendar(Time);
+    gCurrentBoot->Clock.ReadCalendar(Time);
     if (Capabilities != nullptr) {
         *Capabilities = {.Resolution = gCalendarTicksPerSecond, .Accuracy = gCalendarAccuracy, .SetsToZero = 0};
     }
@@ -205,35 +206,36 @@ VOID FillBootServices(EFI_BOOT_SERVICES* Services)
     Services->FreePool = FreePool;
     Services->CopyMem = CopyMem;
     Services->SetMem = SetMem;
-    Services->GetMemoryMap = [](auto... Rest) { return gBoot->Machine.GetMemoryMap(Rest...); };
-    Services->RaiseTPL = [](EFI_TPL NewTpl) { return gBoot->Events.RaiseTpl(NewTpl); };
-    Services->RestoreTPL = [](EFI_TPL OldTpl) { gBoot->Events.RestoreTpl(OldTpl); };
+    Services->GetMemoryMap = [](auto... Rest) { return gCurrentBoot->Machine.GetMemoryMap(Rest...); };
+    Services->RaiseTPL = [](EFI_TPL NewTpl) { return gCurrentBoot->Events.RaiseTpl(NewTpl); };
+    Services->RestoreTPL = [](EFI_TPL OldTpl) { gCurrentBoot->Events.RestoreTpl(OldTpl); };
     Services->CreateEvent = [](UINT32 Type, EFI_TPL Tpl, EFI_EVENT_NOTIFY Notify, VOID* Context, EFI_EVENT* Event) {
-        return gBoot->Events.Create(Type, Tpl, Notify, Context, nullptr, Event);
+        return gCurrentBoot->Events.Create(Type, Tpl, Notify, Context, nullptr, Event);
     };
     Services->CreateEventEx = [](UINT32 Type, EFI_TPL Tpl, EFI_EVENT_NOTIFY Notify, const VOID* Context,
                                  const EFI_GUID* Group, EFI_EVENT* Event) {
-        return gBoot->Events.Create(Type, Tpl, Notify, const_cast<VOID*>(Context), Group, Event);
+        return gCurrentBoot->Events.Create(Type, Tpl, Notify, const_cast<VOID*>(Context), Group, Event);
     };
-    Services->SetTimer = [](auto... Rest) { return gBoot->Events.SetTimer(Rest...); };
-    Services->WaitForEvent = [](auto... Rest) { return gBoot->Events.Wait(Rest...); };
-    Services->SignalEvent = [](EFI_EVENT Event) { return gBoot->Events.Signal(Event); };
-    Services->CloseEvent = [](EFI_EVENT Event) { return gBoot->Events.Close(Event); };
+    Services->SetTimer = [](auto... Rest) { return gCurrentBoot->Events.SetTimer(Rest...); };
+    Services->WaitForEvent = [](auto... Rest) { return gCurrentBoot->Events.Wait(Rest...); };
+    Services->SignalEvent = [](EFI_EVENT Event) { return gCurrentBoot->Events.Signal(Event); };
+    Services->CloseEvent = [](EFI_EVENT Event) { return gCurrentBoot->Events.Close(Event); };
     Services->InstallProtocolInterface = InstallProtocolInterface;
-    Services->UninstallProtocolInterface = [](auto... Rest) { return gBoot->Handles.Uninstall(Rest...); };
+    Services->UninstallProtocolInterface = [](auto... Rest) { return gCurrentBoot->Handles.Uninstall(Rest...); };
     Services->InstallMultipleProtocolInterfaces = InstallMultipleProtocolInterfaces;
     Services->UninstallMultipleProtocolInterfaces = UninstallMultipleProtocolInterfaces;
     Services->HandleProtocol = [](EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface) {
-        return gBoot->Handles.Open(Handle, Guid, Interface, nullptr, nullptr);
+        return gCurrentBoot->Handles.Open(Handle, Guid, Interface, nullptr, nullptr);
     };
     Services->OpenProtocol = [](EFI_HANDLE Handle, const EFI_GUID* Guid, VOID** Interface, EFI_HANDLE Agent,
-                                EFI_HANDLE Controller,
-                                UINT32) { return gBoot->Handles.Open(Handle, Guid, Interface, Agent, Controller); };
-    Services->CloseProtocol = [](auto... Rest) { return gBoot->Handles.Close(Rest...); };
+                                EFI_HANDLE Controller, UINT32) {
+        return gCurrentBoot->Handles.Open(Handle, Guid, Interface, Agent, Controller);
+    };
+    Services->CloseProtocol = [](auto... Rest) { return gCurrentBoot->Handles.Close(Rest...); };
     Services->LocateHandle = LocateHandle;
     Services->LocateHandleBuffer = LocateHandleBuffer;
     Services->LocateProtocol = [](const EFI_GUID* Guid, VOID*, VOID** Interface) {
-        return gBoot->Handles.Locate(Guid, Interface);
+        return gCurrentBoot->Handles.Locate(Guid, Interface);
     };
     Services->GetNextMonotonicCount = GetNextMonotonicCount;
     Services->Stall = Stall;
@@ -244,15 +246,15 @@ VOID FillRuntimeServices(EFI_RUNTIME_SERVICES* Services)
     Services->Hdr = {};
     RefuseEverything(Services, sizeof(Services->Hdr));
     Services->GetTime = GetTime;
-    Services->GetVariable = [](auto... Rest) { return gBoot->Variables.Get(Rest...); };
-    Services->SetVariable = [](auto... Rest) { return gBoot->Variables.Set(Rest...); };
+    Services->GetVariable = [](auto... Rest) { return gCurrentBoot->Variables.Get(Rest...); };
+    Services->SetVariable = [](auto... Rest) { return gCurrentBoot->Variables.Set(Rest...); };
 }
 
 VOID FillTextInput(EFI_SIMPLE_TEXT_INPUT_PROTOCOL* Input)
 {
     RefuseEverything(Input, 0);
     Input->ReadKeyStroke = [](EFI_SIMPLE_TEXT_INPUT_PROTOCOL*, EFI_INPUT_KEY* Key) {
-        return gBoot->Consoles.ReadKey(Key);
+        return gCurrentBoot->Consoles.ReadKey(Key);
     };
     Input->WaitForKey = nullptr; // keys are asked for in every turn, and nobody waits for one
 }
@@ -261,8 +263,8 @@ VOID FillTextInputEx(EFI_SIMPLE_TEXT_INPUT_EX_PROTOCOL* Input)
 {
     RefuseEverything(Input, 0);
     Input->WaitForKeyEx = nullptr;
-    Input->RegisterKeyNotify = [](auto*, auto... Rest) { return gBoot->Consoles.Register(Rest...); };
-    Input->UnregisterKeyNotify = [](auto*, VOID* Handle) { return gBoot->Consoles.Unregister(Handle); };
+    Input->RegisterKeyNotify = [](auto*, auto... Rest) { return gCurrentBoot->Consoles.Register(Rest...); };
+    Input->UnregisterKeyNotify = [](auto*, VOID* Handle) { return gCurrentBoot->Consoles.Unregister(Handle); };
 }
 
 // The consoles are logs: there is no screen of text behind them to be cleared.
@@ -270,8 +272,9 @@ VOID FillTextOutput(EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL* Output, bool IsError)
 {
     using OUTPUT = EFI_SIMPLE_TEXT_OUTPUT_PROTOCOL;
     RefuseEverything(Output, 0);
-    Output->OutputString = IsError ? +[](OUTPUT*, const CHAR16* Text) { return gBoot->Consoles.Write(true, Text); }
-                                   : +[](OUTPUT*, const CHAR16* Text) { return gBoot->Consoles.Write(false, Text); };
+    Output->OutputString = IsError
+                               ? +[](OUTPUT*, const CHAR16* Text) { return gCurrentBoot->Consoles.Write(true, Text); }
+                               : +[](OUTPUT*, const CHAR16* Text) { return gCurrentBoot->Consoles.Write(false, Text); };
     Output->ClearScreen = [](OUTPUT*) -> EFI_STATUS { return EFI_SUCCESS; };
-    Output->Mode = &gBoot->Consoles.Mode;
+    Output->Mode = &gCurrentBoot->Consoles.Mode;
 }

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <random>
 
+#include "platform/host/CurrentBoot.h"
 #include "tests/board/ArtworkBench.h"
 #include "tests/support/GuardedRoom.h"
 
@@ -22,7 +23,7 @@ constexpr UINTN gLargestBlock = 64 * 1024;
 
 EFI_STATUS AllocateSmall(EFI_MEMORY_TYPE, UINTN Size, VOID** Buffer)
 {
-    return Size > gLargestBlock ? EFI_OUT_OF_RESOURCES : gBoot->Pool.Allocate(Size, nullptr, Buffer);
+    return Size > gLargestBlock ? EFI_OUT_OF_RESOURCES : gCurrentBoot->Pool.Allocate(Size, nullptr, Buffer);
 }
 
 using BYTES = std::vector<UINT8>;

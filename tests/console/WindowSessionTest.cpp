@@ -4,6 +4,7 @@
 #include <SDL.h>
 #include <unistd.h>
 
+#include "platform/host/CurrentBoot.h"
 #include "tests/console/ConsoleBench.h"
 #include "tests/host/TestFolder.h"
 
@@ -91,7 +92,7 @@ struct PERSON {
             SDL_RenderReadPixels(Renderer, nullptr, SDL_PIXELFORMAT_RGB888, Shown.data(), gDisplayWidth * 4) != 0) {
             return false;
         }
-        const PICTURE Display(gBoot->Display.Words(), gBoot->Display.Words() + Shown.size());
+        const PICTURE Display(gCurrentBoot->Display.Words(), gCurrentBoot->Display.Words() + Shown.size());
         return !Differ(Shown, Display);
     }
 };

@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/host/CurrentBoot.h"
 #include "platform/host/HostText.h"
 #include "tests/console/Places.h"
 
@@ -192,8 +193,8 @@ SWEEP_RESULT Play(const SCENARIO& Scenario, const FAILURE_PLAN& Plan, const SWEE
 
 bool IsSwept(const TURNS& Turns)
 {
-    const UINT64 Turn = gBoot->Trace.Turn;
-    return gBoot->Trace.Start > 1 ? Turns.Last == gToTheEnd : Turn >= Turns.First && Turn <= Turns.Last;
+    const UINT64 Turn = gCurrentBoot->Trace.Turn;
+    return gCurrentBoot->Trace.Start > 1 ? Turns.Last == gToTheEnd : Turn >= Turns.First && Turn <= Turns.Last;
 }
 
 // A moment of a session: during the given turn of a start.
@@ -202,7 +203,7 @@ struct MOMENT {
     UINT64 Turn;
 };
 
-MOMENT Now() { return {gBoot->Trace.Start, gBoot->Trace.Turn}; }
+MOMENT Now() { return {gCurrentBoot->Trace.Start, gCurrentBoot->Trace.Turn}; }
 
 // The last turn in front of a script's settling.
 MOMENT BeforeSettling(const std::string& Script)
@@ -314,7 +315,7 @@ struct OPERATION_FAILURE {
     static bool Decide(VOID* Context, CALL Call, EFI_STATUS* Status, bool* Garbage)
     {
         const OPERATION_FAILURE& This = *static_cast<OPERATION_FAILURE*>(Context);
-        if (Call != This.Call || (Call == CALL_READ_KEY_STROKE && gBoot->Trace.Turn > gTurnsWithoutKeys)) {
+        if (Call != This.Call || (Call == CALL_READ_KEY_STROKE && gCurrentBoot->Trace.Turn > gTurnsWithoutKeys)) {
             return false;
         }
         *Status = This.Way.Status;

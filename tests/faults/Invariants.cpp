@@ -9,7 +9,7 @@
 #include "gui/PageBar.h"
 #include "gui/PointerEngine.h"
 #include "platform/board/FanStore.h"
-#include "platform/host/Boot.h"
+#include "platform/host/CurrentBoot.h"
 #include "support/Lists.h"
 
 namespace {
@@ -257,10 +257,11 @@ std::string CheckTurn(TURN_WATCH* Watch)
         return "no legal state of the mouse";
     }
     if (!Watch->Begun) {
-        *Watch = {gBoot->Pool.Count(), true};
+        *Watch = {gCurrentBoot->Pool.Count(), true};
     }
-    if (gBoot->Pool.Count() != Watch->PoolBlocks) {
-        return std::to_string(gBoot->Pool.Count()) + " blocks of pool instead of " + std::to_string(Watch->PoolBlocks);
+    if (gCurrentBoot->Pool.Count() != Watch->PoolBlocks) {
+        return std::to_string(gCurrentBoot->Pool.Count()) + " blocks of pool instead of " +
+               std::to_string(Watch->PoolBlocks);
     }
     return "";
 }

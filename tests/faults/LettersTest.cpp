@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "fan/FanPage.h"
+#include "platform/host/CurrentBoot.h"
 #include "platform/host/Session.h"
 #include "tests/faults/Invariants.h"
 
@@ -143,7 +144,7 @@ VOID BeginGesture()
 
 VOID LookAtTurn()
 {
-    const UINT64 Turn = gBoot->Trace.Turn;
+    const UINT64 Turn = gCurrentBoot->Trace.Turn;
     const GESTURE& Gesture = gSweep.Gestures[gSweep.At];
     const bool IsCopy = gSweep.LetterTurn != 0;
     if (Turn == Gesture.First && !IsCopy) {
@@ -171,7 +172,7 @@ VOID LookAtTurn()
         gSweep.Copies++;
         if (Split(&Told)) {
             gSweep.LetterTurn = Turn;
-            gBoot->Consoles.Press(0, static_cast<CHAR16>(Letter));
+            gCurrentBoot->Consoles.Press(0, static_cast<CHAR16>(Letter));
             return;
         }
         if (!Told.empty()) {

@@ -8,6 +8,7 @@
 #include <random>
 #include <vector>
 
+#include "platform/host/CurrentBoot.h"
 #include "platform/host/Session.h"
 #include "tests/console/Places.h"
 
@@ -49,8 +50,8 @@ struct SOAK {
 
 POOL_LOOK LookAtPool()
 {
-    POOL_LOOK Look = {.Turn = gBoot->Trace.Turn};
-    for (const POOL_BLOCK& Block : gBoot->Pool.Held(gBoot->Trace.Start)) {
+    POOL_LOOK Look = {.Turn = gCurrentBoot->Trace.Turn};
+    for (const POOL_BLOCK& Block : gCurrentBoot->Pool.Held(gCurrentBoot->Trace.Start)) {
         Look.Blocks++;
         Look.Bytes += Block.Size;
     }
@@ -60,7 +61,7 @@ POOL_LOOK LookAtPool()
 // A person who is everywhere, never rests and never leaves.
 VOID SOAK::Act()
 {
-    POINTER_STATE& Pointer = gBoot->Pointer.State;
+    POINTER_STATE& Pointer = gCurrentBoot->Pointer.State;
     switch (Draw(16)) {
     case 0:
     case 1:
@@ -80,18 +81,18 @@ VOID SOAK::Act()
         Pointer.Left ^= 1;
         break;
     case 7:
-        gBoot->Consoles.Press(0, u"fFdDcC\r"[Draw(7)]);
+        gCurrentBoot->Consoles.Press(0, u"fFdDcC\r"[Draw(7)]);
         break;
     case 8:
     case 9:
     case 10:
-        gBoot->Clock.Advance(200000);
+        gCurrentBoot->Clock.Advance(200000);
         break;
     case 11:
-        gBoot->Clock.Advance(Draw(5000000));
+        gCurrentBoot->Clock.Advance(Draw(5000000));
         break;
     default:
-        gBoot->Clock.Advance(Draw(60000));
+        gCurrentBoot->Clock.Advance(Draw(60000));
         break;
     }
 }
@@ -99,7 +100,7 @@ VOID SOAK::Act()
 VOID SOAK::Look()
 {
     Turns++;
-    if (gBoot->Trace.Turn >= (Seconds.size() + 1) * (TurnsWanted() / (gParts + 1))) {
+    if (gCurrentBoot->Trace.Turn >= (Seconds.size() + 1) * (TurnsWanted() / (gParts + 1))) {
         Seconds.push_back(ProcessorSeconds());
     }
     if (Turns == gFirstLook) {

@@ -9,7 +9,7 @@
 #include "platform/board/ConsoleDisplay.h"
 #include "platform/firmware/starter/Display.h"
 #include "platform/firmware/starter/Lookups.h"
-#include "platform/host/Boot.h"
+#include "platform/host/CurrentBoot.h"
 #include "uefi/LoadedImage.h"
 
 // Where the linker puts the image's code begins and ends.
@@ -65,7 +65,7 @@ EFI_GRAPHICS_OUTPUT_PROTOCOL_MODE gMode;
 EFI_STATUS QueryMode(GRAPHICS*, UINT32 Number, UINTN* Size, EFI_GRAPHICS_OUTPUT_MODE_INFORMATION** Information)
 {
     VOID* Block = nullptr;
-    if (Number >= std::size(gModes) || EfiError(gBoot->Pool.Allocate(sizeof(gModes[0]), nullptr, &Block))) {
+    if (Number >= std::size(gModes) || EfiError(gCurrentBoot->Pool.Allocate(sizeof(gModes[0]), nullptr, &Block))) {
         return EFI_INVALID_PARAMETER;
     }
     *Information = static_cast<EFI_GRAPHICS_OUTPUT_MODE_INFORMATION*>(Block);
@@ -143,7 +143,7 @@ EFI_STATUS StartImage(EFI_HANDLE, UINTN*, CHAR16**)
     VOID* Interface = nullptr;
     const EFI_STATUS Status =
         gStarted.Table->BootServices->LocateProtocol(&gEfiGraphicsOutputProtocolGuid, nullptr, &Interface);
-    gStarted.OthersFoundTheirs = EfiError(Status) || Interface == &gBoot->Protocols.GraphicsOutput;
+    gStarted.OthersFoundTheirs = EfiError(Status) || Interface == &gCurrentBoot->Protocols.GraphicsOutput;
     return RunImage(gStarted.HandsOverTheRecordsTable ? gStarted.Loaded.SystemTable : gStarted.Table);
 }
 
