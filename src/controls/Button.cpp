@@ -118,6 +118,7 @@ EFI_STATUS CreateButton(BTN_COMPONENT** ButtonOut, const EFI_GUID* FileGuid, UIN
     if (Button->CaptionStrip != nullptr) {
         CopyMem(Button->CaptionStrip, Button->Strip, gButtonFrameCount * Button->Rect.BufferSize);
         FirstFrame = Button->CaptionStrip;
+        ReleasePool(Button->Strip); // nothing shows it any more
     } else {
         REPORT("AllocatePool Fail (button caption)");
     }

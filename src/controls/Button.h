@@ -40,7 +40,8 @@ struct BUTTON_LISTENER {
 
 struct _BTN_COMPONENT {
     GUI_RECT Rect;
-    PIXEL* Strip;     // the picture: four frames, stacked from the top, cut at the screen's edge. Owned
+    // The picture: four frames, stacked from the top, cut at the screen's edge. Owned; null once CaptionStrip is there.
+    PIXEL* Strip;
     INT32 StripWidth; // as loaded
     INT32 StripHeight;
     PIXEL* CaptionStrip; // copy of Strip with the caption drawn into each frame; null if there was no pool. Owned

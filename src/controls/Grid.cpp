@@ -3,6 +3,7 @@
 #include "controls/Labels.h"
 #include "graphics/Artwork.h"
 #include "graphics/GraphicProtocol.h"
+#include "gui/core/GUICore.h"
 #include "support/Pool.h"
 
 namespace {
@@ -12,7 +13,7 @@ constexpr UINT8 gTintPercent = 20;
 constexpr UINT8 gFramePercent = 99; // the most that an overlay takes
 constexpr UINT8 gPanelByte = 0x24;  // every byte of gPanelColor
 
-// The pixels follow the record in the same block.
+// The pixels follow the record.
 struct SHARED_PICTURE {
     SHARED_PICTURE* Next;
     UINTN Users;
@@ -21,11 +22,37 @@ struct SHARED_PICTURE {
     UINT32 CellHeight;
     LINE_CHART_EXTENT Extent; // of a layer
     SHARED_PICTURE_KIND Kind;
+    bool InPool; // and not in Overlay
 };
 
 SHARED_PICTURE* gSharedPictures = nullptr;
 
 PIXEL* PixelsOf(SHARED_PICTURE* Shared) { return reinterpret_cast<PIXEL*>(Shared + 1); }
+
+// Of a record and its pixels.
+UINTN SizeOf(UINT32 Width, UINT32 Height)
+{
+    const UINTN Size = sizeof(SHARED_PICTURE) + static_cast<UINTN>(Width) * Height * sizeof(PIXEL);
+    return (Size + alignof(SHARED_PICTURE) - 1) / alignof(SHARED_PICTURE) * alignof(SHARED_PICTURE);
+}
+
+// The first room of that size in Overlay which meets no other picture; null if there is none.
+VOID* FindRoom(UINTN Size)
+{
+    if (gGuiCore == nullptr || gGuiCore->Overlay == nullptr) {
+        return nullptr;
+    }
+    UINT8* Room = reinterpret_cast<UINT8*>(gGuiCore->Overlay);
+    const UINT8* End = Room + static_cast<UINTN>(gScreenWidth) * gScreenHeight * sizeof(PIXEL);
+    for (SHARED_PICTURE* Shared = gSharedPictures; Shared != nullptr;) {
+        UINT8* First = reinterpret_cast<UINT8*>(Shared);
+        UINT8* Behind = First + SizeOf(Shared->Width, Shared->Height);
+        const bool Meet = Room < Behind && First < Room + Size;
+        Room = Meet ? Behind : Room;
+        Shared = Meet ? gSharedPictures : Shared->Next;
+    }
+    return Room + Size <= End ? Room : nullptr;
+}
 
 } // namespace
 
@@ -53,7 +80,9 @@ PIXEL* TakeSharedPicture(SHARED_PICTURE_KIND Kind, const GUI_RECT& Rect, UINT32 
             return PixelsOf(Shared);
         }
     }
-    SHARED_PICTURE* New = static_cast<SHARED_PICTURE*>(AllocatePool(sizeof(SHARED_PICTURE) + Rect.BufferSize));
+    const UINTN Size = SizeOf(Rect.Width, Rect.Height);
+    VOID* Room = FindRoom(Size);
+    auto* New = static_cast<SHARED_PICTURE*>(Room != nullptr ? Room : AllocatePool(Size));
     if (New == nullptr) {
         return nullptr;
     }
@@ -65,11 +94,12 @@ PIXEL* TakeSharedPicture(SHARED_PICTURE_KIND Kind, const GUI_RECT& Rect, UINT32 
         .CellHeight = CellHeight,
         .Extent = {1, static_cast<INT32>(Rect.Height)},
         .Kind = Kind,
+        .InPool = Room == nullptr,
     };
     gSharedPictures = New;
     if (Kind == SHARED_GRID) {
         PaintGridImage(PixelsOf(New), Rect.Width, Rect.Height, gGridCellWidth, CellHeight);
-    } else if (Kind == SHARED_PANEL) {
+    } else if (Kind == SHARED_PANEL || Kind == SHARED_CHART) {
         FillPixels(PixelsOf(New), Rect.BufferSize / sizeof(PIXEL), gPanelColor);
     }
     return PixelsOf(New);
@@ -83,7 +113,7 @@ VOID ReleaseSharedPicture(PIXEL*& Picture)
             Shared->Users--;
             if (Shared->Users == 0) {
                 *Link = Shared->Next;
-                FreePool(Shared);
+                FreePool(Shared->InPool ? Shared : nullptr);
             }
             break;
         }

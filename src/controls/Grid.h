@@ -1,9 +1,10 @@
 // What a slider and a drag-and-drop frame have in common: a grid of temperature columns and duty rows, its place on the
 // screen, its pictures, and the way in which both show a drag. The page's chart lies on the same rectangle.
 //
-// Grids of the console are of one size, and each has pages of its own. So what they need alike is held in the pool once
-// for all of them: the lines of the grid, the plain panel, and the two layers that a chart plots on before it composes
-// them. That is the larger part of what they would hold.
+// Grids of the console are of one size, and each has pages of its own. So what they need alike is held once for all of
+// them: the lines of the grid, the plain panel, the picture of a chart and the two layers that it plots on before it
+// composes them. That is the larger part of what they would hold. As far as it finds room there it lies in the core's
+// Overlay, which is 3 MB that nothing else uses, and else in the pool.
 #pragma once
 
 #include "graphics/Palette.h"
@@ -43,6 +44,7 @@ enum SHARED_PICTURE_KIND : UINT8 {
     SHARED_PANEL, // gPanelColor all over; read only
     SHARED_RPM_LAYER,
     SHARED_TEMPERATURE_LAYER,
+    SHARED_CHART, // what the last chart left there: each drawing begins with a whole ground
 };
 
 // The picture of that kind and of the rectangle's size, made if nobody has it yet; null without pool. CellHeight counts

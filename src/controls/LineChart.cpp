@@ -87,7 +87,7 @@ VOID FreeChart(LINE_CHART* Chart)
 {
     ReleaseSharedPicture(Chart->Rpm.Layer);
     ReleaseSharedPicture(Chart->Temperature.Layer);
-    FreePool(Chart->Pixels);
+    ReleaseSharedPicture(Chart->Pixels);
     FreePool(Chart->Rpm.Samples);
     FreePool(Chart->Temperature.Samples);
     FreePool(Chart->Rpm.Gradient);
@@ -105,7 +105,7 @@ bool BuildChart(LINE_CHART* Chart)
     Chart->BlendFactor = static_cast<UINT32>(Factor);
     Chart->BlendComplement =
         static_cast<UINT32>(gFloatMath->FloatSubtract(gFloatMath->IntToFloat(1), Chart->BlendFactor));
-    Chart->Pixels = AllocateWorkPicture(Chart->Rect);
+    Chart->Pixels = TakeSharedPicture(SHARED_CHART, Chart->Rect);
     if (Chart->Pixels == nullptr) {
         return false;
     }

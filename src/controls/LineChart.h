@@ -22,7 +22,7 @@ struct LINE_CHART_SERIES {
 };
 
 struct LINE_CHART {
-    PIXEL* Pixels;          // owned
+    PIXEL* Pixels;          // shared by all charts
     UINT32 BlendFactor;     // float word of 128 / 255
     UINT32 BlendComplement; // float word of 1 - BlendFactor
     GUI_RECT Rect;

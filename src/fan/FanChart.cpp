@@ -19,6 +19,10 @@ bool LayGround(const FAN_PAGE* Page, FAN_PAGE_LAYOUT Layout)
     const PIXEL* Picture = OnFrame ? Page->Frame.WorkImage : Page->Slider.Canvas;
     const GUI_RECT& Rect = OnFrame ? Page->Frame.Rect : Page->Slider.Rect;
     const LINE_CHART* Chart = Page->Chart;
+    if (Rect.Width < Chart->Rect.Width || Rect.Height < Chart->Rect.Height) {
+        // What a smaller control doesn't cover holds the last drawing, which may be another page's.
+        FillPixels(Chart->Pixels, static_cast<UINTN>(Chart->Rect.Width) * Chart->Rect.Height, gPanelColor);
+    }
     (void)OverlayBlt(Picture, static_cast<INT32>(Rect.Width), static_cast<INT32>(Rect.Height), Chart->Pixels,
                      Chart->Rect.Width, Chart->Rect.Height, 0, 0, nullptr, nullptr, 0);
     return true;

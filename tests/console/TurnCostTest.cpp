@@ -185,7 +185,7 @@ struct HOLDINGS {
     }
 };
 
-TEST(TurnCost, TheConsoleHoldsAtMost26MebibytesAtRestAndNeverMoreThan34)
+TEST(TurnCost, TheConsoleHoldsAtMost18MebibytesAtRestAndNeverMoreThan24)
 {
     const RUN Run = SceneWithPool().Turns(13).Key("esc").Play(); // turn 14 has no text, and is the last
     const HOLDINGS Holdings(Run);
@@ -199,8 +199,8 @@ TEST(TurnCost, TheConsoleHoldsAtMost26MebibytesAtRestAndNeverMoreThan34)
         }
     }
     EXPECT_GT(Rest, 12 * gMebibyte); // the old screen and the three surfaces alone
-    EXPECT_LE(Rest, 26 * gMebibyte);
-    EXPECT_LE(Peak, 34 * gMebibyte);
+    EXPECT_LE(Rest, 18 * gMebibyte);
+    EXPECT_LE(Peak, 24 * gMebibyte);
     RecordProperty("Rest", static_cast<int>(Rest));
     RecordProperty("Peak", static_cast<int>(Peak));
 }

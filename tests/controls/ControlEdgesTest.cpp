@@ -1,9 +1,12 @@
 // The edges of what the controls' headers promise that no board and no picture of ours leads to.
+#include <algorithm>
+
 #include "controls/DragDropFrame.h"
 #include "controls/Grid.h"
 #include "controls/Labels.h"
 #include "controls/LineChart.h"
 #include "shell/contract/Services.h"
+#include "support/Pool.h"
 #include "tests/gui/ToolkitBench.h"
 
 namespace {
@@ -53,6 +56,29 @@ TEST_F(CONTROL_EDGES, AMarkIsRefusedBeforeThePictureAndWithoutPixels)
             ASSERT_EQ(ColorOf(Pixel), 0u) << Mark.X << " " << Mark.Y << " " << Mark.Width << " " << Mark.Height;
         }
     }
+}
+
+TEST_F(CONTROL_EDGES, SharedPicturesLieApartInOverlayAndInThePoolWhereThatIsFull)
+{
+    const UINTN Held = Boot->Pool.Count();
+    const GUI_RECT Rect = PictureRect(gGridX, gGridY, 391, 241); // 376,924 bytes, of which 3 MB hold eight
+    std::vector<PIXEL*> Pictures;
+    for (UINT32 CellHeight = 2; CellHeight < 12; CellHeight++) {
+        Pictures.push_back(TakeSharedPicture(SHARED_GRID, Rect, CellHeight));
+    }
+    EXPECT_EQ(Boot->Pool.Count(), Held + 2);
+    ReleaseSharedPicture(Pictures[3]);
+    Pictures[3] = TakeSharedPicture(SHARED_GRID, Rect, 40); // into the gap
+    EXPECT_EQ(Boot->Pool.Count(), Held + 2);
+    for (UINT8 Number = 0; Number < Pictures.size(); Number++) {
+        SetMem(Pictures[Number], Rect.BufferSize, Number);
+    }
+    for (UINT8 Number = 0; Number < Pictures.size(); Number++) {
+        const auto* Bytes = reinterpret_cast<const UINT8*>(Pictures[Number]);
+        EXPECT_EQ(std::count(Bytes, Bytes + Rect.BufferSize, Number), static_cast<INT64>(Rect.BufferSize));
+        ReleaseSharedPicture(Pictures[Number]);
+    }
+    EXPECT_EQ(Boot->Pool.Count(), Held);
 }
 
 constexpr EFI_GUID gHistory = {1, 2, 3, {4}};

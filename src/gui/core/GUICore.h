@@ -85,7 +85,7 @@ struct GUI_CORE {
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* CursorSaveUnder; // what Screen holds where the cursor was last drawn
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Screen;          // the full picture without the cursor
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Background;      // the clean picture from which things are erased
-    EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Overlay;         // as large as Screen; nobody uses it
+    EFI_GRAPHICS_OUTPUT_BLT_PIXEL* Overlay;         // as large as Screen; what grids share lies there
     EFI_GRAPHICS_OUTPUT_BLT_PIXEL* CursorBlend;     // screen and cursor laid together, the block that goes to the video
     UINT64 CursorClipHeight;                        // cursor height after clipping at row 768
     UINT64 CursorClipWidth;                         // cursor width after clipping at column 1024
