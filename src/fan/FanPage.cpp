@@ -436,6 +436,40 @@ VOID CreateFanPages()
     }
 }
 
+VOID DestroyFanPages()
+{
+    for (FAN_PAGE& Page : gFanPage) {
+        (void)DestroyDragDropFrame(&Page.Frame);
+    }
+    for (FAN_PAGE& Page : gFanPage) {
+        (void)DestroySlider(&Page.Slider);
+    }
+    for (FAN_PAGE& Page : gFanPage) {
+        (void)DestroyLineChart(Page.Chart);
+        Page.Chart = nullptr;
+    }
+    for (CHECK_BOX_COMPONENT*& Radio : gTemperatureRadio) {
+        (void)DestroyCheckBox(Radio);
+        Radio = nullptr;
+    }
+    for (FAN_PAGE& Page : gFanPage) {
+        (void)DestroyCheckBox(Page.CheckBox);
+        Page.CheckBox = nullptr;
+    }
+    (void)DestroyPageBar(gFanPageBar);
+    gFanPageBar = nullptr;
+    (void)DestroyPageBar(gTemperaturePageBar);
+    gTemperaturePageBar = nullptr;
+}
+
+VOID DestroyFanTabs()
+{
+    for (FAN_PAGE& Page : gFanPage) {
+        DestroyButton(Page.Tab);
+        Page.Tab = nullptr;
+    }
+}
+
 FAN_PAGE* FindFanPage(UINT8 ItemId)
 {
     if (ItemId < gFirstFanItem || ItemId >= gFirstFanItem + gFanItemCount) {

@@ -85,6 +85,11 @@ VOID FreeReadoutBackdrops();
 // no result of what it calls and never stops half way.
 VOID CreateFanPages();
 
+// All of it again, by kind and in a fixed order; the charts store their histories. The tabs have a function of their own,
+// since the command buttons go before them.
+VOID DestroyFanPages();
+VOID DestroyFanTabs();
+
 // True when the frame, or the slider, was built to its end: both take their component's id last, and 0 is no control's.
 inline bool PageHasFrame(const FAN_PAGE* Page) { return Page->Frame.Id != 0; }
 inline bool PageHasSlider(const FAN_PAGE* Page) { return Page->Slider.FrameId != 0; }

@@ -1,28 +1,17 @@
 #include "shell/Main.h"
 
-#include "controls/CheckBox.h"
 #include "controls/DragDropFrame.h"
-#include "controls/LineChart.h"
 #include "controls/Slider.h"
 #include "fan/FanChart.h"
 #include "fan/FanLegend.h"
-#include "fan/FanOutline.h"
-#include "fan/FanPage.h"
-#include "graphics/GraphicProtocol.h"
-#include "gui/PageBar.h"
 #include "gui/PointerEngine.h"
-#include "gui/core/Listeners.h"
 #include "monitor/AllFans.h"
-#include "monitor/Captions.h"
 #include "monitor/InformationPages.h"
 #include "monitor/Readouts.h"
 #include "monitor/ScaleHighlights.h"
-#include "monitor/Scales.h"
 #include "shell/contract/Board.h"
-#include "shell/CommandButtons.h"
 #include "shell/CommandLine.h"
-#include "shell/FirstScreen.h"
-#include "shell/Ventaraframe.h"
+#include "shell/Stages.h"
 #include "support/Pool.h"
 #include "support/Shell.h"
 #include "uefi/Hii.h"
@@ -45,8 +34,6 @@ EFI_EVENT gWaitArray[gTimerCount] = {};
 UINTN gEventCount = 0; // events of a wait, and the loop's running flag: the loop ends when it is 0
 UINTN gEventIndex = 0;
 
-constexpr UINTN gLastStall = 300000; // microseconds: the last picture stands a moment before the firmware goes on
-
 VOID CreateTimers()
 {
     for (UINTN Index = 0; gTimerPeriods[Index] != 0; Index++) {
@@ -67,46 +54,6 @@ VOID CloseTimers()
             gEvents[Index] = nullptr;
         }
     }
-}
-
-VOID AddScaleListeners()
-{
-    AddDragDropListener(PaintScalesIdle, L_HOLD_TO_RELEASE);
-    AddDragDropListener(PaintScalesActive, L_HOLD);
-    AddSliderListener(PaintScalesIdle, L_HOLD_TO_RELEASE);
-    AddSliderListener(PaintScalesActive, L_HOLD);
-    AddDragDropListener(PaintCaptionsIdle, L_HOLD_TO_RELEASE);
-    AddDragDropListener(PaintCaptionsActive, L_HOLD);
-    AddSliderListener(PaintCaptionsIdle, L_HOLD_TO_RELEASE);
-    AddSliderListener(PaintCaptionsActive, L_HOLD);
-}
-
-// Everything up to the first turn of the loop, in its fixed order.
-VOID StartConsole()
-{
-    CreateTimers();
-    CreateScreenFrame(&gArtworkFileGuid);
-    PasteScreenFrame();
-    LoadReadoutBackdrops();
-    LoadSettingsAndCapabilities();
-    CreateCommandButtons();
-    CreateScaleFonts();
-    AddScaleListeners();
-    LoadCaptions();
-    CreateVoltageGauges();
-    CreateFanPages();
-    FreeScreenFrame();
-    ClearPanel();
-    (void)gGraphicsOutput->Blt(gGraphicsOutput, gGuiCore->Screen, EfiBltBufferToVideo, 0, 0, 0, 0, gScreenWidth,
-                               gScreenHeight, 0);
-    CopyMem(gGuiCore->Background, gGuiCore->Screen, gScreenBytes);
-    PaintFirstScreen();
-
-    gGuiCore->TimerPeriod = 0;
-    gGuiCore->PressDuration = 0;
-    gGuiCore->StartTicks = 0;
-    (void)gCpuArch->GetTimerValue(gCpuArch, 0, &gGuiCore->StartTicks, &gGuiCore->TimerPeriod);
-    gGuiCore->LastTicks = gGuiCore->StartTicks;
 }
 
 VOID OnTick()
@@ -175,61 +122,6 @@ VOID TakeTurn()
     }
 }
 
-VOID DestroyFanControls()
-{
-    for (FAN_PAGE& Page : gFanPage) {
-        if (Page.ItemId >= 4 && Page.ItemId <= 8) {
-            (void)DestroyDragDropFrame(&Page.Frame);
-        }
-    }
-    for (FAN_PAGE& Page : gFanPage) {
-        if (Page.ItemId >= 5) {
-            (void)DestroySlider(&Page.Slider);
-        }
-    }
-    for (FAN_PAGE& Page : gFanPage) {
-        (void)DestroyLineChart(Page.Chart);
-        Page.Chart = nullptr;
-    }
-    for (CHECK_BOX_COMPONENT*& Radio : gTemperatureRadio) {
-        (void)DestroyCheckBox(Radio);
-        Radio = nullptr;
-    }
-    for (FAN_PAGE& Page : gFanPage) {
-        (void)DestroyCheckBox(Page.CheckBox);
-        Page.CheckBox = nullptr;
-    }
-    (void)DestroyPageBar(gFanPageBar);
-    gFanPageBar = nullptr;
-    (void)DestroyPageBar(gTemperaturePageBar);
-    gTemperaturePageBar = nullptr;
-    DestroyCommandButtons();
-    for (FAN_PAGE& Page : gFanPage) {
-        DestroyButton(Page.Tab);
-        Page.Tab = nullptr;
-    }
-}
-
-VOID StopConsole()
-{
-    CloseTimers();
-    DestroyVoltageGauges();
-    DestroyFanControls();
-    DestroyScaleFonts();
-    FreeFanLegend();
-    FreeCaptions();
-    FreeReadoutBackdrops();
-    FreePanelTitle();
-    if (gShellConsole && gST->ConOut != nullptr) {
-        (void)gST->ConOut->ClearScreen(gST->ConOut);
-    }
-    CloseShellInterface();
-    StoreSettings();
-    (void)DestroyGuiCore();
-    ReleasePool(gSavedScreen);
-    (void)gBS->Stall(gLastStall);
-}
-
 } // namespace
 
 extern "C" EFI_STATUS _ModuleEntryPoint(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable)
@@ -281,10 +173,12 @@ EFI_STATUS MonitorMain(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* SystemTable)
         ReleasePool(gSavedScreen);
         return EFI_PROTOCOL_ERROR;
     }
+    CreateTimers();
     StartConsole();
     while (gEventCount != 0) {
         TakeTurn();
     }
+    CloseTimers();
     StopConsole();
     return EFI_SUCCESS;
 }

@@ -1,6 +1,5 @@
-// The application: entry point, start-up, the loop that runs until the user leaves, and the teardown. But for
-// the empty panel and the sending of the first picture, what is drawn and what a fan gets is the other units' business: this
-// one calls them in a fixed order, and that order is its contract.
+// The application: entry point and the loop that runs until the user leaves. What a turn does is the other units' business:
+// this one calls them in a fixed order, and that order is its contract.
 #pragma once
 
 #include "uefi/SystemTable.h"
