@@ -10,7 +10,7 @@ from PIL import Image
 
 import boot_case  # and with it the way to tools/
 from boot_case import BootCase, FIRMWARE, READOUTS, ROOT, SECOND_TAB, differ, keep, shows_other_page
-from console_screen import EXIT, HOSTED, LIVE, SIMULATED, see_console
+from console_screen import EXIT, HOSTED, LIVE, SIMULATED, UNTOUCHED, see_console
 from machine import Machine, difference, part
 import qemu
 import tour
@@ -20,6 +20,7 @@ ABOUT_BOX = (300, 240, 60, 137)  # the left of the About page's box: of the char
 CHECK_BOX = (289, 234, 6, 14)    # the left of the box of the first page; the pointer's tip stands beside it
 CHART = (300, 258, 474, 250)     # a walk of other length leaves other curves in the chart
 HELP_TEXT = (315, 175, 370, 85)
+LEGEND = (836, 250, 120, 130)    # the list of nodes beside the chart
 SCALES = ((330, 260, 45, 250), (380, 520, 400, 20))  # text beside a chart with a node or thumb in hand
 DROPPED_NODE = (599, 300, 14, 14)                    # where the tour drops it, above all curves
 SHELL_TEXT = (240, 105)  # where the shell's text begins: 100 columns by 31 rows in the middle of 1280 by 800
@@ -182,6 +183,32 @@ class OtherMice(BootCase):
                 machine.command("device_add", driver="usb-mouse", id="pointer")
                 machine.wait_for("ventara: USB mouse")
             self.assertEqual(machine.click(*EXIT, says="ventara: returned "), "Success")
+
+
+class ByKeys(BootCase):
+    def test_a_node_is_dragged_without_a_mouse(self):
+        moved = self.hosted_picture((*UNTOUCHED, "hand tab 2", "hand grab", "hand right", "hand up", "tick 2", "hand grab",
+                                     "turn 3", "tick 20"))
+        for pointer, keyboard in (("none", "usb"), ("ps2", "ps2")):
+            with self.subTest(keyboard), Machine(self.make_image(), pointer=pointer, keyboard=keyboard) as machine:
+                first = see_console(machine, self.hosted_picture())
+                # From the middle of the screen to the nearest node, on to the next, to and fro.
+                for stroke, place in ((["tab"], "487 397"), (["tab"], "577 337"), (["shift", "tab"], "487 397"),
+                                      (["shift", "right"], "488 397"), (["tab"], "577 337")):
+                    machine.key(*stroke)
+                    machine.wait_for(f"ventara: pointer {place}\n")
+                self.assertFalse(differ(machine.look(), first, LEGEND))
+                for stroke, place in (("g", None), ("right", "607 337"), ("up", "607 307"), ("g", None)):
+                    machine.key(stroke)
+                    if place:
+                        machine.wait_for(f"ventara: pointer {place}\n")
+                keep(machine.look_until(lambda now: not differ(now, moved, LEGEND) and differ(now, first, LEGEND),
+                                        what="the node's new place in the list"), f"keys-{keyboard}")
+                machine.key("tab")  # from the node to the next one, and so to the temperatures
+                machine.key("tab")
+                machine.wait_for("ventara: pointer 108 312\n")
+                machine.key("esc")
+                self.assertEqual(machine.wait_for("ventara: returned "), "Success")
 
 
 class Displays(BootCase):
