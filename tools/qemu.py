@@ -64,9 +64,10 @@ def find_firmware():
 
 
 def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", keyboard="ps2", graphics="std",
-                   network="none", secure_boot=False, more_images=(), trace=()):
+                   network="none", secure_boot=False, more_images=(), trace=(), keep=False):
     """The command line up to what shows the display. folder takes the copied variable store and the logs; more_images are
-    disks behind the first, and trace names events that go into trace.log."""
+    disks behind the first, and trace names events that go into trace.log. With keep, what is written to the disks stays in
+    their images."""
     code, variables = SECURE_BOOT_PAIR if secure_boot else find_firmware()
     store = os.path.join(folder, "variables.fd")
     shutil.copyfile(variables, store)
@@ -83,7 +84,7 @@ def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", key
         "-drive", f"if=pflash,format=raw,unit=0,readonly=on,file={code}",
         "-drive", f"if=pflash,format=raw,unit=1,file={store}",
         *(argument for disk in (image, *more_images)
-          for argument in ("-drive", f"if=ide,format=raw,snapshot=on,file={disk}")),
+          for argument in ("-drive", f"if=ide,format=raw,snapshot={'off' if keep else 'on'},file={disk}")),
         "-debugcon", f"file:{os.path.join(folder, 'debug.log')}", "-global", "isa-debugcon.iobase=0x402",
         "-serial", f"file:{os.path.join(folder, 'serial.log')}",
         "-qmp", f"unix:{os.path.join(folder, 'qmp.sock')},server=on,wait=off",

@@ -10,6 +10,7 @@
 #include "platform/board/Lines.h"
 #include "platform/board/MessageBox.h"
 #include "platform/board/TabStops.h"
+#include "platform/board/TakeHome.h"
 
 namespace {
 
@@ -39,6 +40,7 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
     UseHardware(Options->Board, Options->Microseconds, Options->Refused, gServices);
     UsePointerSource(Options->Pointer, Options->Microseconds);
     UseTabStops(Options->Board, SystemTable->RuntimeServices);
+    UseTakeHome(SystemTable, Options->Board, Options->Home);
     UseMessageBoxServices(gServices);
     UseArtworkPool(gServices);
     UseArtworkPack(Options->ArtworkPack, Options->ArtworkPackSize);
@@ -75,6 +77,7 @@ EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle)
     ResetArtwork();
     UsePointerSource(nullptr, nullptr);
     UseTabStops(nullptr, nullptr);
+    UseTakeHome(nullptr, nullptr, nullptr);
     UseMessageBoxServices(nullptr);
     gServices = nullptr;
     return EFI_SUCCESS;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "platform/board/BoardSource.h"
+#include "platform/board/ReportText.h"
 #include "uefi/SystemTable.h"
 
 // Where the pointer comes from. Read gives the position and the buttons as they are now; the cursor service clamps the
@@ -19,6 +20,13 @@ struct POINTER_SOURCE {
     VOID (*Place)(POINTER_SOURCE* This, INT64 X, INT64 Y);
 };
 
+// Where F12 takes a picture and a report to; see TakeHome.h.
+struct TAKE_HOME {
+    EFI_HANDLE Volume;                     // has the simple file system protocol; null: nowhere
+    VOID (*Describe)(REPORT_TEXT* Report); // adds what only the machine's own side knows; may be null
+    VOID (*Told)(const CHAR16* Words);     // in a sentence what was written, or why not
+};
+
 struct BOARD_OPTIONS {
     BOARD_SOURCE* Board;      // owned by the caller, outlives the services
     UINT8 Generation;         // what GetFirmwareGeneration answers
@@ -28,6 +36,7 @@ struct BOARD_OPTIONS {
     UINTN ArtworkPackSize;
     // Told of each record that is refused because it breaks the contract, and why; may be null.
     VOID (*Refused)(UINT8 FanItem, const CHAR8* Fault);
+    const TAKE_HOME* Home; // null: F12 does nothing; copied
 };
 
 // Installs every board service on a new handle. EFI_INVALID_PARAMETER without a board or for a damaged pack.

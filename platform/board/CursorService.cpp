@@ -2,6 +2,7 @@
 
 #include "platform/board/Hand.h"
 #include "platform/board/TabStops.h"
+#include "platform/board/TakeHome.h"
 
 namespace {
 
@@ -29,8 +30,11 @@ EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Righ
     if (gSource != nullptr) {
         gSource->Read(gSource, &Pointer.X, &Pointer.Y, &Pointer.Left, &NowRight);
         const UINT64 Now = gMicroseconds();
-        MoveHand(&Pointer, gSource, gLimitWidth, gLimitHeight, Now);
+        const bool Picture = MoveHand(&Pointer, gSource, gLimitWidth, gLimitHeight, Now);
         NotePointer(Pointer.X, Pointer.Y, Pointer.Left, Now);
+        if (Picture) {
+            TakeHome();
+        }
     }
     *X = ClampTo(Pointer.X, gLimitWidth);
     *Y = ClampTo(Pointer.Y, gLimitHeight);

@@ -35,7 +35,8 @@ struct HAND {
     INT64 OutY;
     HAND_KEY LastKey;
     UINT64 LastAt;
-    UINTN Row; // strokes of LastKey in a row
+    UINTN Row;    // strokes of LastKey in a row
+    bool Picture; // is to be taken
 };
 HAND gHand;
 
@@ -148,6 +149,10 @@ bool TakeStrokes(UINTN Width, UINTN Height, UINT64 Now)
             gHand.Waits = gReadsAfterClick;
             return true;
         }
+        if (Key == HAND_PICTURE) {
+            gHand.Picture = true;
+            continue;
+        }
         if (Key == HAND_GRAB) {
             TakeHold(Now);
             gHand.Waits = gReadsAfterHold;
@@ -176,7 +181,7 @@ VOID PressHand(HAND_KEY Key)
     }
 }
 
-VOID MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN Height, UINT64 Now)
+bool MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN Height, UINT64 Now)
 {
     HAND& Hand = gHand;
     if (!Hand.Reading) {
@@ -194,6 +199,7 @@ VOID MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN 
         Hand.InBox = false;
     }
     Hand.Reading = true;
+    Hand.Picture = false;
     Hand.SourceX = Pointer->X;
     Hand.SourceY = Pointer->Y;
     if (Pointer->Left != 0 && Hand.SourceLeft == 0) {
@@ -215,6 +221,7 @@ VOID MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN 
     Pointer->X = Hand.X;
     Pointer->Y = Hand.Y;
     Pointer->Left = Hand.SourceLeft != 0 || Hand.Holding || Down ? 1 : 0;
+    return Hand.Picture;
 }
 
 VOID ResetHand() { gHand = {}; }

@@ -3,7 +3,7 @@
 // Arrows go 10 pixels, 30 from the fifth stroke in a row on, and 1 with Shift. Tab and Shift+Tab jump to the next place
 // that answers a press, from beside all of them to the nearest (TabStops.h); when a message box closes, the pointer goes
 // back to where Tab took it from. Space clicks. G takes hold, and lets go when it is pressed again; with a node or a thumb
-// in hand an arrow goes one cell of the grid.
+// in hand an arrow goes one cell of the grid. F12 takes a picture (TakeHome.h).
 //
 // The mouse and the hand share one pointer. It is the mouse's again as soon as the mouse moves, and a press of its button
 // ends what G holds.
@@ -24,6 +24,7 @@ enum HAND_KEY : UINT8 {
     HAND_BACK,
     HAND_CLICK,
     HAND_GRAB,
+    HAND_PICTURE,
 };
 
 struct HAND_POINTER {
@@ -36,7 +37,8 @@ struct HAND_POINTER {
 // theirs. Beyond some 250 that wait, strokes are lost.
 VOID PressHand(HAND_KEY Key);
 // One read of the pointer: takes what the source says, and leaves in it what the console is to see. The first one after
-// ResetHand drops the strokes that came before it: they were meant for something else. Now in microseconds.
-VOID MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN Height, UINT64 Now);
+// ResetHand drops the strokes that came before it: they were meant for something else. Now in microseconds. True when a
+// picture is to be taken.
+bool MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN Height, UINT64 Now);
 // A console is gone, or comes.
 VOID ResetHand();

@@ -16,6 +16,7 @@ constexpr HAND_STROKE gHandStrokes[] = {
     {{SCAN_UP, 0}, HAND_UP, HAND_UP_FINE},         {{SCAN_DOWN, 0}, HAND_DOWN, HAND_DOWN_FINE},
     {{SCAN_NULL, CHAR_TAB}, HAND_NEXT, HAND_BACK}, {{SCAN_NULL, u' '}, HAND_CLICK, HAND_CLICK},
     {{SCAN_NULL, u'g'}, HAND_GRAB, HAND_GRAB},     {{SCAN_NULL, u'G'}, HAND_GRAB, HAND_GRAB},
+    {{SCAN_F12, 0}, HAND_PICTURE, HAND_PICTURE},
 };
 constexpr UINTN gHandStrokeCount = sizeof(gHandStrokes) / sizeof(gHandStrokes[0]);
 

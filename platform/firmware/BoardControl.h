@@ -1,5 +1,5 @@
-// What the board driver tells whoever started it, beside the board's services: what it found, and the word that the fans
-// may be set.
+// What the board driver tells whoever started it, beside the board's services: what it found, the word that the fans may
+// be set, and what F12 has come to.
 #pragma once
 
 #include "platform/board/chips/ChipBoard.h"
@@ -10,4 +10,5 @@ struct BOARD_CONTROL {
     const CHIP_REPORT* Report;
     BOOLEAN Simulated;                  // there was nothing to read: the numbers are invented, and no fan is anybody's
     VOID (*AllowFans)(BOOLEAN Allowed); // see AllowChipFans; nobody's are allowed at the start
+    const CHAR16* TakenHome;            // of the last F12 since the driver was loaded, in a sentence; empty before it
 };

@@ -1,5 +1,6 @@
 #include "platform/host/Boot.h"
 
+#include <cstdio>
 #include <cstdlib>
 
 #include "platform/board/ArtworkPack.h"
@@ -7,6 +8,7 @@
 #include "platform/board/SimulatedBoard.h"
 #include "platform/host/CurrentBoot.h"
 #include "platform/host/FirmwareTables.h"
+#include "platform/host/HostText.h"
 #include "uefi/LoadedImage.h"
 
 BOOT* gCurrentBoot = nullptr;
@@ -35,11 +37,20 @@ VOID PlacePointer(POINTER_SOURCE* This, INT64 X, INT64 Y)
     State.Y = Y;
 }
 
+VOID ToldHome(const CHAR16* Words)
+{
+    const std::string Line = ToUtf8(Words);
+    gCurrentBoot->TakenHome += Line + "\n";
+    if (gCurrentBoot->Consoles.Echo) {
+        std::fprintf(stderr, "ventara: %s\n", Line.c_str());
+    }
+}
+
 } // namespace
 
 BOOT::BOOT(const BOOT_OPTIONS& Options)
     : Clock(Options.VirtualClock), Pool(&Complaints), Events(&Clock, &Complaints), Display(Options.Panel),
-      MonotonicCount(Options.CountAtStart), mOptions(Options)
+      Volume(Options.Folder), MonotonicCount(Options.CountAtStart), mOptions(Options)
 {
     if (gCurrentBoot != nullptr) {
         std::abort(); // the tables' functions could only serve one of the two
@@ -120,6 +131,9 @@ EFI_STATUS BOOT::InstallBoard()
     Wanted.Pointer = &Pointer.Source;
     Wanted.ArtworkPack = mOptions.ArtworkPack;
     Wanted.ArtworkPackSize = mOptions.ArtworkPackSize;
+    TAKE_HOME Home = {.Volume = nullptr, .Describe = nullptr, .Told = ToldHome};
+    (void)Handles.Install(&Home.Volume, &gEfiSimpleFileSystemProtocolGuid, &Volume.FileSystem);
+    Wanted.Home = &Home;
     return InstallBoardServices(&FirmwareTable, &Wanted, &mBoardHandle);
 }
 

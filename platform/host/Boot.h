@@ -26,6 +26,7 @@
 #include "platform/host/Display.h"
 #include "platform/host/Events.h"
 #include "platform/host/FirmwareProtocols.h"
+#include "platform/host/Folder.h"
 #include "platform/host/Handles.h"
 #include "platform/host/Machine.h"
 #include "platform/host/Pool.h"
@@ -47,6 +48,7 @@ struct BOOT_OPTIONS {
     UINT64 TimerPeriod = 1000000;   // femtoseconds of one of its ticks
     UINT64 CountAtStart = 0;        // and the monotonic count
     bool RoomyTextPictures = false; // see platform/board/TextService.h
+    std::string Folder = ".";       // the volume that F12 writes to
     PANEL Panel = {};               // the display; the console sees 1024 by 768 whatever it is
 };
 
@@ -77,6 +79,8 @@ struct BOOT {
     TRACE Trace;
     CROSSING Crossing;
     FIRMWARE_PROTOCOLS Protocols;
+    FOLDER Volume;
+    std::string TakenHome; // what became of F12, a line each time
     CONSOLE_TABLES Console;
 
     EFI_SYSTEM_TABLE FirmwareTable;

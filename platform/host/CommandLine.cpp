@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/board/SimulatedBoard.h"
+#include "platform/board/Version.h"
 
 namespace {
 
@@ -262,4 +263,4 @@ std::string DescribeOptions()
     return Text;
 }
 
-std::string DescribeVersion() { return "ventara 0.9.0\n"; }
+std::string DescribeVersion() { return std::string("ventara ") + gVentaraVersion + "\n"; }

@@ -163,7 +163,7 @@ const char* ParseHand(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)
         return ParseCount(Arguments, &Command.Count) && Command.Count <= gMostStrokes ? nullptr
                                                                                       : "a count from 1 to 99";
     }
-    return "left, right, up, down, each also behind 'shift', tab, back, space or grab";
+    return "left, right, up, down, each also behind 'shift', tab, back, space, grab or picture";
 }
 
 const char* ParseRepeat(ARGUMENTS& Arguments, SCRIPT_COMMAND& Command)

@@ -78,6 +78,7 @@ constexpr HAND_NAME gHandNames[] = {
     {"back", {SCAN_NULL, CHAR_TAB}, gShiftPressed, false},
     {"space", {SCAN_NULL, u' '}, 0, false},
     {"grab", {SCAN_NULL, u'g'}, 0, false},
+    {"picture", {SCAN_F12, 0}, 0, false},
 };
 
 struct SCRIPT {

@@ -124,6 +124,7 @@ bool SESSION::SwitchOn(const CARRIED* Before)
     Machine.Panel = Options.Panel;
     Machine.VirtualClock = Options.Script.has_value();
     Machine.WithNetwork = Options.WithNetwork;
+    Machine.Folder = Options.Folder;
     Machine.EchoConsoles = Options.EchoConsoles;
     Machine.TimerAtStart = Options.TimerAtStart;
     Machine.TimerPeriod = Options.TimerPeriod;
@@ -255,6 +256,7 @@ VOID SESSION::CollectFromBoot()
 {
     Result.OutputText += Boot->Consoles.OutputText;
     Result.ErrorText += Boot->Consoles.ErrorText;
+    Result.TakenHome += Boot->TakenHome;
     if (Options.KeepDisplay) {
         Boot->SettleDisplay();
         Result.Display = Boot->Display.TakeWords();

@@ -24,6 +24,7 @@ struct SESSION_OPTIONS {
     UINT8 Generation = 0;
     PANEL Panel = {}; // the display, where it isn't the ordinary one; pictures are of its size then
     bool WithNetwork = false;
+    std::string Folder = "."; // where F12 writes its files
 
     std::optional<std::string> Script; // the text; a script makes the clock virtual
     std::string ScriptName = "script"; // as it stands in messages
@@ -82,6 +83,7 @@ struct SESSION_RESULT {
     std::vector<std::string> Trace;          // when KeepTrace
     std::string OutputText;                  // what ConOut got
     std::string ErrorText;                   // what StdErr got
+    std::string TakenHome;                   // what became of F12, a line each time
     std::map<std::string, PICTURE> Pictures; // the script's screenshots, when KeepPictures
     PICTURE Display;                         // what the display showed at the end, when KeepDisplay
     std::vector<SESSION_LEAK> Leaks;         // pool that a start left behind

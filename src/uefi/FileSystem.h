@@ -1,4 +1,4 @@
-// Simple file system and file protocols, as far as reading a file needs them.
+// Simple file system and file protocols, as far as reading and writing a whole file needs them.
 #pragma once
 
 #include "uefi/Base.h"
@@ -9,6 +9,8 @@ constexpr EFI_GUID gEfiFileInfoGuid = {
     0x09576E92, 0x6D3F, 0x11D2, {0x8E, 0x39, 0x00, 0xA0, 0xC9, 0x69, 0x72, 0x3B}};
 
 constexpr UINT64 EFI_FILE_MODE_READ = 1;
+constexpr UINT64 EFI_FILE_MODE_WRITE = 2;
+constexpr UINT64 EFI_FILE_MODE_CREATE = 0x8000000000000000;
 
 // What GetInfo gives under gEfiFileInfoGuid; the name follows the fixed part.
 struct EFI_FILE_INFO {
@@ -27,16 +29,16 @@ struct EFI_FILE_PROTOCOL {
     EFI_STATUS (*Open)(EFI_FILE_PROTOCOL* This, EFI_FILE_PROTOCOL** NewHandle, const CHAR16* FileName, UINT64 OpenMode,
                        UINT64 Attributes);
     EFI_STATUS (*Close)(EFI_FILE_PROTOCOL* This);
-    VOID* Delete;
+    EFI_STATUS (*Delete)(EFI_FILE_PROTOCOL* This); // closes it as well, even where it fails
     EFI_STATUS (*Read)(EFI_FILE_PROTOCOL* This, UINTN* BufferSize, VOID* Buffer);
-    VOID* Write;
+    EFI_STATUS (*Write)(EFI_FILE_PROTOCOL* This, UINTN* BufferSize, const VOID* Buffer);
     VOID* GetPosition;
     VOID* SetPosition;
     EFI_STATUS (*GetInfo)(EFI_FILE_PROTOCOL* This, const EFI_GUID* InformationType, UINTN* BufferSize, VOID* Buffer);
     VOID* SetInfo;
-    VOID* Flush;
+    EFI_STATUS (*Flush)(EFI_FILE_PROTOCOL* This);
 };
-static_assert(offsetof(EFI_FILE_PROTOCOL, Read) == 32 && offsetof(EFI_FILE_PROTOCOL, GetInfo) == 64);
+static_assert(sizeof(EFI_FILE_PROTOCOL) == 11 * 8 && offsetof(EFI_FILE_PROTOCOL, Read) == 32 && offsetof(EFI_FILE_PROTOCOL, GetInfo) == 64);
 
 struct EFI_SIMPLE_FILE_SYSTEM_PROTOCOL {
     UINT64 Revision;

@@ -9,6 +9,7 @@ import time
 from PIL import Image
 
 import boot_case  # and with it the way to tools/
+import image
 from boot_case import BootCase, FIRMWARE, READOUTS, ROOT, SECOND_TAB, differ, keep, shows_other_page
 from console_screen import EXIT, HOSTED, LIVE, SIMULATED, UNTOUCHED, see_console
 from machine import Machine, difference, part
@@ -209,6 +210,35 @@ class ByKeys(BootCase):
                 machine.wait_for("ventara: pointer 108 312\n")
                 machine.key("esc")
                 self.assertEqual(machine.wait_for("ventara: returned "), "Success")
+
+
+class TakingHome(BootCase):
+    def test_f12_leaves_a_picture_and_a_report_on_the_volume_or_says_why_not(self):
+        filler = os.path.join(self.folder, "filler")
+        with open(filler, "wb") as file:
+            file.truncate((image.PARTITION_SECTORS - 8192) * image.SECTOR)  # and there is no room for two pictures
+        for extra, words in (((), "ventara-002.png and ventara-002.txt were written."),
+                             (((filler, "filler"),), "Only ventara-002.txt was written, no picture: the volume is full.")):
+            disk = self.make_image(extra=extra)
+            with self.subTest(words), Machine(disk, pointer="none", keyboard="usb", keep=True) as machine:
+                shown = see_console(machine, self.hosted_picture())
+                for _ in range(2):
+                    machine.key("f12")
+                    machine.wait_for("ventara: taken home")
+                machine.key("esc")
+                machine.wait_for(f"ventara: | F12: {words}")
+                machine.wait_for("ventara: menu")
+                keep(machine.look(), "menu-f12")
+            self.assertIn(b"Sensors and fans", self.read_file(disk, "ventara-002.txt"))
+            picture = os.path.join(self.folder, "home.png")
+            with open(picture, "wb") as file:
+                file.write(self.read_file(disk, "ventara-001.png"))
+            with Image.open(picture) as home:
+                self.assertIsNone(difference(home.convert("RGB"), shown, LIVE))
+
+    def read_file(self, disk, name):
+        volume = f"{disk}@@{image.SECTOR * image.PARTITION_START}"
+        return subprocess.run(["mtype", "-i", volume, f"::{name}"], check=True, capture_output=True).stdout
 
 
 class Displays(BootCase):

@@ -27,7 +27,7 @@ BOARD_WISHES gWishes;
 const CHAR16* (*gSimulationName)(BOARD_SOURCE* This, UINT8 Item);
 
 VOID AllowFans(BOOLEAN Allowed);
-BOARD_CONTROL gControl = {.Report = &gFound, .Simulated = 0, .AllowFans = AllowFans};
+BOARD_CONTROL gControl = {.Report = &gFound, .Simulated = 0, .AllowFans = AllowFans, .TakenHome = u""};
 
 VOID AllowFans(BOOLEAN Allowed)
 {
@@ -47,16 +47,39 @@ VOID ReportRefusal(UINT8 FanItem, const CHAR8* Fault)
     Report("\n");
 }
 
-// The user's file on the volume that the driver came from; with the starter's, where the firmware doesn't tell it. An
-// empty one where there is none.
-FILE_BYTES ReadWishesFile(EFI_BOOT_SERVICES* Boot, const EFI_LOADED_IMAGE_PROTOCOL* Image)
+// The volume that the driver came from; the starter's, where the firmware doesn't tell it. Null for none.
+EFI_HANDLE FindVolume(EFI_BOOT_SERVICES* Boot, const EFI_LOADED_IMAGE_PROTOCOL* Image)
 {
-    EFI_HANDLE Volume = Image->DeviceHandle;
     VOID* Interface = nullptr;
-    if (Volume == nullptr && Image->ParentHandle != nullptr &&
+    if (Image->DeviceHandle == nullptr && Image->ParentHandle != nullptr &&
         !EfiError(Boot->HandleProtocol(Image->ParentHandle, &gEfiLoadedImageProtocolGuid, &Interface))) {
-        Volume = static_cast<const EFI_LOADED_IMAGE_PROTOCOL*>(Interface)->DeviceHandle;
+        return static_cast<const EFI_LOADED_IMAGE_PROTOCOL*>(Interface)->DeviceHandle;
     }
+    return Image->DeviceHandle;
+}
+
+// What a report of the machine says of it beside what the firmware tells everybody.
+VOID DescribeMachine(REPORT_TEXT* Text)
+{
+    DescribeMachinePointer(Text);
+    AddText(Text, "\nSensor chips\n");
+    for (UINTN Line = 0; Line < gFound.Count; Line++) {
+        AddText(Text, "  ");
+        AddText(Text, gFound.Lines[Line]);
+        AddText(Text, "\n");
+    }
+    AddText(Text, gControl.Simulated != 0 ? "  The board below is a simulation.\n" : "");
+}
+
+VOID NoteTakenHome(const CHAR16* Words)
+{
+    gControl.TakenHome = Words;
+    Report("ventara: taken home\n");
+}
+
+// The user's file on a volume. An empty one where there is none.
+FILE_BYTES ReadWishesFile(EFI_BOOT_SERVICES* Boot, EFI_HANDLE Volume)
+{
     FILE_BYTES Bytes = {};
     EFI_STATUS Status = EFI_NOT_FOUND;
     if (Volume != nullptr && ReadVolumeFile(Boot, Volume, gWishesPath, &Bytes, &Status) != LOAD_DONE) {
@@ -76,9 +99,9 @@ BOARD_SOURCE* OpenSimulation()
     return Board;
 }
 
-BOARD_SOURCE* OpenBoard(EFI_BOOT_SERVICES* Boot, const EFI_LOADED_IMAGE_PROTOCOL* Image)
+BOARD_SOURCE* OpenBoard(EFI_BOOT_SERVICES* Boot, EFI_HANDLE Volume)
 {
-    const FILE_BYTES File = ReadWishesFile(Boot, Image);
+    const FILE_BYTES File = ReadWishesFile(Boot, Volume);
     const auto* Text = static_cast<const CHAR8*>(File.Data);
     ReadBoardWishes(Text, File.Size, &gWishes, nullptr, nullptr);
     const CHIP_BOARD_OPTIONS Options = {.SetFans = false, .Wishes = &gWishes};
@@ -135,14 +158,16 @@ extern "C" EFI_STATUS DriverEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* Syst
     }
     gBootServices = Boot;
     auto* Image = static_cast<EFI_LOADED_IMAGE_PROTOCOL*>(Interface);
+    const TAKE_HOME Home = {.Volume = FindVolume(Boot, Image), .Describe = DescribeMachine, .Told = NoteTakenHome};
     const BOARD_OPTIONS Options = {
-        .Board = OpenBoard(Boot, Image),
+        .Board = OpenBoard(Boot, Home.Volume),
         .Generation = 0,
         .Microseconds = ReadMicroseconds,
         .Pointer = Pointer,
         .ArtworkPack = gArtworkPack,
         .ArtworkPackSize = gArtworkPackSize,
         .Refused = ReportRefusal,
+        .Home = &Home,
     };
     Status = InstallBoardServices(SystemTable, &Options, &gServices);
     ReportStatus("ventara: board services installed: ", Status);

@@ -280,6 +280,17 @@ EFI_STATUS OpenMachinePointer(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image, P
     return EFI_SUCCESS;
 }
 
+VOID DescribeMachinePointer(REPORT_TEXT* Text)
+{
+    AddText(Text, "\nPointers\n  pointer protocols of the firmware: ");
+    AddNumber(Text, CountProtocolPointers());
+    AddText(Text, FirmwareDrivesPs2Mouse() ? ", the PS/2 mouse among them" : "");
+    AddText(Text, "\n  USB devices driven by this driver: ");
+    AddNumber(Text, CountUsbPointers());
+    AddText(Text, "\n  at the keyboard controller: ");
+    AddText(Text, gPointer.Ps2.State >= PS2_STREAMING ? "a PS/2 mouse\n" : "none\n");
+}
+
 VOID CloseMachinePointer()
 {
     EndPointer(&gPointer.Source);

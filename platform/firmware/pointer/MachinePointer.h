@@ -10,3 +10,5 @@
 // The source is good until CloseMachinePointer. StartClock must have been called.
 EFI_STATUS OpenMachinePointer(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image, POINTER_SOURCE** Source);
 VOID CloseMachinePointer();
+// The devices that were found so far, as a part of a machine's report.
+VOID DescribeMachinePointer(REPORT_TEXT* Text);

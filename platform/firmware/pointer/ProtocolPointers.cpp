@@ -243,4 +243,6 @@ bool FirmwareDrivesPs2Mouse()
     return false;
 }
 
+UINTN CountProtocolPointers() { return gDeviceCount; }
+
 VOID CloseProtocolPointers() { gDeviceCount = 0; }

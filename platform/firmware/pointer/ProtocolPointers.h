@@ -13,4 +13,6 @@ VOID OpenProtocolPointers(EFI_SYSTEM_TABLE* SystemTable);
 bool PollProtocolPointers(UINT64 Now, POINTER_CHANGE* Change);
 // True when the firmware itself drives a mouse at the keyboard controller, so that nobody else may read there.
 bool FirmwareDrivesPs2Mouse();
+// Devices found at the last look.
+UINTN CountProtocolPointers();
 VOID CloseProtocolPointers();

@@ -354,6 +354,17 @@ bool PollUsbPointers(UINT64 Now, POINTER_CHANGE* Change)
     return Reported;
 }
 
+UINTN CountUsbPointers()
+{
+    UINTN Count = 0;
+    const EFI_TPL Level = gBoot->RaiseTPL(TPL_CALLBACK);
+    for (const USB_POINTER* Device = gDevices; Device != nullptr; Device = Device->Next) {
+        Count++;
+    }
+    gBoot->RestoreTPL(Level);
+    return Count;
+}
+
 VOID CloseUsbPointers()
 {
     // No device comes or goes meanwhile, see PollUsbPointers.

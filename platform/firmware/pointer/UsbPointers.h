@@ -9,5 +9,6 @@
 EFI_STATUS OpenUsbPointers(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image);
 // The oldest report that hasn't been seen yet, with the buttons of all devices. False while there is none.
 bool PollUsbPointers(UINT64 Now, POINTER_CHANGE* Change);
+UINTN CountUsbPointers();
 // Gives every device back and takes the driver away.
 VOID CloseUsbPointers();

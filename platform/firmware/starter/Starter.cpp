@@ -292,6 +292,12 @@ VOID ShowMenu()
                  DescribeDisplayMode());
     AddParagraph(&Page, u"B       go on to the firmware's boot menu");
     AddParagraph(&Page, u"R       reset the machine");
+    const BOARD_CONTROL* Control = FindBoardControl();
+    if (Control != nullptr && Control->TakenHome[0] != 0) {
+        AddGap(&Page);
+        AddParagraph(&Page, u"F12: ", Control->TakenHome);
+        ReportPage(&Page);
+    }
     if (CanFansBeSet()) {
         AddGap(&Page);
         AddParagraph(

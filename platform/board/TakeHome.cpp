@@ -1,0 +1,241 @@
+#include "platform/board/TakeHome.h"
+
+#include "platform/board/ConsoleDisplay.h"
+#include "platform/board/MachineReport.h"
+#include "platform/board/StoredPng.h"
+#include "shell/contract/Screen.h"
+#include "uefi/FileSystem.h"
+
+namespace {
+
+constexpr UINTN gMostNumber = 999;
+constexpr UINTN gReportSize = 16384;
+constexpr UINTN gNumberAt = 8; // of a name
+constexpr UINTN gEndingAt = 12;
+
+// Pool that is given back at the end.
+template <typename T> struct POOL_ROOM {
+    T* Data = nullptr;
+    explicit POOL_ROOM(UINTN Count);
+    POOL_ROOM(const POOL_ROOM&) = delete;
+    POOL_ROOM& operator=(const POOL_ROOM&) = delete;
+    ~POOL_ROOM();
+};
+
+EFI_SYSTEM_TABLE* gTable;
+BOARD_SOURCE* gBoard;
+TAKE_HOME gHome;
+CHAR16 gWords[160]; // of what became of it
+
+template <typename T> POOL_ROOM<T>::POOL_ROOM(UINTN Count)
+{
+    VOID* Block = nullptr;
+    if (!EfiError(gTable->BootServices->AllocatePool(EfiBootServicesData, Count * sizeof(T), &Block))) {
+        Data = static_cast<T*>(Block);
+    }
+}
+
+template <typename T> POOL_ROOM<T>::~POOL_ROOM()
+{
+    if (Data != nullptr) {
+        (void)gTable->BootServices->FreePool(Data);
+    }
+}
+
+struct FILE_NAME {
+    CHAR16 Text[16] = u"ventara-000.png";
+
+    VOID SetNumber(UINTN Number)
+    {
+        for (UINTN Digit = 3; Digit-- != 0; Number /= 10) {
+            Text[gNumberAt + Digit] = static_cast<CHAR16>(u'0' + Number % 10);
+        }
+    }
+    VOID SetEnding(const CHAR16 (&Ending)[4])
+    {
+        for (UINTN At = 0; At < 4; At++) {
+            Text[gEndingAt + At] = Ending[At];
+        }
+    }
+};
+
+// EFI_NOT_FOUND for a file that isn't there.
+EFI_STATUS LookFor(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
+{
+    EFI_FILE_PROTOCOL* File = nullptr;
+    const EFI_STATUS Status = Root->Open(Root, &File, Name.Text, EFI_FILE_MODE_READ, 0);
+    if (!EfiError(Status)) {
+        (void)File->Close(File);
+    }
+    return Status;
+}
+
+// The next number that neither file has.
+EFI_STATUS FindName(EFI_FILE_PROTOCOL* Root, FILE_NAME* Name)
+{
+    for (UINTN Number = 1; Number <= gMostNumber; Number++) {
+        Name->SetNumber(Number);
+        Name->SetEnding(u"txt");
+        EFI_STATUS Status = LookFor(Root, *Name);
+        Name->SetEnding(u"png");
+        if (Status == EFI_NOT_FOUND) {
+            Status = LookFor(Root, *Name);
+        }
+        if (Status == EFI_NOT_FOUND) {
+            return EFI_SUCCESS;
+        }
+        if (EfiError(Status)) {
+            return Status;
+        }
+    }
+    return EFI_VOLUME_FULL;
+}
+
+// All of it, or no file.
+EFI_STATUS WriteFile(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name, const VOID* Bytes, UINTN Size)
+{
+    EFI_FILE_PROTOCOL* File = nullptr;
+    EFI_STATUS Status =
+        Root->Open(Root, &File, Name.Text, EFI_FILE_MODE_READ | EFI_FILE_MODE_WRITE | EFI_FILE_MODE_CREATE, 0);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    UINTN Written = Size;
+    Status = File->Write(File, &Written, Bytes);
+    if (!EfiError(Status) && Written == Size) {
+        Status = File->Flush(File);
+    } else if (!EfiError(Status)) {
+        Status = EFI_VOLUME_FULL;
+    }
+    if (EfiError(Status)) {
+        (void)File->Delete(File); // closes it, too
+        return Status;
+    }
+    return File->Close(File);
+}
+
+EFI_STATUS WritePicture(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
+{
+    EFI_BOOT_SERVICES* Boot = gTable->BootServices;
+    VOID* Interface = nullptr;
+    EFI_GRAPHICS_OUTPUT_PROTOCOL* Display = nullptr;
+    if (!EfiError(Boot->LocateProtocol(&gConsoleDisplayGuid, nullptr, &Interface))) {
+        Display = static_cast<CONSOLE_DISPLAY*>(Interface)->Graphics;
+    } else if (!EfiError(Boot->LocateProtocol(&gEfiGraphicsOutputProtocolGuid, nullptr, &Interface))) {
+        Display = static_cast<EFI_GRAPHICS_OUTPUT_PROTOCOL*>(Interface);
+    } else {
+        return EFI_NOT_FOUND;
+    }
+    const UINTN Size = StoredPngSize(gScreenWidth, gScreenHeight);
+    const POOL_ROOM<EFI_GRAPHICS_OUTPUT_BLT_PIXEL> Pixels(UINTN{gScreenWidth} * gScreenHeight);
+    const POOL_ROOM<UINT8> File(Size);
+    if (Pixels.Data == nullptr || File.Data == nullptr) {
+        return EFI_OUT_OF_RESOURCES;
+    }
+    const EFI_STATUS Status =
+        Display->Blt(Display, Pixels.Data, EfiBltVideoToBltBuffer, 0, 0, 0, 0, gScreenWidth, gScreenHeight, 0);
+    if (EfiError(Status)) {
+        return EFI_UNSUPPORTED;
+    }
+    BuildStoredPng(File.Data, Pixels.Data, gScreenWidth, gScreenHeight);
+    return WriteFile(Root, Name, File.Data, Size);
+}
+
+EFI_STATUS WriteReport(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
+{
+    const POOL_ROOM<CHAR8> Room(gReportSize);
+    if (Room.Data == nullptr) {
+        return EFI_OUT_OF_RESOURCES;
+    }
+    REPORT_TEXT Report = {.Text = Room.Data, .Size = gReportSize, .Length = 0};
+    WriteMachineReport(&Report, gTable, gBoard, gHome.Describe);
+    return WriteFile(Root, Name, Report.Text, Report.Length);
+}
+
+EFI_STATUS OpenRoot(EFI_FILE_PROTOCOL** Root)
+{
+    VOID* Interface = nullptr;
+    const EFI_STATUS Status =
+        gHome.Volume == nullptr
+            ? EFI_NOT_FOUND
+            : gTable->BootServices->HandleProtocol(gHome.Volume, &gEfiSimpleFileSystemProtocolGuid, &Interface);
+    if (EfiError(Status)) {
+        return Status;
+    }
+    auto* FileSystem = static_cast<EFI_SIMPLE_FILE_SYSTEM_PROTOCOL*>(Interface);
+    return FileSystem->OpenVolume(FileSystem, Root);
+}
+
+const CHAR16* ReasonOf(EFI_STATUS Status)
+{
+    switch (Status) {
+    case EFI_WRITE_PROTECTED:
+    case EFI_ACCESS_DENIED:
+        return u"the volume is read-only.";
+    case EFI_VOLUME_FULL:
+        return u"the volume is full.";
+    case EFI_OUT_OF_RESOURCES:
+        return u"there is not enough memory.";
+    case EFI_NOT_FOUND:
+        return u"the volume that Ventara was started from is gone.";
+    case EFI_UNSUPPORTED:
+        return u"this display doesn't give its picture.";
+    default:
+        return u"the volume can't be written. It may be failing.";
+    }
+}
+
+VOID Tell(const CHAR16* A, const CHAR16* B, const CHAR16* C = u"", const CHAR16* D = u"")
+{
+    const CHAR16* const Pieces[] = {A, B, C, D};
+    UINTN Length = 0;
+    for (const CHAR16* Piece : Pieces) {
+        for (; *Piece != 0 && Length + 1 < sizeof(gWords) / sizeof(CHAR16); Piece++) {
+            gWords[Length++] = *Piece;
+        }
+    }
+    gWords[Length] = 0;
+    gHome.Told(gWords);
+}
+
+} // namespace
+
+VOID UseTakeHome(EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board, const TAKE_HOME* Home)
+{
+    gTable = SystemTable;
+    gBoard = Board;
+    gHome = Home != nullptr ? *Home : TAKE_HOME{};
+}
+
+VOID TakeHome()
+{
+    if (gHome.Told == nullptr) {
+        return;
+    }
+    FILE_NAME Picture;
+    FILE_NAME Report;
+    EFI_FILE_PROTOCOL* Root = nullptr;
+    EFI_STATUS Status = OpenRoot(&Root);
+    EFI_STATUS OfPicture = Status;
+    EFI_STATUS OfReport = Status;
+    if (!EfiError(Status)) {
+        OfPicture = FindName(Root, &Picture);
+        OfReport = OfPicture;
+        if (!EfiError(OfPicture)) {
+            Report = Picture;
+            Report.SetEnding(u"txt");
+            OfPicture = WritePicture(Root, Picture);
+            OfReport = WriteReport(Root, Report);
+        }
+        (void)Root->Close(Root);
+    }
+    if (!EfiError(OfPicture) && !EfiError(OfReport)) {
+        Tell(Picture.Text, u" and ", Report.Text, u" were written.");
+    } else if (!EfiError(OfPicture)) {
+        Tell(u"Only ", Picture.Text, u" was written, no report: ", ReasonOf(OfReport));
+    } else if (!EfiError(OfReport)) {
+        Tell(u"Only ", Report.Text, u" was written, no picture: ", ReasonOf(OfPicture));
+    } else {
+        Tell(u"Nothing was written: ", ReasonOf(OfPicture));
+    }
+}

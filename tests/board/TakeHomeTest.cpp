@@ -1,0 +1,143 @@
+// What F12 leaves on a volume: a picture that is the screen's pixel by pixel, a report, and nothing else touched.
+#include "platform/board/TakeHome.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+// The reading of pictures is another library's than the writing, which is our own.
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#define STBI_ONLY_PNG
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#pragma GCC diagnostic ignored "-Wsign-compare"
+#include <stb/stb_image.h>
+#pragma GCC diagnostic pop
+
+#include "platform/board/MachineReport.h"
+#include "platform/host/Session.h"
+#include "tests/gui/ToolkitBench.h"
+#include "tests/host/TestFolder.h"
+#include "uefi/FileSystem.h"
+
+namespace {
+
+std::string ReadFile(const std::string& Path)
+{
+    std::ifstream File(Path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(File), std::istreambuf_iterator<char>()};
+}
+
+TEST(TakeHome, APictureAndAReportGoIntoTheFolderAndNoFileThereIsTouched)
+{
+    TestFolder Folder;
+    std::ofstream(Folder.File("ventara-001.txt")) << "mine";
+    std::ofstream(Folder.File("ventara-002.png")) << "mine, too";
+    SESSION_OPTIONS Options;
+    Options.Script =
+        "turn\ntick 20\npointer 640 300\nturn 3\nhand picture\nscreenshot shown\nturn\nhand picture 2\nturn\n";
+    Options.Folder = Folder.File("");
+    Options.ImagePath = VENTARA_CONSOLE_IMAGE;
+    const SESSION_RESULT Result = RunSession(Options);
+    EXPECT_EQ(Result.TakenHome, "ventara-003.png and ventara-003.txt were written.\n"
+                                "ventara-004.png and ventara-004.txt were written.\n");
+    EXPECT_TRUE(Result.Complaints.empty());
+    EXPECT_EQ(ReadFile(Folder.File("ventara-001.txt")) + ReadFile(Folder.File("ventara-002.png")), "minemine, too");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.File("")), {}), 6);
+
+    int Width = 0;
+    int Height = 0;
+    UINT8* Pixels = stbi_load(Folder.File("ventara-003.png").c_str(), &Width, &Height, nullptr, 3);
+    ASSERT_NE(Pixels, nullptr) << stbi_failure_reason();
+    ASSERT_EQ(std::pair(Width, Height), std::pair(1024, 768));
+    const PICTURE& Shown = Result.Pictures.at("shown");
+    UINTN Different = 0;
+    for (UINTN At = 0; At < Shown.size(); At++) {
+        const UINT8* Pixel = Pixels + 3 * At;
+        const UINT32 Word = UINT32{Pixel[0]} << 16 | UINT32{Pixel[1]} << 8 | Pixel[2];
+        Different += (Shown[At] & 0xFFFFFF) != Word ? 1 : 0;
+    }
+    EXPECT_EQ(Different, 0u);
+    std::free(Pixels);
+
+    const std::string Report = ReadFile(Folder.File("ventara-003.txt"));
+    for (const char* Said :
+         {"Ventara 0.9.0", "Ventara hosted firmware, revision 1, UEFI 2.7", "1024 by 768, blue first",
+          "4 CPU 1: ", " rpm, curve on, 40 C 25 %, 55 C 50 %, 70 C 75 %, 85 C 100 %, record 010a0704",
+          "10  Pump: ", "17 DRAM: ", "yes  font\n", "no   simple pointer\n"}) {
+        EXPECT_NE(Report.find(Said), Report.npos) << Said << " isn't in\n" << Report;
+    }
+}
+
+// A volume that refuses, of which only what is asked for is counted.
+struct REFUSING {
+    EFI_SIMPLE_FILE_SYSTEM_PROTOCOL FileSystem;
+    EFI_FILE_PROTOCOL File; // every file, and the root
+    UINTN Room;             // bytes that can still be written
+    EFI_STATUS OnCreate;
+    int Created, Deleted, Opened;
+};
+REFUSING gVolume;
+std::string gTold;
+
+TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
+{
+    gVolume.FileSystem = {1, [](auto*, EFI_FILE_PROTOCOL** Root) {
+                              gVolume.Opened++;
+                              *Root = &gVolume.File;
+                              return EFI_SUCCESS;
+                          }};
+    gVolume.File.Open = [](auto*, EFI_FILE_PROTOCOL** File, auto*, UINT64 Mode, UINT64) -> EFI_STATUS {
+        if ((Mode & EFI_FILE_MODE_CREATE) == 0 || EfiError(gVolume.OnCreate)) {
+            return (Mode & EFI_FILE_MODE_CREATE) == 0 ? EFI_NOT_FOUND : gVolume.OnCreate;
+        }
+        gVolume.Created++;
+        gVolume.Opened++;
+        *File = &gVolume.File;
+        return EFI_SUCCESS;
+    };
+    gVolume.File.Close = [](auto*) { return gVolume.Opened--, EFI_SUCCESS; };
+    gVolume.File.Delete = [](auto*) { return gVolume.Opened--, gVolume.Deleted++, EFI_SUCCESS; };
+    gVolume.File.Flush = [](auto*) -> EFI_STATUS { return EFI_SUCCESS; };
+    gVolume.File.Write = [](auto*, UINTN* Size, auto*) -> EFI_STATUS {
+        if (*Size > gVolume.Room) {
+            *Size = gVolume.Room;
+            return EFI_VOLUME_FULL;
+        }
+        return EFI_SUCCESS;
+    };
+    EFI_HANDLE Handle = nullptr;
+    ASSERT_EQ(Boot->Handles.Install(&Handle, &gEfiSimpleFileSystemProtocolGuid, &gVolume.FileSystem), EFI_SUCCESS);
+    struct {
+        EFI_HANDLE Volume;
+        EFI_STATUS OnCreate;
+        UINTN Room;
+        int Created, Deleted;
+        const char* Told;
+    } const Cases[] = {
+        {Handle, EFI_SUCCESS, 5000000, 2, 0, "ventara-001.png and ventara-001.txt were written."},
+        {Handle, EFI_SUCCESS, 5000, 2, 1, "Only ventara-001.txt was written, no picture: the volume is full."},
+        {Handle, EFI_SUCCESS, 0, 2, 2, "Nothing was written: the volume is full."},
+        {Handle, EFI_WRITE_PROTECTED, 0, 0, 0, "Nothing was written: the volume is read-only."},
+        {Handle, EFI_DEVICE_ERROR, 0, 0, 0, "Nothing was written: the volume can't be written. It may be failing."},
+        {nullptr, EFI_SUCCESS, 0, 0, 0, "Nothing was written: the volume that Ventara was started from is gone."},
+    };
+    BOARD_SOURCE Board = {};
+    for (const auto& Case : Cases) {
+        gVolume.Room = Case.Room;
+        gVolume.OnCreate = Case.OnCreate;
+        gVolume.Created = gVolume.Deleted = gVolume.Opened = 0;
+        const TAKE_HOME Home = {Case.Volume, nullptr, [](const CHAR16* Words) {
+                                    gTold.assign(Words, Words + std::char_traits<CHAR16>::length(Words));
+                                }};
+        UseTakeHome(&Boot->FirmwareTable, &Board, &Home);
+        TakeHome();
+        EXPECT_EQ(gTold, Case.Told);
+        EXPECT_EQ(gVolume.Created, Case.Created) << Case.Told;
+        EXPECT_EQ(gVolume.Deleted, Case.Deleted) << Case.Told;
+        EXPECT_EQ(gVolume.Opened, 0) << Case.Told << " and a file is left open";
+    }
+}
+
+} // namespace
