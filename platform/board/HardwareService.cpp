@@ -114,7 +114,7 @@ template <UINT8 FanItem> EFI_STATUS GetSetting(HW_SERVICE_PROTOCOL*, FAN_SETTING
     }
     const EFI_STATUS Status = gBoard->GetFan(gBoard, FanItem, Setting);
     if (!EfiError(Status)) {
-        NoteFanRead(FanItem, *Setting);
+        NoteFanRead(FanItem, ControlOfFan(gBoard->FanKind, FanItem), *Setting);
     }
     return Status;
 }

@@ -164,11 +164,11 @@ VOID NoteConsoleStart()
     gBoxOpen = false;
 }
 
-VOID NoteFanRead(UINT8 FanItem, const FAN_SETTING& Setting)
+VOID NoteFanRead(UINT8 FanItem, FAN_CONTROL Control, const FAN_SETTING& Setting)
 {
     SHOWN_FAN& Fan = gShown[FanItem - gFirstFanItem];
     // A command on all fans brings back the nodes of eight rows and no others.
-    if (!Fan.Known || ControlOfFan(gBoard->FanKind, FanItem) == CONTROL_CURVE8) {
+    if (!Fan.Known || Control == CONTROL_CURVE8) {
         Fan.Curve = CurveOf(Setting);
     }
     Fan.Known = true;

@@ -36,7 +36,7 @@ VOID UseTabStops(const BOARD_SOURCE* Board, EFI_RUNTIME_SERVICES* RuntimeService
 // A console starts.
 VOID NoteConsoleStart();
 // The console reads a fan's record, or sends one: that one is what its page shows, even if the board refuses it.
-VOID NoteFanRead(UINT8 FanItem, const FAN_SETTING& Setting);
+VOID NoteFanRead(UINT8 FanItem, FAN_CONTROL Control, const FAN_SETTING& Setting);
 VOID NoteFanSent(UINT8 FanItem, const FAN_SETTING& Setting);
 VOID NoteFullSpeed();
 // The pointer as the console gets it, at each read, Now in microseconds.
