@@ -1,4 +1,5 @@
 // Pointing devices behind a firmware's protocols and USB stack, alone and merged into the machine's pointer.
+#include "platform/board/ConsoleDisplay.h"
 #include "platform/firmware/pointer/MachinePointer.h"
 #include "platform/firmware/pointer/ProtocolPointers.h"
 #include "src/uefi/Pointers.h"
@@ -422,6 +423,56 @@ TEST_F(MachinePointer, WaysEndAtTheEdgesAndPlacesReachThem)
     Source->SetLimits(Source, 640, 480);
     Read();
     EXPECT_EQ((std::pair{X, Y}), (std::pair<INT64, INT64>{0, 479}));
+}
+
+TEST_F(MachinePointer, AFingerPointsAtWhatIsUnderItAtAnyScaleAndAMouseGoesAsFast)
+{
+    struct {
+        CONSOLE_DISPLAY Panel; // its size, and where the picture is on it
+        UINT64 FingerX, FingerY;
+        INT64 X, Y;
+    } const Cases[] = {
+        // Doubled: pixel 100, 200 is the square from 1096, 712 on.
+        {{nullptr, nullptr, 3840, 2160, 896, 312, 2048, 1536}, 1097, 713, 100, 200},
+        {{nullptr, nullptr, 3840, 2160, 896, 312, 2048, 1536}, 2943, 1847, 1023, 767},
+        {{nullptr, nullptr, 3840, 2160, 896, 312, 2048, 1536}, 100, 2100, 0, 767}, // beside the picture: its nearest
+        {{nullptr, nullptr, 1280, 1024, 128, 128, 1024, 768}, 128 + 640, 128 + 480, 640, 480},
+        {{nullptr, nullptr, 800, 600, 0, 0, 800, 600}, 400, 300, 512, 384}, // fitted down, 1.28 to 1
+        {{nullptr, nullptr, 640, 480, 0, 0, 640, 480}, 5, 475, 8, 760},
+    };
+    for (const auto& Case : Cases) {
+        SCOPED_TRACE(Case.Panel.PanelWidth);
+        CONSOLE_DISPLAY Panel = Case.Panel;
+        EFI_HANDLE Layer = nullptr;
+        Put(&Layer, gConsoleDisplayGuid, &Panel);
+        TOUCH_SCREEN Screen = {};
+        Screen.Mode = {.AbsoluteMaxX = Panel.PanelWidth - 1, .AbsoluteMaxY = Panel.PanelHeight - 1};
+        Screen.State = {.CurrentX = Case.FingerX, .CurrentY = Case.FingerY};
+        const EFI_HANDLE Handle = Plug(&Screen);
+        gMicroseconds += 2000000;
+        Read();
+        EXPECT_EQ((std::pair{X, Y}), (std::pair{Case.X, Case.Y}));
+        // The finger rests, and is reported again and again.
+        Source->Place(Source, 300, 300);
+        Read();
+        EXPECT_EQ((std::pair{X, Y}), (std::pair<INT64, INT64>{300, 300}));
+        Screen.State.ActiveButtons = EFI_ABSP_TouchActive;
+        Read();
+        EXPECT_EQ((std::pair{X, Y}), (std::pair{Case.X, Case.Y})) << "a tap at the same place";
+        Take(Handle, gEfiAbsolutePointerProtocolGuid, &Screen);
+
+        SIMPLE_MOUSE Ways = {};
+        const EFI_HANDLE OfMouse = Plug(&Ways);
+        gMicroseconds += 2000000;
+        Source->Place(Source, 300, 300);
+        Ways.States.push_back({.RelativeMovementX = 30, .RelativeMovementY = -20});
+        Read();
+        EXPECT_EQ((std::pair{X, Y}), (std::pair<INT64, INT64>{330, 280})) << "the console's pixels, whatever the scale";
+        Take(OfMouse, gEfiSimplePointerProtocolGuid, &Ways);
+        Source->Close(Source);
+        Take(Layer, gConsoleDisplayGuid, &Panel);
+        gMicroseconds += 2000000;
+    }
 }
 
 TEST_F(MachinePointer, EachStartBeginsInTheMiddleWithNothingThatCameBefore)

@@ -33,6 +33,8 @@ struct MACHINE_POINTER {
     INT64 Height;
     UINT8 Left[KIND_COUNT];
     UINT8 Right[KIND_COUNT];
+    INT64 PlaceX[KIND_COUNT]; // where a tablet or a finger was last, in gFullScale; -1 before its first report
+    INT64 PlaceY[KIND_COUNT];
     bool InUse;     // between the console's first read and its close
     bool Moved;     // since its place was last told
     bool Released;  // the last read was the first that saw the left button up again
@@ -75,10 +77,17 @@ VOID ReportButton(UINT8 Left, UINT64 Length)
     Report(" ms\n");
 }
 
-// Moves the pointer and keeps the buttons; true when the kind's buttons changed.
+// Moves the pointer and keeps the buttons; true when the kind's buttons changed. A tablet at rest, which some firmware
+// reports again and again, leaves the pointer to others; a press on it brings the pointer there.
 bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Change)
 {
+    const bool ButtonsChanged = Pointer->Left[Kind] != Change->Left || Pointer->Right[Kind] != Change->Right;
     if (Change->Absolute) {
+        if (Change->X == Pointer->PlaceX[Kind] && Change->Y == Pointer->PlaceY[Kind] && !ButtonsChanged) {
+            return false;
+        }
+        Pointer->PlaceX[Kind] = Change->X;
+        Pointer->PlaceY[Kind] = Change->Y;
         const UINT32 Width = static_cast<UINT32>(Pointer->Width);
         const UINT32 Height = static_cast<UINT32>(Pointer->Height);
         const CONSOLE_DISPLAY Plain = {nullptr, nullptr, Width, Height, 0, 0, Width, Height};
@@ -91,7 +100,6 @@ bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Chan
     }
     Pointer->X = Limit<INT64>(Pointer->X, 0, Pointer->Width - 1);
     Pointer->Y = Limit<INT64>(Pointer->Y, 0, Pointer->Height - 1);
-    bool ButtonsChanged = Pointer->Left[Kind] != Change->Left || Pointer->Right[Kind] != Change->Right;
     Pointer->Left[Kind] = Change->Left;
     Pointer->Right[Kind] = Change->Right;
     return ButtonsChanged;
@@ -228,6 +236,8 @@ VOID ResetPointer(MACHINE_POINTER* Pointer)
     for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
         Pointer->Left[Kind] = 0;
         Pointer->Right[Kind] = 0;
+        Pointer->PlaceX[Kind] = -1;
+        Pointer->PlaceY[Kind] = -1;
     }
 }
 
