@@ -210,6 +210,15 @@ inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const BLEND_RULE& Rule)
 {
     const __m128i FirstSrc = FOUR_PIXELS::Load(Src);
     const __m128i SecondSrc = FOUR_PIXELS::Load(Src + 4);
+    // The source of a tint is one colour whose reserved bytes are 0, and to ask for that takes less than the rule. Others
+    // that are all mixed take the long way.
+    const __m128i Same =
+        _mm_and_si128(_mm_cmpeq_epi32(FirstSrc, Rule.Blend.Wanted), _mm_cmpeq_epi32(SecondSrc, Rule.Blend.Wanted));
+    if (_mm_movemask_epi8(Same) == 0xFFFF) {
+        FOUR_PIXELS::Store(Dst, Rule.Mixer.Mix(FOUR_PIXELS::Load(Dst)));
+        FOUR_PIXELS::Store(Dst + 4, Rule.Mixer.Mix(FOUR_PIXELS::Load(Dst + 4)));
+        return;
+    }
     const __m128i First = Rule.Blend.Matches(FirstSrc);
     const __m128i Second = Rule.Blend.Matches(SecondSrc);
     const int Which = _mm_movemask_epi8(_mm_packs_epi32(First, Second));
@@ -220,11 +229,6 @@ inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, const BLEND_RULE& Rule)
     }
     const __m128i FirstMixed = Rule.Mixer.Mix(FOUR_PIXELS::Load(Dst));
     const __m128i SecondMixed = Rule.Mixer.Mix(FOUR_PIXELS::Load(Dst + 4));
-    if (Which == 0xFFFF) {
-        FOUR_PIXELS::Store(Dst, FirstMixed);
-        FOUR_PIXELS::Store(Dst + 4, SecondMixed);
-        return;
-    }
     FOUR_PIXELS::Store(Dst, Select(First, FirstMixed, FirstSrc));
     FOUR_PIXELS::Store(Dst + 4, Select(Second, SecondMixed, SecondSrc));
 }
