@@ -59,18 +59,19 @@ constexpr UINT8 gModeTop = 0x80; // goes when the mode is set; what it means is 
 // Temperatures that a chip measures whatever its fans follow, best first for each place.
 constexpr UINT8 gBoard = 1;
 constexpr UINT8 gChipset = 2;
+enum SINCE : UINT8 { SINCE_6776, SINCE_6779, SINCE_6798 };
 constexpr struct DIRECT {
     UINT16 Register;
     REGISTER_FORM Form;
     UINT8 Place;
     const CHAR8* Name;
-    bool Newest;
+    SINCE Since;
 } gDirect[] = {
-    {0x490, FORM_DEGREES, gBoard, "SYSTIN", false},  {0x409, FORM_EIGHTHS, 0, "TSI", false},
-    {0x491, FORM_DEGREES, 0, "CPUTIN", false},       {0x492, FORM_DEGREES, gBoard, "AUXTIN0", false},
-    {0x493, FORM_DEGREES, gBoard, "AUXTIN1", false}, {0x494, FORM_DEGREES, gBoard, "AUXTIN2", false},
-    {0x495, FORM_DEGREES, gBoard, "AUXTIN3", false}, {0x496, FORM_DEGREES, gBoard, "AUXTIN4", true},
-    {0x401, FORM_DEGREES, gChipset, "PCH", false},
+    {0x490, FORM_DEGREES, gBoard, "SYSTIN", SINCE_6779},  {0x409, FORM_EIGHTHS, 0, "TSI", SINCE_6776},
+    {0x491, FORM_DEGREES, 0, "CPUTIN", SINCE_6779},       {0x492, FORM_DEGREES, gBoard, "AUXTIN0", SINCE_6779},
+    {0x493, FORM_DEGREES, gBoard, "AUXTIN1", SINCE_6779}, {0x494, FORM_DEGREES, gBoard, "AUXTIN2", SINCE_6779},
+    {0x495, FORM_DEGREES, gBoard, "AUXTIN3", SINCE_6779}, {0x496, FORM_DEGREES, gBoard, "AUXTIN4", SINCE_6798},
+    {0x401, FORM_DEGREES, gChipset, "PCH", SINCE_6776},
 };
 
 // Values that the chip takes from a source of choice: value, its form, where the source's number stands, and where bit 0
@@ -88,14 +89,15 @@ constexpr struct MONITORED {
                   {0x674, FORM_DEGREES, 0xC28, 0}, {0x676, FORM_DEGREES, 0xC29, 0},
                   {0x678, FORM_DEGREES, 0xC2A, 0}, {0x67A, FORM_DEGREES, 0xC2B, 0}};
 constexpr UINTN gMonitoredOfOlder = 2;
-constexpr UINT8 gPeci = 16;    // among the sources
-constexpr UINT8 gOldPeci = 12; // of NCT6776
 
+// Sources that are looked for among these: their number on NCT6776 and on the newer chips, 0 where they are measured in
+// a register of their own.
 constexpr struct {
-    UINT8 Source;
+    UINT8 Old;
+    UINT8 New;
     UINT8 Place;
     const CHAR8* Name;
-} gOldSources[] = {{gOldPeci, 0, "PECI"}, {1, gBoard, "SYSTIN"}, {2, 0, "CPUTIN"}, {3, gBoard, "AUXTIN"}};
+} gSources[] = {{12, 16, 0, "PECI"}, {1, 0, gBoard, "SYSTIN"}, {2, 0, 0, "CPUTIN"}, {3, 0, gBoard, "AUXTIN"}};
 
 // Names of the inputs where they are known, NCT6798 and 6799; and what of them the console has a place for.
 constexpr const CHAR8* gInputNames[] = {"CPUVC", "VIN1", "AVSB", "3VCC", "VIN0", "VIN8", "VIN4", "3VSB", "VBAT",
@@ -223,22 +225,21 @@ VOID ListTemperatures(const CHIP& Chip, UINT8 Index, SENSOR_LIST* List)
     const UINTN Count = Old      ? sizeof(gOldMonitored) / sizeof(MONITORED)
                         : Newest ? sizeof(gMonitored) / sizeof(MONITORED)
                                  : gMonitoredOfOlder;
-    UINT32 Listed = 0;
-    for (const auto& Source : gOldSources) {
-        for (UINTN Row = 0; Row < Count; Row++) {
+    for (const auto& Source : gSources) {
+        const UINT8 Wanted = Old ? Source.Old : Source.New;
+        bool Listed = Wanted == 0;
+        for (UINTN Row = 0; Row < Count && !Listed; Row++) {
             const MONITORED& Value = Rows[Row];
-            // The newer chips measure all but PECI in registers of its own.
-            const UINT8 Wanted = Old ? Source.Source : Source.Source == gOldPeci ? gPeci : UINT8{0};
-            if (Wanted == 0 || (Listed >> Wanted & 1) != 0 || (Visit.Read(Value.Source) & gSourceBits) != Wanted ||
-                (Value.Off != 0 && (Visit.Read(Value.Off) & 1) != 0)) {
-                continue;
+            Listed = (Visit.Read(Value.Source) & gSourceBits) == Wanted &&
+                     (Value.Off == 0 || (Visit.Read(Value.Off) & 1) == 0);
+            if (Listed) {
+                AddSensor(List, Temperature(Index, Source.Place, Value.Form, Value.Value), Source.Name, -1, nullptr);
             }
-            Listed |= 1u << Wanted;
-            AddSensor(List, Temperature(Index, Source.Place, Value.Form, Value.Value), Source.Name, -1, nullptr);
         }
     }
+    const SINCE Since = Old ? SINCE_6776 : Newest ? SINCE_6798 : SINCE_6779;
     for (const DIRECT& Row : gDirect) {
-        if ((Newest || !Row.Newest) && (!Old || Row.Place == gChipset || Row.Form == FORM_EIGHTHS)) {
+        if (Row.Since <= Since) {
             AddSensor(List, Temperature(Index, Row.Place, Row.Form, Row.Register), Row.Name, -1, nullptr);
         }
     }
