@@ -11,8 +11,11 @@ constexpr UINT16 gSettable[] = {0xC330, 0xC560, 0xD428, 0x8603, 0x8620};
 struct FAN_BENCH : CHIP_BENCH {
     CHIP_MODEL& Chip;
     std::string Before;
-    explicit FAN_BENCH(UINT16 Id) : Chip(Machine.Fit(0, Id))
+    explicit FAN_BENCH(UINT16 Id, bool Fixed = false) : Chip(Machine.Fit(0, Id))
     {
+        if (Fixed) {
+            Chip.Monitor[Chip.ControlAt(1)] &= Chip.Is(TRAIT_ITE) ? 0x7F : 0x0F;
+        }
         Chip.AllowUpTo(Chip.Facts->Outputs);
         Before = Held();
         EXPECT_TRUE(Open(true));
@@ -140,6 +143,29 @@ TEST(ChipFans, SomeAreNeverSet)
                   EFI_DEVICE_ERROR)
             << Facts.Name;
         EXPECT_EQ(Bench.Machine.Faults, "") << Facts.Name;
+    }
+}
+
+// One byte reads as all ones while the fans are allowed and one is set, or all do from one on.
+TEST(ChipFans, AByteThatIsReadWronglyIsNeverGivenBack)
+{
+    for (const UINT16 Id : {0xC330, 0x8620}) {
+        for (const bool Single : {true, false}) {
+            bool Done = false;
+            for (UINT64 Which = 1; !Done; Which++) {
+                FAN_BENCH Bench(Id, true);
+                AllowChipFans(false);
+                const UINT64 First = Bench.Machine.ReadCount + Which;
+                Bench.Machine.OnesFrom = First;
+                Bench.Machine.OnesTo = Single ? First + 1 : ~0ull;
+                AllowChipFans(true);
+                (void)Bench.Set(Bench.Item(), Bench.Setting());
+                Done = Bench.Machine.ReadCount < First;
+                Bench.Machine.OnesFrom = ~0ull;
+                (void)Bench.Board->Restore(Bench.Board);
+                EXPECT_EQ(Bench.Differences(Bench.Before), "") << std::hex << Id << ", read " << Which;
+            }
+        }
     }
 }
 

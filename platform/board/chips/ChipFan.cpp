@@ -23,18 +23,35 @@ FAN_STATE WithDuty(const CHIP_FAN& Fan, const FAN_STATE& State, INT32 Duty)
     return Wanted;
 }
 
-// Writes a state, and looks whether the chip has it. By itself the chip moves the duty as it likes.
-bool Put(CHIP_FAN* Fan, const FAN_STATE& Wanted)
+// By itself the chip moves the duty as it likes.
+bool Has(const CHIP_FAN& Fan, const FAN_STATE& Now, const FAN_STATE& Wanted)
 {
-    Fan->Written = true;
-    Fan->Chip->Driver->WriteFan(*Fan->Chip, Fan->Number, Wanted);
-    const FAN_STATE Now = ReadState(*Fan);
-    bool Same = ((Now.Mode ^ Wanted.Mode) & ~Fan->Means.ClearedBits & 0xFF) == 0 && Now.Switch == Wanted.Switch &&
-                (!IsFixed(*Fan, Wanted) || Now.Duty == Wanted.Duty);
+    bool Same = ((Now.Mode ^ Wanted.Mode) & ~Fan.Means.ClearedBits & 0xFF) == 0 && Now.Switch == Wanted.Switch &&
+                (!IsFixed(Fan, Wanted) || Now.Duty == Wanted.Duty);
     for (UINTN Point = 0; Point < gCurveNodes; Point++) {
         Same = Same && Now.Degrees[Point] == Wanted.Degrees[Point] && Now.PointDuty[Point] == Wanted.PointDuty[Point];
     }
     return Same;
+}
+
+// A state that a fan may be given back: read twice alike, so that no single torn or foreign byte is in it.
+bool ReadTwice(const CHIP_FAN& Fan, FAN_STATE* State)
+{
+    const FAN_STATE First = ReadState(Fan);
+    const FAN_STATE Second = ReadState(Fan);
+    if (!IsReadable(First) || First.Mode != Second.Mode || !Has(Fan, Second, First)) {
+        return false;
+    }
+    *State = First;
+    return true;
+}
+
+// Writes a state, and looks whether the chip has it.
+bool Put(CHIP_FAN* Fan, const FAN_STATE& Wanted)
+{
+    Fan->Written = true;
+    Fan->Chip->Driver->WriteFan(*Fan->Chip, Fan->Number, Wanted);
+    return Has(*Fan, ReadState(*Fan), Wanted);
 }
 
 // The last resort: what the other registers hold doesn't matter to it, and it is tried twice.
@@ -63,16 +80,16 @@ VOID OpenChipFan(CHIP_FAN* Fan, const CHIP* Chip, UINT8 Number)
     Fan->Chip = Chip;
     Fan->Number = Number;
     Fan->Means = Chip->Driver->DescribeFan(*Chip, Number);
-    KeepChipFan(Fan);
-    if (Fan->Means.WhyNot == nullptr && !IsReadable(Fan->AtStart)) {
+    if (!ReadTwice(*Fan, &Fan->AtStart) && Fan->Means.WhyNot == nullptr) {
         Fan->Means.WhyNot = "what it has can't be read, so that it couldn't be given back";
     }
 }
 
 VOID KeepChipFan(CHIP_FAN* Fan)
 {
-    if (!Fan->Written) {
-        Fan->AtStart = ReadState(*Fan);
+    FAN_STATE Now = {};
+    if (!Fan->Written && ReadTwice(*Fan, &Now)) {
+        Fan->AtStart = Now;
     }
 }
 
@@ -102,8 +119,8 @@ FAN_SETTING GetChipFan(const CHIP_FAN& Fan, FAN_CONTROL Control)
 
 bool SetChipFan(CHIP_FAN* Fan, FAN_CONTROL Control, const FAN_SETTING& Setting)
 {
-    const FAN_STATE Before = ReadState(*Fan);
-    if (!IsReadable(Before)) {
+    FAN_STATE Before = {};
+    if (!ReadTwice(*Fan, &Before)) {
         return false;
     }
     if (Setting.CurveEnabled == 0) {
@@ -132,8 +149,8 @@ bool SetChipFan(CHIP_FAN* Fan, FAN_CONTROL Control, const FAN_SETTING& Setting)
 
 bool SetChipFanToFullSpeed(CHIP_FAN* Fan)
 {
-    const FAN_STATE Before = ReadState(*Fan);
-    return IsReadable(Before) && PutOr(Fan, WithDuty(*Fan, Before, gFullDuty), Before);
+    FAN_STATE Before = {};
+    return ReadTwice(*Fan, &Before) ? PutOr(Fan, WithDuty(*Fan, Before, gFullDuty), Before) : RunAtFullSpeed(Fan);
 }
 
 bool GiveChipFanBack(CHIP_FAN* Fan)
