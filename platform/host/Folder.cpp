@@ -101,13 +101,13 @@ EFI_FILE_PROTOCOL* NewFile(const std::string& Path, FILE* File)
 
 } // namespace
 
-FOLDER::FOLDER(std::string ThePath)
+FOLDER::FOLDER(const std::string& ThePath)
     : FileSystem{.Revision = 0x00010000,
                  .OpenVolume =
                      [](EFI_SIMPLE_FILE_SYSTEM_PROTOCOL* This, EFI_FILE_PROTOCOL** Root) {
                          *Root = NewFile(reinterpret_cast<FOLDER*>(This)->Path, nullptr);
                          return EFI_SUCCESS;
                      }},
-      Path(std::move(ThePath))
+      Path(ThePath)
 {
 }

@@ -12,7 +12,7 @@ struct FOLDER {
     EFI_SIMPLE_FILE_SYSTEM_PROTOCOL FileSystem; // first, so that the protocol's address is the record's
     std::string Path;
 
-    explicit FOLDER(std::string ThePath);
+    explicit FOLDER(const std::string& ThePath);
     FOLDER(const FOLDER&) = delete;
     FOLDER& operator=(const FOLDER&) = delete;
 };

@@ -23,6 +23,7 @@ struct PERSON {
     UINT64 Turn = 0;
     UINT64 Left = 0; // the turn in which to leave
     bool SawSamePixels = false;
+    bool ByKeys = false; // instead of clicks
 
     static bool AtCall(VOID* Context, CALL Call, EFI_STATUS* Status, bool*)
     {
@@ -48,9 +49,32 @@ struct PERSON {
         } else if (Turn > gFullScreenTurn) {
             SawSamePixels = SawSamePixels || ShowsTheDisplay();
         }
-        if (Turn >= gRound && Left == 0) {
+        if (Turn >= gRound && Left == 0 && ByKeys) {
+            ActByKeys();
+        } else if (Turn >= gRound && Left == 0) {
             Click(0, Tab);
             Click(gRound / 2, Box);
+        }
+    }
+    // To the next tab, and there a click; to the sixth place behind it, the box, and there another.
+    VOID ActByKeys() const
+    {
+        SDL_Event Event{};
+        if (Turn % gRound == 0) {
+            Event.motion.type = SDL_MOUSEMOTION; // by a pixel at least, or the pointer stays where the keys left it
+            Event.motion.x = 323 + static_cast<int>(Turn / gRound % 2);
+            Event.motion.y = 150;
+            SDL_PushEvent(&Event);
+        } else if (Turn % gRound == 4 || Turn % gRound == gRound / 2) {
+            Event.type = SDL_KEYDOWN;
+            Event.key.keysym.sym = SDLK_TAB;
+            for (int Times = Turn % gRound == 4 ? 1 : 6; Times > 0; Times--) {
+                SDL_PushEvent(&Event);
+            }
+            Event.type = SDL_TEXTINPUT;
+            Event.text.text[0] = ' ';
+            Event.text.text[1] = 0;
+            SDL_PushEvent(&Event);
         }
     }
     VOID Click(UINT64 First, SDL_Point Place) const
@@ -169,6 +193,13 @@ TEST(WindowSession, ShowsAWholePanelAndPointsAtTheConsolesPixelsOnIt)
         Middle.insert(Middle.end(), From, From + gDisplayWidth);
     }
     ExpectSamePicture(Middle, Recorded.Played.Display);
+}
+
+TEST(WindowSession, TakesTheKeysThatTakeTheMousesPlace)
+{
+    PERSON Person{.ByKeys = true};
+    const RECORDED Recorded(&Person, {});
+    ExpectSamePicture(Recorded.Live.Display, Recorded.Played.Display);
 }
 
 TEST(WindowSession, SaysThatThereIsNoScreenAndStartsNothing)
