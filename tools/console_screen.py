@@ -1,11 +1,12 @@
 """What the console's first screen has to look like, on whatever machine."""
+import math
 import os
 import subprocess
 import tempfile
 
 from PIL import Image
 
-from machine import difference
+from machine import HEIGHT, WIDTH, difference
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
@@ -41,13 +42,23 @@ SIMULATED = "string 22 Voltages - a simulation: all numbers here are invented"
 UNTOUCHED = (SIMULATED, "pointer 512 384", "turn 3", "tick 3")
 
 
-def make_hosted_picture(script=UNTOUCHED):
-    """What the hosted console shows at the end of the script's lines."""
+def on_panel(box, size):
+    """Where the box (x, y, width, height) of the console's picture stands on a display of that size."""
+    times = min(size[0] // WIDTH, size[1] // HEIGHT) or min(size[0] / WIDTH, size[1] / HEIGHT)
+    left, top = int(size[0] - times * WIDTH) // 2, int(size[1] - times * HEIGHT) // 2
+    x, y, width, height = box
+    x_end, y_end = math.ceil((x + width) * times), math.ceil((y + height) * times)
+    x, y = int(x * times), int(y * times)
+    return left + x, top + y, x_end - x, y_end - y
+
+
+def make_hosted_picture(script=UNTOUCHED, size=(WIDTH, HEIGHT)):
+    """What the hosted console shows on a display of that size at the end of the script's lines."""
     with tempfile.TemporaryDirectory(prefix="ventara-hosted-") as folder:
         path, picture = os.path.join(folder, "script"), os.path.join(folder, "hosted.png")
         with open(path, "w", encoding="ascii") as file:
             file.write("\n".join(script) + f"\nscreenshot {picture}\n")
-        subprocess.run([HOSTED, "--script", path], check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+        subprocess.run([HOSTED, "--panel", f"{size[0]}x{size[1]}", "--script", path], check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                        timeout=60)
         with Image.open(picture) as hosted:
             return hosted.convert("RGB")
@@ -56,7 +67,8 @@ def make_hosted_picture(script=UNTOUCHED):
 def see_console(machine, hosted):
     """Waits for the console, until the screen is the hosted one outside live numbers; gives the picture."""
     machine.wait_for_console()
-    return machine.look_until(lambda now: not difference(now, hosted, LIVE), what="the console's first screen")
+    live = [on_panel(box, hosted.size) for box in LIVE]
+    return machine.look_until(lambda now: not difference(now, hosted, live), what="the console's first screen")
 
 
 def leave_console(machine):

@@ -30,12 +30,14 @@ POINTERS = {"ps2": [], "tablet": ["usb-tablet,id=pointer"], "mouse": ["usb-mouse
 KEYBOARDS = {"ps2": [], "usb": ["usb-kbd"], "none": []}
 
 # What stands for a graphics adapter: a usual one; one whose memory is too small for 1024 by 768; one with three bytes a
-# pixel; one that takes pictures by the firmware's calls alone; two usual ones; two kinds together; or none.
+# pixel; one that takes pictures by the firmware's calls alone; the same with a dense display; two usual ones; two kinds
+# together; or none.
 GRAPHICS = {
     "std": ["VGA"],
     "small": ["VGA,vgamem_mb=2"],
     "packed": ["cirrus-vga"],
     "virtio": ["virtio-gpu-pci"],
+    "dense": ["virtio-gpu-pci,edid=on,xres=3840,yres=2160"],
     "two": ["VGA", "secondary-vga"],
     "mixed": ["VGA", "virtio-gpu-pci"],
     "none": [],

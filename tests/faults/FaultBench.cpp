@@ -95,6 +95,7 @@ SESSION_OPTIONS OptionsOf(const SCENARIO& Scenario, bool Settles = true, bool Ke
     SESSION_OPTIONS Options;
     Options.Board = Scenario.Board;
     Options.Generation = Scenario.Generation;
+    Options.Panel = Scenario.Panel;
     Options.Script = ScriptOf(Scenario, Settles);
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
     Options.PoolFillLimit = gPoolFillLimit;

@@ -19,6 +19,7 @@ struct SCENARIO {
     std::string Script;
     UINTN ComparedRows =
         gDisplayHeight; // of the display, from the top; with less than all, the chart isn't compared either
+    PANEL Panel = {};   // of 1024 by 768
 };
 
 // A start of each board and generation, followed by a short use of everything, so that what a failure left out is used; and

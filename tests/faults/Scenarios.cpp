@@ -83,6 +83,7 @@ const std::vector<SCENARIO> gUses = {
     {"Buttons", "full", 0, Settled(Begun().Button(DEFAULT).Button(CANCEL).Move(Button(FULL_SPEED).Center()).Turns(3))},
     {"CheckBox", "full", 0, Settled(Begun().Box().Box())},
     {"Node", "full", 0, Settled(Begun().Node(0, {1, -1}).Drag(NodePlace(EIGHT_ROWS, 3), {{700, 300}}))},
+    {"NodeBehindALayer", "full", 0, Settled(Begun().Node(0, {1, -1})), gDisplayHeight, {1024, 768, PANEL_BLT_ONLY}},
     {"Thumb", "full", 0, Settled(Begun().Tab(9).Thumb(5))},
     {"Tabs", "full", 0, Settled(Begun().Tab(5).Tab(7).Tab(10))},
     {"Sources", "full", 0, Settled(Begun().Source(1).Ticks(3).Source(0))},

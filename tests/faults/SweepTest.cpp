@@ -122,8 +122,8 @@ INSTANTIATE_TEST_SUITE_P(Nightly, EveryFailureOfAStart,
                                          "StartOnTheSecondSource", "StartOnTheBareBoard"),
                          NameCase);
 INSTANTIATE_TEST_SUITE_P(Nightly, EveryFailureOfAUse,
-                         testing::Values("CheckBox", "Thumb", "Tabs", "Sources", "HelpPage", "Keys", "Watching",
-                                         "Restart"),
+                         testing::Values("CheckBox", "NodeBehindALayer", "Thumb", "Tabs", "Sources", "HelpPage", "Keys",
+                                         "Watching", "Restart"),
                          NameCase);
 
 } // namespace

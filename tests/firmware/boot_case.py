@@ -57,11 +57,11 @@ class BootCase(unittest.TestCase):
         image.make_image(path, places)
         return path
 
-    def hosted_picture(self, *script):
-        """What the hosted console shows at the end of the script's lines, or before anybody has touched it."""
+    def hosted_picture(self, *script, **picture):
+        """What the hosted console shows, before anybody has touched it or as make_hosted_picture is told."""
         if not os.path.exists(HOSTED):
             self.skipTest(f"{HOSTED} isn't built")
-        return make_hosted_picture(*script)
+        return make_hosted_picture(*script, **picture)
 
     def problem_of(self, machine):
         """Waits for the starter to tell of a problem, and gives what it says as one line."""

@@ -8,7 +8,8 @@
 
 #include "platform/display/DisplayLayer.h"
 #include "platform/display/Scale.h"
-#include "platform/host/Boot.h"
+#include "platform/host/CurrentBoot.h"
+#include "platform/host/Session.h"
 
 namespace {
 
@@ -257,6 +258,42 @@ TEST_F(CountedPanel, IsSentSinglePixelsTogetherBeforeAnythingElseOrWhenTheirTime
     ASSERT_EQ(Fill(5, 20, 20, 8, 8), EFI_SUCCESS); // what is held goes first
     EXPECT_EQ(Display.Calls, 4u);
     EXPECT_EQ(Display.Pixels, 3600u + 1 + 1 + 64);
+}
+
+// A display that refuses every third block for a while, from the console's first call on.
+struct REFUSING_DISPLAY {
+    UINTN Blocks = 0;
+    decltype(EFI_GRAPHICS_OUTPUT_PROTOCOL::Blt) True = nullptr;
+} gRefusing;
+
+bool BeginToRefuse(VOID*, CALL, EFI_STATUS*, bool*)
+{
+    if (gRefusing.True == nullptr) {
+        gRefusing.True = gCurrentBoot->Protocols.GraphicsOutput.Blt;
+        gCurrentBoot->Protocols.GraphicsOutput.Blt =
+            [](EFI_GRAPHICS_OUTPUT_PROTOCOL* This, PIXEL* Buffer, EFI_GRAPHICS_OUTPUT_BLT_OPERATION Operation,
+               UINTN SourceX, UINTN SourceY, UINTN X, UINTN Y, UINTN Width, UINTN Height, UINTN Delta) {
+                const bool Refuses = gRefusing.Blocks++ < 400 && gRefusing.Blocks % 3 == 0;
+                return Refuses ? EFI_DEVICE_ERROR
+                               : gRefusing.True(This, Buffer, Operation, SourceX, SourceY, X, Y, Width, Height, Delta);
+            };
+    }
+    return false;
+}
+
+TEST(PanelLayer, ShowsTheConsoleWholeAfterBlocksThatTheDisplayRefused)
+{
+    SESSION_OPTIONS Options;
+    Options.ImagePath = VENTARA_CONSOLE_IMAGE;
+    Options.Panel = {2048, 1536, PANEL_BLT_ONLY};
+    Options.Script = "pointer 424 150\nturn 3\nleft down\nturn\nleft up\nturn 3\ntick 40\nscreenshot end\n";
+    const SESSION_RESULT Whole = RunSession(Options);
+    Options.Failures.Call = BeginToRefuse;
+    const SESSION_RESULT Refused = RunSession(Options);
+    EXPECT_GT(gRefusing.Blocks, 420u) << "the blocks that follow are taken";
+    EXPECT_EQ(Refused.Status, EFI_SUCCESS);
+    EXPECT_TRUE(Refused.Complaints.empty() && Refused.Leaks.empty());
+    EXPECT_TRUE(Whole.Pictures.at("end") == Refused.Pictures.at("end"));
 }
 
 TEST(PanelLayer, LeavesNothingBehindWhereMemoryIsMissing)
