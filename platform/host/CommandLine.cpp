@@ -64,6 +64,7 @@ std::string ParseCount(const std::string& Value, UINT64* Count)
 }
 
 const OPTION_FACTS gOptions[] = {
+    // option, name of its value, help, what reads it
     {"--board", "NAME", "the board: a simulated one, or linux for this machine's own sensors",
      [](const std::string& Value, COMMAND& Command) -> std::string {
          Command.Session.Board = Value;

@@ -15,6 +15,7 @@ constexpr UINT64 gWriteBack = 8;
 constexpr UINT64 gBlockIoRevision = 0x00010000;
 
 constexpr EFI_MEMORY_DESCRIPTOR gMemoryMap[] = {
+    // type, physical and virtual start, pages, attribute
     {EfiBootServicesData, 0x00000000, 0, 0x1, gWriteBack},
     {EfiConventionalMemory, 0x00001000, 0, 0x9F, gWriteBack},
     {EfiReservedMemoryType, 0x000A0000, 0, 0x60, 0},

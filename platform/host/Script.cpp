@@ -301,6 +301,7 @@ struct VERB_FACTS {
 };
 
 constexpr VERB_FACTS gVerbs[] = {
+    // word, command, what reads its arguments, for before the first start alone
     {"pointer", SCRIPT_POINTER, ParsePointer, false}, {"left", SCRIPT_LEFT, ParseButton, false},
     {"right", SCRIPT_RIGHT, ParseButton, false},      {"key", SCRIPT_KEY, ParseKey, false},
     {"turn", SCRIPT_TURN, ParseRepeat, false},        {"advance", SCRIPT_ADVANCE, ParseAdvance, false},

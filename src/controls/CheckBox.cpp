@@ -104,7 +104,7 @@ VOID NameBox(CHECK_BOX_COMPONENT* Box, const CHAR16* Caption, UINT16 CaptionX, U
     }
     Box->Name = static_cast<CHAR16*>(AllocateZeroPool(gNameSize));
     if (Box->Name != nullptr) {
-        (void)FormatUnicodeText(Box->Name, gNameSize, u"%s%d", u"Check_Box_", static_cast<INT32>(gCheckBoxCount));
+        FormatUnicodeText(Box->Name, gNameSize, u"%s%d", u"Check_Box_", static_cast<INT32>(gCheckBoxCount));
     }
 }
 
@@ -192,7 +192,7 @@ EFI_STATUS CreateCheckBox(CHECK_BOX_COMPONENT** Box, const CHAR16* Caption, UINT
     VOID* Block = nullptr;
     const EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, sizeof(CHECK_BOX_COMPONENT), &Block);
     if (EfiError(Status)) {
-        (void)PrintToConsole(u"AllocatePool Fail (CreateCheckBox) ,Status=%r\n", Status);
+        PrintToConsole(u"AllocatePool Fail (CreateCheckBox) ,Status=%r\n", Status);
         return Status;
     }
     SetMem(Block, sizeof(CHECK_BOX_COMPONENT), 0);
@@ -298,12 +298,12 @@ EFI_STATUS SetCheckBoxState(EFI_EVENT, VOID* Context)
     if (gGuiCore->MouseState != L_CLICK) {
         return EFI_SUCCESS;
     }
-    (void)SignalLinks(Box, Box->State == 1 ? CHECK_BOX_LINK_CHECKED : CHECK_BOX_LINK_UNCHECKED);
+    SignalLinks(Box, Box->State == 1 ? CHECK_BOX_LINK_CHECKED : CHECK_BOX_LINK_UNCHECKED);
     const bool Inside = PointInRect(Box->Rect, gGuiCore->PointerX, gGuiCore->PointerY);
     if (Inside && SignalLinks(Box, CHECK_BOX_LINK_INSIDE)) {
         return EFI_SUCCESS;
     }
-    (void)SignalLinks(Box, CHECK_BOX_LINK_OUTSIDE);
+    SignalLinks(Box, CHECK_BOX_LINK_OUTSIDE);
     return EFI_SUCCESS;
 }
 

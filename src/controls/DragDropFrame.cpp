@@ -100,7 +100,7 @@ VOID CreateNode(DRAGDROP_COMPONENT* Frame, UINT32 Number, UINT32 CellIndex, UINT
     }
     Node->Name = static_cast<CHAR16*>(AllocateZeroPool(gNameSize));
     if (Node->Name != nullptr) {
-        (void)FormatUnicodeText(Node->Name, gNameSize, u"%s%d", u"DDFrameNode_", static_cast<INT32>(Number));
+        FormatUnicodeText(Node->Name, gNameSize, u"%s%d", u"DDFrameNode_", static_cast<INT32>(Number));
     }
     const GUI_RECT Rect = PictureRect(Node->CenterX - Frame->CellWidth / 2u, Node->CenterY - Frame->CellHeight / 2u,
                                       Frame->CellWidth, Frame->CellHeight);

@@ -99,9 +99,9 @@ VOID DrawDragDropDrag(DRAGDROP_COMPONENT* Frame, POINT Place)
     const PIXEL Color = gNodeColor[Frame->ActiveNode];
     const GUI_RECT& Rect = Frame->Rect;
     CopyMem(Frame->WorkImage, Frame->GridImage, Rect.BufferSize);
-    (void)MarkRectangle(Frame->WorkImage, Rect.Width, Rect.Height, static_cast<INT32>(Active.Left - Rect.X),
-                        static_cast<INT32>(Active.Top - Rect.Y), Distance(Active.Right, Active.Left),
-                        Distance(Active.Bottom, Active.Top), Color);
+    MarkRectangle(Frame->WorkImage, Rect.Width, Rect.Height, static_cast<INT32>(Active.Left - Rect.X),
+                  static_cast<INT32>(Active.Top - Rect.Y), Distance(Active.Right, Active.Left),
+                  Distance(Active.Bottom, Active.Top), Color);
     for (const DD_FRAME_NODE& Node : Frame->Nodes) {
         if (Node.Id != gGuiCore->HitId && &Node != &Active) {
             OverlayNode(Frame, Node, RestingPlace(Frame, Node));

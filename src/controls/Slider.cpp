@@ -61,12 +61,12 @@ VOID RegisterSliderPart(SLIDER_COMPONENT* Slider, const GUI_RECT* Rect, COMPONEN
 {
     CHAR16* Name = AllocateArray<CHAR16>(gNameLength);
     if (Name != nullptr) {
-        (void)FormatUnicodeText(Name, gNameFormatSize, u"N/A");
+        FormatUnicodeText(Name, gNameFormatSize, u"N/A");
     }
     *NameOut = Name;
     RegisterControl(Slider, Rect, Kind, IdOut, Slider->PrimaryEvent, SecondaryEvent, Name);
     if (Name != nullptr) {
-        (void)FormatUnicodeText(Name, gNameFormatSize, u"%s%d", Stem, static_cast<INT32>(*IdOut));
+        FormatUnicodeText(Name, gNameFormatSize, u"%s%d", Stem, static_cast<INT32>(*IdOut));
     }
 }
 

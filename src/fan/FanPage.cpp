@@ -50,6 +50,7 @@ struct FAN_PAGE_FACTS {
 
 // The tab of item 8 lies one pixel right of the pitch and its readout doesn't; that is meant.
 constexpr FAN_PAGE_FACTS gFanPageFacts[gFanItemCount] = {
+    // layout, the tab's left edge, vendor of the speed history
     {FAN_LAYOUT_CURVE8, 275, {0xFE2A31D4, 0xE344, 0x4B1C, {0xAC, 0x0A, 0x54, 0xB6, 0x99, 0xBA, 0xEB, 0xF6}}},
     {FAN_LAYOUT_NONE, 374, {0x55D26D12, 0x33F2, 0x4000, {0xB1, 0x7D, 0xD2, 0x20, 0xFD, 0xB3, 0xB5, 0xF2}}},
     {FAN_LAYOUT_CURVE6, 473, {0xAEFF8490, 0xBEDF, 0x460D, {0xBE, 0x5F, 0x62, 0x99, 0x7F, 0x9B, 0x2D, 0xA5}}},
@@ -148,6 +149,7 @@ constexpr FAN_LAYOUT_FACTS LayoutFacts(const CHAR16* const* DutyLabels, UINT32 N
 }
 
 constexpr FAN_LAYOUT_FACTS gLayoutFacts[] = {
+    // duty labels, section of the nodes, blanks before the tab's text, joins
     {nullptr, 0, u"", nullptr, 0},
     LayoutFacts(gDutyLabels8, gNode8Section, u"    ", gCurve8Joins),
     LayoutFacts(gDutyLabels6, gNode6Section, u"   ", gCurve6Joins),
@@ -369,7 +371,7 @@ CHAR16* BuildTabText(const CHAR16* Prefix, const CHAR16* Name)
     const UINTN Length = StringLength(Prefix) + 1 + StringLength(Name) + 1;
     CHAR16* Text = AllocateZeroArray<CHAR16>(Length);
     if (Text != nullptr) {
-        (void)FormatUnicodeText(Text, Length * sizeof(CHAR16), u"%s%s", Prefix, Name != nullptr ? Name : u"");
+        FormatUnicodeText(Text, Length * sizeof(CHAR16), u"%s%s", Prefix, Name != nullptr ? Name : u"");
     }
     return Text;
 }
@@ -380,15 +382,14 @@ VOID CreateFanPage(FAN_PAGE* Page)
     if (Page->Layout == FAN_LAYOUT_NONE) {
         return;
     }
-    const UINTN Place = IndexOfFanPage(Page);
+    const FAN_PAGE_FACTS& Facts = gFanPageFacts[IndexOfFanPage(Page)];
     const FAN_LAYOUT_FACTS& Layout = gLayoutFacts[Page->Layout];
 
     const TEMPORARY<CHAR16> Name(gHwService->GetItemString(gHwService, Page->ItemId));
     const TEMPORARY<CHAR16> Text(BuildTabText(Layout.TabPrefix, Name.Data));
-    (void)CreateButton(&Page->Tab, &gArtworkFileGuid, gTabSection, Text.Data, gFanPageFacts[Place].TabX, gTabY,
-                       gTabTextX, gTabTextY);
+    (void)CreateButton(&Page->Tab, &gArtworkFileGuid, gTabSection, Text.Data, Facts.TabX, gTabY, gTabTextX, gTabTextY);
     if (Page->Tab != nullptr && gFanPageBar != nullptr) {
-        (void)AddPageBarButton(gFanPageBar, Page->Tab, gShowFanPageFrame[Place]);
+        (void)AddPageBarButton(gFanPageBar, Page->Tab, gShowFanPageFrame[IndexOfFanPage(Page)]);
     }
     if (LayoutHasFrame(Page->Layout)) {
         (void)CreateCheckBox(&Page->CheckBox, nullptr, gFanBoxX, gFanBoxY, gFanBoxSection, &gArtworkFileGuid,

@@ -68,6 +68,7 @@ constexpr UINT32 gReadoutNumberWidth = 40;
 
 // The temperature sources from the top, then the fans from the left.
 inline constexpr READOUT gReadout[gTemperatureItemCount + gFanItemCount] = {
+    // item, backdrop, left edge of the number, unit
     {0, 165, 296, 181, u"\u00F8C"}, {1, 165, 333, 181, u"\u00F8C"}, {2, 165, 370, 181, u"\u00F8C"},
     {4, 275, 181, 281, u" RPM"},    {5, 374, 181, 380, u" RPM"},    {6, 473, 181, 479, u" RPM"},
     {7, 572, 181, 578, u" RPM"},    {8, 671, 181, 677, u" RPM"},    {9, 770, 181, 776, u" RPM"},

@@ -240,7 +240,7 @@ EFI_STATUS CreatePageBar(PAGE_BAR** BarOut)
     VOID* Block = nullptr;
     EFI_STATUS Status = gBS->AllocatePool(EfiBootServicesData, sizeof(PAGE_BAR), &Block);
     if (EfiError(Status)) {
-        (void)PrintToConsole(u"AllocatePool Fail (PageBar Control) ,Status=%r\n", Status);
+        PrintToConsole(u"AllocatePool Fail (PageBar Control) ,Status=%r\n", Status);
         return Status;
     }
     SetMem(Block, sizeof(PAGE_BAR), 0);
@@ -249,7 +249,7 @@ EFI_STATUS CreatePageBar(PAGE_BAR** BarOut)
     Status = gBS->AllocatePool(EfiBootServicesData, sizeof(PAGE_BAR_LIST), &Block);
     if (EfiError(Status)) {
         FreePool(Bar);
-        (void)PrintToConsole(u"AllocatePool Fail (PageBar_Link_List) ,Status=%r\n", Status);
+        PrintToConsole(u"AllocatePool Fail (PageBar_Link_List) ,Status=%r\n", Status);
         return Status;
     }
     Bar->Entries = static_cast<PAGE_BAR_LIST*>(Block);

@@ -14,6 +14,7 @@ struct GAUGE_FACTS {
 };
 
 constexpr GAUGE_FACTS gGaugeFacts[gVoltageItemCount] = {
+    // left edge, name
     {69, u"CPU Core"},    {196, u"CPU I/O"}, {323, u"System/3.3V"}, {450, u"System/5V"},
     {577, u"System/12V"}, {704, u"GPU"},     {831, u"DRAM"},
 };

@@ -38,7 +38,7 @@ VOID DrawHighlight(UINT32 X, UINT32 Y, const CHAR16* Text, const PIXEL* Color)
 }
 
 // Nearest cell to a place inside the control; gNone for a report without cells.
-UINT32 CellAt(UINT32 Place, UINT32 CellSize) { return CellSize == 0 ? gNone : (Place + CellSize / 2) / CellSize; }
+UINT32 NearestCell(UINT32 Place, UINT32 CellSize) { return CellSize == 0 ? gNone : (Place + CellSize / 2) / CellSize; }
 
 UINT32 ColumnLabelX(UINT32 Column, UINT32 CellWidth) { return (2 * Column + 1) * (CellWidth / 2) + gColumnLabelLeft; }
 
@@ -63,7 +63,7 @@ VOID EraseRowLabel(UINT8 Row, UINT32 CellHeight)
 
 VOID UpdateColumn(const DRAG_REPORT& Report)
 {
-    const UINT32 Column = CellAt(Report.RelX, Report.CellWidth);
+    const UINT32 Column = NearestCell(Report.RelX, Report.CellWidth);
     if (gColumn == Column) {
         return;
     }
@@ -81,7 +81,7 @@ VOID UpdateColumn(const DRAG_REPORT& Report)
 
 VOID UpdateRow(const DRAG_REPORT& Report)
 {
-    const UINT32 Row = CellAt(Report.RelY, Report.CellHeight);
+    const UINT32 Row = NearestCell(Report.RelY, Report.CellHeight);
     if (gRow == Row) {
         return;
     }
@@ -102,7 +102,7 @@ VOID UpdateRow(const DRAG_REPORT& Report)
 // A slider's level holds for all temperatures, so all columns light up with the row.
 VOID UpdateSliderRow(const DRAG_REPORT& Report)
 {
-    const UINT32 Row = CellAt(Report.RelY, Report.CellHeight);
+    const UINT32 Row = NearestCell(Report.RelY, Report.CellHeight);
     if (gSliderRow == Row) {
         return;
     }

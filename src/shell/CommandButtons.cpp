@@ -31,7 +31,7 @@ enum COMMAND : UINTN { ABOUT, HELP, EXIT, FULL_SPEED, DEFAULT, CANCEL, COMMAND_C
 
 // In the order of creation.
 constexpr COMMAND_BUTTON gCommandButtons[COMMAND_COUNT] = {
-    // title           image  x    y    text    action             legend
+    // title, section of the picture, place, place of the text in it, action, whether the legend follows
     {STRING_ABOUT, 15, 770, 81, 16, 4, ShowAboutPage, false},
     {STRING_HELP, 16, 851, 81, 16, 4, ShowHelpPage, false},
     {STRING_EXIT, 17, 932, 81, 10, 6, ExitButtonAction, false},

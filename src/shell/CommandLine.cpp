@@ -26,10 +26,10 @@ bool ParseCommandLine()
     if (!gShellConsole || Argc != 2 || Argv == nullptr) {
         return true;
     }
-    (void)PrintToConsole(u"UseShellFun\t\n");
+    PrintToConsole(u"UseShellFun\t\n");
     if (!AsksForVersion(Argv[1])) {
         return true;
     }
-    (void)PrintToConsole(u"%s", gVersionLine);
+    PrintToConsole(u"%s", gVersionLine);
     return false;
 }

@@ -262,7 +262,7 @@ VOID GetNodeIdentifier(UINT8* Node)
                                    &DescriptorVersion);
     }
     if (!Map) {
-        (void)PrintToConsole(u"Memory map was not returned\n");
+        PrintToConsole(u"Memory map was not returned\n");
         return;
     }
     // Whole descriptors, in the size that the firmware gives them, which can be larger than the record that we know.

@@ -233,7 +233,7 @@ VOID PutStatus(OUTPUT& Output, const ELEMENT& Element, EFI_STATUS Status)
     CHAR16 Number[9];
     TEXT Text = {nullptr, StatusText(Status)};
     if (Text.Ascii == nullptr) {
-        (void)FormatUnicodeText(Number, sizeof(Number), u"%08X", static_cast<UINT32>(Status));
+        FormatUnicodeText(Number, sizeof(Number), u"%08X", static_cast<UINT32>(Status));
         Text = {Number, nullptr};
     }
     PutText(Output, Element, Text);
@@ -247,9 +247,8 @@ VOID PutGuid(OUTPUT& Output, const ELEMENT& Element, const EFI_GUID* Guid)
     }
     CHAR16 Text[37];
     const UINT8* Tail = Guid->Data4;
-    (void)FormatUnicodeText(Text, sizeof(Text), u"%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x", Guid->Data1,
-                            Guid->Data2, Guid->Data3, Tail[0], Tail[1], Tail[2], Tail[3], Tail[4], Tail[5], Tail[6],
-                            Tail[7]);
+    FormatUnicodeText(Text, sizeof(Text), u"%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x", Guid->Data1, Guid->Data2,
+                      Guid->Data3, Tail[0], Tail[1], Tail[2], Tail[3], Tail[4], Tail[5], Tail[6], Tail[7]);
     PutText(Output, Element, {Text, nullptr});
 }
 
@@ -260,8 +259,8 @@ VOID PutTime(OUTPUT& Output, const ELEMENT& Element, const EFI_TIME* Time)
         return;
     }
     CHAR16 Text[24]; // the longest that the fields' widths allow has 22 characters
-    (void)FormatUnicodeText(Text, sizeof(Text), u"%02d/%02d/%04d  %02d:%02d", Time->Month, Time->Day, Time->Year,
-                            Time->Hour, Time->Minute);
+    FormatUnicodeText(Text, sizeof(Text), u"%02d/%02d/%04d  %02d:%02d", Time->Month, Time->Day, Time->Year, Time->Hour,
+                      Time->Minute);
     PutText(Output, Element, {Text, nullptr});
 }
 

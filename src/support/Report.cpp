@@ -6,8 +6,7 @@
 VOID AssertPrint(const CHAR8* FileName, UINTN LineNumber, const CHAR8* Description)
 {
     CHAR16 Line[256]; // 512 bytes
-    (void)FormatAsciiText(Line, sizeof(Line), "ASSERT %a(%d): %a\n", FileName, static_cast<INT32>(LineNumber),
-                          Description);
+    FormatAsciiText(Line, sizeof(Line), "ASSERT %a(%d): %a\n", FileName, static_cast<INT32>(LineNumber), Description);
     if (gST != nullptr && gST->StdErr != nullptr) {
         (void)gST->StdErr->OutputString(gST->StdErr, Line);
     }
