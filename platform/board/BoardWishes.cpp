@@ -68,9 +68,9 @@ UINT32 FactorOf(PIECE Piece)
 {
     UINT32 Factor = 0;
     INT32 Decimals = -1; // still in front of the point
-    for (UINTN At = 0; At < Piece.Length; At++) {
-        const CHAR8 Letter = Piece.Text[At];
-        if (Letter == '.' && Decimals < 0 && At > 0) {
+    for (UINTN Index = 0; Index < Piece.Length; Index++) {
+        const CHAR8 Letter = Piece.Text[Index];
+        if (Letter == '.' && Decimals < 0 && Index > 0) {
             Decimals = 0;
         } else if (Letter < '0' || Letter > '9' || Factor > gHighestFactor) {
             return 0;
@@ -101,8 +101,8 @@ WISH* AddWish(const READER& Reader, WISH_KIND Kind, PIECE Sensor)
     *Wish = {};
     Wish->Kind = Kind;
     Wish->Line = Reader.Line;
-    for (UINTN At = 0; At < Sensor.Length; At++) {
-        Wish->Sensor[At] = Sensor.Text[At];
+    for (UINTN Index = 0; Index < Sensor.Length; Index++) {
+        Wish->Sensor[Index] = Sensor.Text[Index];
     }
     return Wish;
 }
@@ -122,9 +122,9 @@ VOID AddName(const READER& Reader, PIECE Sensor, PIECE Name)
         return;
     }
     if (WISH* Wish = AddWish(Reader, WISH_NAME, Sensor)) {
-        for (UINTN At = 0; At < Name.Length; At++) {
-            const UINT8 Letter = static_cast<UINT8>(Name.Text[At]);
-            Wish->Name[At] = Letter >= 0x20 && Letter < 0x7F ? Letter : u'?';
+        for (UINTN Index = 0; Index < Name.Length; Index++) {
+            const UINT8 Letter = static_cast<UINT8>(Name.Text[Index]);
+            Wish->Name[Index] = Letter >= 0x20 && Letter < 0x7F ? Letter : u'?';
         }
     }
 }

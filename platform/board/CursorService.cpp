@@ -14,12 +14,6 @@ UINT64 (*gMicroseconds)();
 UINTN gLimitWidth = gScreenWidth;
 UINTN gLimitHeight = gScreenHeight;
 
-INT64 ClampTo(INT64 Position, UINTN Limit)
-{
-    const INT64 Last = Limit == 0 ? 0 : static_cast<INT64>(Limit - 1);
-    return Position < 0 ? 0 : Position > Last ? Last : Position;
-}
-
 EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Right)
 {
     if (X == nullptr || Y == nullptr || Z == nullptr || Left == nullptr || Right == nullptr) {
@@ -36,8 +30,8 @@ EFI_STATUS GetCursorState(INT64* X, INT64* Y, INT64* Z, UINT8* Left, UINT8* Righ
             TakeHome();
         }
     }
-    *X = ClampTo(Pointer.X, gLimitWidth);
-    *Y = ClampTo(Pointer.Y, gLimitHeight);
+    *X = HoldInside(Pointer.X, gLimitWidth);
+    *Y = HoldInside(Pointer.Y, gLimitHeight);
     *Z = 0;
     *Left = Pointer.Left != 0 ? 1 : 0;
     *Right = NowRight != 0 ? 1 : 0;

@@ -57,15 +57,15 @@ VOID Jump(bool Back)
     const UINTN Count = ListTabStops(Stops);
     UINTN Nearest = 0;
     INT64 Least = 0;
-    for (UINTN At = 0; At < Count; At++) {
-        const TAB_STOP& Stop = Stops[At];
+    for (UINTN Index = 0; Index < Count; Index++) {
+        const TAB_STOP& Stop = Stops[Index];
         if (IsInside(Stop, gHand.X, gHand.Y)) {
-            Nearest = (At + (Back ? Count - 1 : 1)) % Count;
+            Nearest = (Index + (Back ? Count - 1 : 1)) % Count;
             break;
         }
         const INT64 Way = Distance(gHand.X, Stop.X + Stop.Width / 2) + Distance(gHand.Y, Stop.Y + Stop.Height / 2);
-        if (At == 0 || Way < Least) {
-            Nearest = At;
+        if (Index == 0 || Way < Least) {
+            Nearest = Index;
             Least = Way;
         }
     }
@@ -113,18 +113,12 @@ VOID TakeHold(UINT64 Now)
     gHand.StepX = 0;
     TAB_STOP Stops[gMostTabStops];
     const UINTN Count = ListTabStops(Stops);
-    for (UINTN At = 0; At < Count; At++) {
-        if (Stops[At].Dragged && IsInside(Stops[At], gHand.X, gHand.Y)) {
-            gHand.StepX = Stops[At].Width;
-            gHand.StepY = Stops[At].Height;
+    for (UINTN Index = 0; Index < Count; Index++) {
+        if (Stops[Index].Dragged && IsInside(Stops[Index], gHand.X, gHand.Y)) {
+            gHand.StepX = Stops[Index].Width;
+            gHand.StepY = Stops[Index].Height;
         }
     }
-}
-
-INT64 Clamp(INT64 Value, UINTN Limit)
-{
-    const INT64 Last = Limit == 0 ? 0 : static_cast<INT64>(Limit - 1);
-    return Value < 0 ? 0 : Value > Last ? Last : Value;
 }
 
 // Carries strokes out up to the next change of the button, which has to be seen before anything else happens. True while
@@ -163,14 +157,19 @@ bool TakeStrokes(UINTN Width, UINTN Height, UINT64 Now)
         } else if (!gHand.Holding) { // what is in hand goes where arrows bring it
             Jump(Key == HAND_BACK);
         }
-        gHand.X = Clamp(gHand.X, Width);
-        gHand.Y = Clamp(gHand.Y, Height);
+        gHand.X = HoldInside(gHand.X, Width);
+        gHand.Y = HoldInside(gHand.Y, Height);
         Moved = true;
     }
     return false;
 }
 
 } // namespace
+
+INT64 HoldInside(INT64 Position, UINTN Extent)
+{
+    return Limit<INT64>(Position, 0, Extent == 0 ? 0 : static_cast<INT64>(Extent - 1));
+}
 
 VOID PressHand(HAND_KEY Key)
 {

@@ -40,5 +40,7 @@ VOID PressHand(HAND_KEY Key);
 // ResetHand drops the strokes that came before it: they were meant for something else. Now in microseconds. True when a
 // picture is to be taken.
 bool MoveHand(HAND_POINTER* Pointer, POINTER_SOURCE* Source, UINTN Width, UINTN Height, UINT64 Now);
+// A coordinate, held inside a display of that extent.
+INT64 HoldInside(INT64 Position, UINTN Extent);
 // A console is gone, or comes.
 VOID ResetHand();

@@ -49,11 +49,11 @@ VOID OpenHandKeys(EFI_SYSTEM_TABLE* SystemTable)
         return;
     }
     gKeyboard = static_cast<EFI_SIMPLE_TEXT_INPUT_EX_PROTOCOL*>(Interface);
-    for (UINTN At = 0; At < gHandStrokeCount; At++) {
+    for (UINTN Index = 0; Index < gHandStrokeCount; Index++) {
         // Shift and the like are looked at when the stroke comes.
-        EFI_KEY_DATA Stroke = {.Key = gHandStrokes[At].Key, .KeyState = {}};
-        if (EfiError(gKeyboard->RegisterKeyNotify(gKeyboard, &Stroke, OnStroke, &gNotifications[At]))) {
-            gNotifications[At] = nullptr;
+        EFI_KEY_DATA Stroke = {.Key = gHandStrokes[Index].Key, .KeyState = {}};
+        if (EfiError(gKeyboard->RegisterKeyNotify(gKeyboard, &Stroke, OnStroke, &gNotifications[Index]))) {
+            gNotifications[Index] = nullptr;
         }
     }
 }

@@ -119,8 +119,8 @@ VOID AddFan(REPORT_TEXT* Report, BOARD_SOURCE* Board, UINT8 Item)
         AddNumber(Report, Setting.FixedLevel);
     }
     AddText(Report, ", record ");
-    for (UINTN At = 0; At < offsetof(FAN_SETTING, Reserved12); At++) {
-        AddHexByte(Report, reinterpret_cast<const UINT8*>(&Setting)[At]);
+    for (UINTN Index = 0; Index < offsetof(FAN_SETTING, Reserved12); Index++) {
+        AddHexByte(Report, reinterpret_cast<const UINT8*>(&Setting)[Index]);
     }
 }
 

@@ -53,8 +53,8 @@ struct FILE_NAME {
     }
     VOID SetEnding(const CHAR16 (&Ending)[4])
     {
-        for (UINTN At = 0; At < 4; At++) {
-            Text[gEndingAt + At] = Ending[At];
+        for (UINTN Index = 0; Index < 4; Index++) {
+            Text[gEndingAt + Index] = Ending[Index];
         }
     }
 };

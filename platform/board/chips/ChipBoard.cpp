@@ -258,8 +258,8 @@ VOID NameSecondChip()
 {
     WORDS Words;
     Words.AddNumber(gBoard.Chips[1].Monitor.Io.Port, 16).Add("/");
-    for (UINTN At = 0; At < gBoard.Sensors.Count; At++) {
-        CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[At];
+    for (UINTN Index = 0; Index < gBoard.Sensors.Count; Index++) {
+        CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[Index];
         if (Sensor.Chip != 1) {
             continue;
         }
@@ -287,11 +287,11 @@ VOID ListSensors()
     if (gBoard.ChipCount > 1) {
         NameSecondChip();
     }
-    for (UINTN At = 0; At < List.Count; At++) {
-        gBoard.Readings[At].Absent = !ReadSensor(List.Rows[At], &gBoard.Readings[At].Last);
-        gBoard.Factors[At] = gFactorUnit;
-        if (List.Rows[At].Kind == READING_FAN) {
-            OpenChipFan(&gBoard.Fans[At], &gBoard.Chips[List.Rows[At].Chip], List.Rows[At].Fan);
+    for (UINTN Index = 0; Index < List.Count; Index++) {
+        gBoard.Readings[Index].Absent = !ReadSensor(List.Rows[Index], &gBoard.Readings[Index].Last);
+        gBoard.Factors[Index] = gFactorUnit;
+        if (List.Rows[Index].Kind == READING_FAN) {
+            OpenChipFan(&gBoard.Fans[Index], &gBoard.Chips[List.Rows[Index].Chip], List.Rows[Index].Fan);
         }
     }
 }
@@ -303,9 +303,9 @@ UINTN NextWished(WISH_KIND Kind, UINTN* Row)
 {
     while (gBoard.Wishes != nullptr && *Row < gBoard.Wishes->Count) {
         const WISH& Wish = gBoard.Wishes->Rows[(*Row)++];
-        for (UINTN At = 0; Wish.Kind == Kind && At < gBoard.Sensors.Count; At++) {
-            if (SameName(Wish.Sensor, gBoard.Sensors.Rows[At].Name)) {
-                return At;
+        for (UINTN Index = 0; Wish.Kind == Kind && Index < gBoard.Sensors.Count; Index++) {
+            if (SameName(Wish.Sensor, gBoard.Sensors.Rows[Index].Name)) {
+                return Index;
             }
         }
     }
@@ -350,13 +350,13 @@ VOID FulfilWishes(CHIP_REPORT* Report)
             gBoard.Fans[At].Means.WhyNot = "ventara.ini leaves it alone";
         }
     }
-    for (UINTN At = 0; At < gBoard.Sensors.Count; At++) {
-        const CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[At];
-        if (Sensor.Kind == READING_FAN && gBoard.Fans[At].Means.WhyNot == nullptr) {
+    for (UINTN Index = 0; Index < gBoard.Sensors.Count; Index++) {
+        const CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[Index];
+        if (Sensor.Kind == READING_FAN && gBoard.Fans[Index].Means.WhyNot == nullptr) {
             if (MentionsPump(Sensor.Label)) {
-                gBoard.Fans[At].Means.WhyNot = "a pump is left alone";
-            } else if (gBoard.Readings[At].Absent || gBoard.Readings[At].Last == 0) {
-                gBoard.Fans[At].Means.WhyNot = "it stands still, or there is none";
+                gBoard.Fans[Index].Means.WhyNot = "a pump is left alone";
+            } else if (gBoard.Readings[Index].Absent || gBoard.Readings[Index].Last == 0) {
+                gBoard.Fans[Index].Means.WhyNot = "it stands still, or there is none";
             }
         }
     }
@@ -383,10 +383,11 @@ VOID Place(UINTN Item, UINTN At)
 // The first sensor of that kind that is likely, has no place yet, and is meant for that one, or for any with gNoPlace.
 UINTN FindFor(READING_KIND Kind, UINT8 Wanted)
 {
-    for (UINT8 At = 0; At < gBoard.Sensors.Count; At++) {
-        const CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[At];
-        if (Sensor.Kind == Kind && (Wanted == gNoPlace || Sensor.Place == Wanted) && IsLikely(At) && !IsPlaced(At)) {
-            return At;
+    for (UINT8 Index = 0; Index < gBoard.Sensors.Count; Index++) {
+        const CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[Index];
+        if (Sensor.Kind == Kind && (Wanted == gNoPlace || Sensor.Place == Wanted) && IsLikely(Index) &&
+            !IsPlaced(Index)) {
+            return Index;
         }
     }
     return gMostSensors;
@@ -423,9 +424,9 @@ VOID PlaceVoltages()
 {
     PlaceWished(WISH_VOLTAGE, READING_VOLTAGE, gFirstVoltageItem, gVoltageItemCount);
     for (const bool Known : gTrueThenFalse) {
-        for (UINT8 At = 0; At < gVoltageItemCount; At++) {
-            const UINT8 Item = static_cast<UINT8>(gFirstVoltageItem + At);
-            const UINTN Sensor = FindFor(READING_VOLTAGE, Known ? At : gNoPlace);
+        for (UINT8 Index = 0; Index < gVoltageItemCount; Index++) {
+            const UINT8 Item = static_cast<UINT8>(gFirstVoltageItem + Index);
+            const UINTN Sensor = FindFor(READING_VOLTAGE, Known ? Index : gNoPlace);
             if (!HasItem(gBoard, Item) && Sensor != gMostSensors) {
                 Place(Item, Sensor);
             }
@@ -514,10 +515,10 @@ template <typename DESCRIBE>
 VOID ReportList(CHIP_REPORT* Report, UINT8 Chip, READING_KIND Kind, const CHAR8* Title, DESCRIBE Describe)
 {
     WRITER Writer = {Report, 0};
-    for (UINT8 At = 0; At < gBoard.Sensors.Count; At++) {
-        const CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[At];
+    for (UINT8 Index = 0; Index < gBoard.Sensors.Count; Index++) {
+        const CHIP_SENSOR& Sensor = gBoard.Sensors.Rows[Index];
         WORDS Words;
-        if (Sensor.Chip != Chip || Sensor.Kind != Kind || !Describe(&Words, At)) {
+        if (Sensor.Chip != Chip || Sensor.Kind != Kind || !Describe(&Words, Index)) {
             continue;
         }
         if (Writer.Column == 0) {
@@ -666,9 +667,9 @@ VOID AddSensor(SENSOR_LIST* List, const CHIP_SENSOR& Like, const CHAR8* Stem, IN
     }
     WORDS Shown;
     Shown.Add(Label == nullptr ? Name.Text : Label);
-    for (UINTN At = 0; At < gSensorNameRoom - 1; At++) {
-        Sensor.Name[At] = Name.Text[At];
-        Sensor.Label[At] = static_cast<CHAR16>(Shown.Text[At]);
+    for (UINTN Index = 0; Index < gSensorNameRoom - 1; Index++) {
+        Sensor.Name[Index] = Name.Text[Index];
+        Sensor.Label[Index] = static_cast<CHAR16>(Shown.Text[Index]);
     }
 }
 
@@ -685,8 +686,8 @@ VOID ReportWishFault(CHIP_REPORT* Report, UINT32 Line, const CHAR8* What, const 
 BOARD_SOURCE* OpenChipBoard(PORTS* Ports, const CHIP_BOARD_OPTIONS* Options, CHIP_REPORT* Report)
 {
     UINT8* Bytes = reinterpret_cast<UINT8*>(&gBoard);
-    for (UINTN At = 0; At < sizeof(gBoard); At++) {
-        Bytes[At] = 0;
+    for (UINTN Index = 0; Index < sizeof(gBoard); Index++) {
+        Bytes[Index] = 0;
     }
     gBoard.FanKind = 1;
     gBoard.Ports = Ports;

@@ -75,8 +75,8 @@ const KIND& KindOf(const CHIP& Chip)
 
 bool IsOneOf(UINT16 Id, const UINT16* Ids, UINTN Count)
 {
-    for (UINTN At = 0; At < Count; At++) {
-        if (Ids[At] == Id) {
+    for (UINTN Index = 0; Index < Count; Index++) {
+        if (Ids[Index] == Id) {
             return true;
         }
     }

@@ -30,9 +30,9 @@ constexpr struct {
 
 bool Mentions(const CHAR8* Text, UINTN Length, const CHAR8* Part)
 {
-    for (UINTN At = 0; At < Length; At++) {
+    for (UINTN Index = 0; Index < Length; Index++) {
         UINTN Same = 0;
-        while (Part[Same] != 0 && At + Same < Length && Text[At + Same] == Part[Same]) {
+        while (Part[Same] != 0 && Index + Same < Length && Text[Index + Same] == Part[Same]) {
             Same++;
         }
         if (Part[Same] == 0) {

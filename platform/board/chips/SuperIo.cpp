@@ -55,8 +55,8 @@ VOID SendKey(const SUPER_IO& Io, CHIP_MAKER Maker)
     constexpr UINT8 Nuvoton[] = {0x87, 0x87};
     const UINT8 Ite[] = {0x87, 0x01, 0x55, static_cast<UINT8>(Io.Port == 0x2E ? 0x55 : 0xAA)};
     const bool IsIte = Maker == MAKER_ITE;
-    for (UINTN At = 0; At < (IsIte ? sizeof(Ite) : sizeof(Nuvoton)); At++) {
-        Io.Ports->Write8(Io.Ports, Io.Port, IsIte ? Ite[At] : Nuvoton[At]);
+    for (UINTN Index = 0; Index < (IsIte ? sizeof(Ite) : sizeof(Nuvoton)); Index++) {
+        Io.Ports->Write8(Io.Ports, Io.Port, IsIte ? Ite[Index] : Nuvoton[Index]);
     }
 }
 

@@ -210,9 +210,9 @@ VOID SendPicture()
 // The offer that a person chose; the best one where nobody has, or where it is no longer there.
 UINTN ChooseOffer()
 {
-    for (UINTN At = 0; gPicked && At < gOfferCount; At++) {
-        if (gOffers[At].Number == gPickedMode) {
-            return At;
+    for (UINTN Index = 0; gPicked && Index < gOfferCount; Index++) {
+        if (gOffers[Index].Number == gPickedMode) {
+            return Index;
         }
     }
     return ChooseMode(gOffers, gOfferCount, NativeSize());
