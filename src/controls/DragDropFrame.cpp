@@ -171,7 +171,7 @@ EFI_STATUS DestroyDragDropFrame(DRAGDROP_COMPONENT* Frame)
     if (Frame == nullptr) {
         return EFI_SUCCESS;
     }
-    ReleaseGridPictures(Frame->GridImage, Frame->CleanImage, Frame->WorkImage);
+    ReleaseGridPictures(Frame->GridImage, Frame->WorkImage, Frame->CleanImage);
     ReleasePool(Frame->NodeImages);
     ReleasePool(Frame->Cells);
     const EFI_STATUS Status = CloseGridEvents(Frame->PrimaryEvent, Frame->SecondaryEvent);

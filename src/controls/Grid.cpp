@@ -146,7 +146,7 @@ EFI_STATUS TakeGridPictures(const GRID_CONTROL& Grid, PIXEL** Lines, PIXEL** Wor
     return *Panel == nullptr ? EFI_BUFFER_TOO_SMALL : EFI_SUCCESS;
 }
 
-VOID ReleaseGridPictures(PIXEL*& Lines, PIXEL*& Panel, PIXEL*& Work)
+VOID ReleaseGridPictures(PIXEL*& Lines, PIXEL*& Work, PIXEL*& Panel)
 {
     ReleaseSharedPicture(Lines);
     ReleaseSharedPicture(Panel);

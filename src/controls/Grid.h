@@ -72,7 +72,7 @@ PIXEL* AllocateWorkPicture(const GUI_RECT& Rect);
 // The three pictures of a control: lines and panel are shared, the one in between is its own. EFI_BUFFER_TOO_SMALL without
 // pool for one of them: the panel, which comes last, is then null.
 EFI_STATUS TakeGridPictures(const GRID_CONTROL& Grid, PIXEL** Lines, PIXEL** Work, PIXEL** Panel);
-VOID ReleaseGridPictures(PIXEL*& Lines, PIXEL*& Panel, PIXEL*& Work);
+VOID ReleaseGridPictures(PIXEL*& Lines, PIXEL*& Work, PIXEL*& Panel);
 
 // Fills a Width x Height picture with cells of gCellColor behind lines of gPanelColor: two pixels at the top and left
 // of every cell, and what of the next line the picture has room for at its right and bottom.

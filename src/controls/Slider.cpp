@@ -213,7 +213,7 @@ EFI_STATUS DestroySlider(SLIDER_COMPONENT* Slider)
     if (Slider == nullptr) {
         return EFI_SUCCESS;
     }
-    ReleaseGridPictures(Slider->GridImage, Slider->PlainImage, Slider->Canvas);
+    ReleaseGridPictures(Slider->GridImage, Slider->Canvas, Slider->PlainImage);
     ReleasePool(Slider->ThumbImage);
     ReleasePool(Slider->FrameName);
     ReleasePool(Slider->ThumbName);
