@@ -160,12 +160,8 @@ VOID DestroyButton(BTN_COMPONENT* Button)
     for (UINT32 Slot = 0; Slot < BUTTON_SLOT_PRIMARY; Slot++) {
         (void)CancelAndCloseEvent(Button->Events[Slot]);
     }
-    if (Button->Events[BUTTON_SLOT_PRIMARY] != nullptr) {
-        (void)gBS->CloseEvent(Button->Events[BUTTON_SLOT_PRIMARY]);
-    }
-    if (Button->SecondaryEvent != nullptr) {
-        (void)gBS->CloseEvent(Button->SecondaryEvent);
-    }
+    CloseIfAny(Button->Events[BUTTON_SLOT_PRIMARY]);
+    CloseIfAny(Button->SecondaryEvent);
     FreePool(Button);
 }
 

@@ -224,12 +224,8 @@ EFI_STATUS DestroyCheckBox(CHECK_BOX_COMPONENT* Box)
         return EFI_NOT_FOUND;
     }
     FreePool(Box->Images);
-    if (Box->PrimaryEvent != nullptr) {
-        (void)gBS->CloseEvent(Box->PrimaryEvent);
-    }
-    if (Box->SecondaryEvent != nullptr) {
-        (void)gBS->CloseEvent(Box->SecondaryEvent);
-    }
+    CloseIfAny(Box->PrimaryEvent);
+    CloseIfAny(Box->SecondaryEvent);
     while (!ListIsEmpty(&Box->Links)) {
         CHECK_BOX_LINK* Link = LinkOf(Box->Links.ForwardLink);
         RemoveEntry(&Link->Link);

@@ -49,10 +49,8 @@ VOID CreateTimers()
 VOID CloseTimers()
 {
     for (UINTN Index = 0; gTimerPeriods[Index] != 0; Index++) {
-        if (gEvents[Index] != nullptr) {
-            (void)gBS->CloseEvent(gEvents[Index]);
-            gEvents[Index] = nullptr;
-        }
+        CloseIfAny(gEvents[Index]);
+        gEvents[Index] = nullptr;
     }
 }
 

@@ -87,3 +87,10 @@ VOID SignalIfAny(EFI_EVENT Event)
         (void)gBS->SignalEvent(Event);
     }
 }
+
+VOID CloseIfAny(EFI_EVENT Event)
+{
+    if (Event != nullptr) {
+        (void)gBS->CloseEvent(Event);
+    }
+}

@@ -54,5 +54,6 @@ EFI_STATUS CreateGroupEvent(UINT32 Type, EFI_TPL NotifyTpl, EFI_EVENT_NOTIFY Not
 
 // SetTimer with TimerCancel, then CloseEvent; nothing for a null event. Gives the status of the cancel.
 EFI_STATUS CancelAndCloseEvent(EFI_EVENT Event);
-// SignalEvent, skipped for a null event.
+// SignalEvent and CloseEvent, skipped for a null event.
 VOID SignalIfAny(EFI_EVENT Event);
+VOID CloseIfAny(EFI_EVENT Event);
