@@ -62,9 +62,11 @@ struct CHIP_BENCH {
         const std::string Bytes = Held(Chip);
         std::string Text;
         for (UINTN At = 0; At < Bytes.size(); At++) {
-            char Line[40];
-            std::snprintf(Line, sizeof(Line), "%04llX: %02X was %02X\n", At, Bytes[At] & 0xFF, Before[At] & 0xFF);
-            Text += Bytes[At] == Before[At] ? "" : Line;
+            char Line[40] = {};
+            if (Bytes[At] != Before[At]) {
+                std::snprintf(Line, sizeof(Line), "%04llX: %02X was %02X\n", At, Bytes[At] & 0xFF, Before[At] & 0xFF);
+            }
+            Text += Line;
         }
         return Text;
     }

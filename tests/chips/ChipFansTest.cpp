@@ -121,6 +121,30 @@ TEST(ChipFans, FullSpeedAndTheWayBack)
     }
 }
 
+TEST(ChipFans, NothingIsWrittenWhileItMayNotBeOrWithoutAWish)
+{
+    for (const UINT16 Id : gSettable) {
+        FAN_BENCH Bench(Id);
+        BOARD_SOURCE* const Board = Bench.Board;
+        Bench.Chip.MayChange.clear(); // but for the bank
+        Bench.Chip.MayChange[Bench.Chip.BankAt()] = 0x0F;
+        AllowChipFans(false);
+        EXPECT_EQ(Bench.Set(Bench.Item(), Bench.Setting()), EFI_WRITE_PROTECTED);
+        AllowChipFans(true);
+        for (UINT8 Item = gFirstFanItem; Item < gFirstFanItem + gFanItemCount; Item++) {
+            const FAN_SETTING Same = HasItem(*Board, Item) ? Bench.Get(Item) : FAN_SETTING{};
+            EXPECT_EQ(HasItem(*Board, Item) ? CheckFanSetting(ControlOfFan(1, Item), &Same) : nullptr, nullptr)
+                << int{Item};
+            (void)Bench.Set(Item, Same);
+        }
+        AllowChipFans(false);
+        for (const auto Command : {Board->SetFullSpeed, Board->LoadDefaults, Board->Restore}) {
+            EXPECT_EQ(Command(Board), EFI_WRITE_PROTECTED);
+        }
+        EXPECT_EQ(Bench.Machine.Faults, "") << std::hex << Id;
+    }
+}
+
 TEST(ChipFans, SomeAreNeverSet)
 {
     BOARD_WISHES Wishes = {};
@@ -202,6 +226,44 @@ TEST(ChipFans, AWriteThatIsNotTakenGivesTheFanBackOrRunsItAtFullSpeed)
                         << Left;
                 }
                 EXPECT_EQ(Bench.Machine.Faults, "") << std::hex << Id;
+            }
+        }
+    }
+}
+
+// Everything that the console does, with each read of a port all ones in turn, alone or with all after it. The driver has
+// found its chip before: the first reads are those that tell where it is.
+TEST(ChipFans, NoReadThatFailsMakesTheDriverWriteElsewhereOrShowWhatCannotBe)
+{
+    for (const UINT16 Id : {0xC330, 0xC560, 0xD428, 0x8603, 0x8620, 0x8733}) {
+        for (const bool Alone : {true, false}) {
+            bool Reached = true;
+            for (UINT64 Which = 20; Reached; Which++) {
+                CHIP_BENCH Bench;
+                CHIP_MODEL& Chip = Bench.Machine.Fit(0, Id);
+                Chip.AllowUpTo(Chip.Facts->Outputs);
+                Bench.Machine.OnesFrom = Which;
+                Bench.Machine.OnesTo = Alone ? Which + 1 : ~0ull;
+                const std::string Before = Bench.Held();
+                BOARD_SOURCE* const Board = Bench.Open(true) ? Bench.Board : nullptr;
+                for (UINT8 Item = 0; Item < gItemCount; Item++) {
+                    const INT64 Shown = Bench.Read(Item).value_or(0);
+                    EXPECT_TRUE(Shown >= (Item < 4 ? -40 : 0) && Shown <= (Item < 4 ? 125 : 30000)) << int{Item};
+                }
+                EFI_STATUS Status = EFI_SUCCESS;
+                if (Board != nullptr) {
+                    (void)Bench.Set(Chip.Is(TRAIT_ITE) ? 9 : 7,
+                                    Chip.Is(TRAIT_ITE) ? Level(4) : Curve(1, {{{3, 2}, {5, 4}, {7, 5}, {9, 6}}}, 2));
+                    (void)Board->SetFullSpeed(Board);
+                    (void)Board->Restore(Board);
+                    Status = Board->Restore(Board);
+                }
+                CloseChipBoard();
+                const bool Back = !Alone || (Status & gEfiErrorBit) != 0 || Bench.Differences(Before).empty();
+                EXPECT_TRUE(Back && (!Alone || Bench.Machine.IsClosed()) && Bench.Machine.Faults.empty())
+                    << std::hex << Id << ", read " << std::dec << Which << (Alone ? ":\n" : " and all after:\n")
+                    << Bench.Machine.Faults << (Back ? "" : Bench.Differences(Before));
+                Reached = Bench.Machine.ReadCount >= Which;
             }
         }
     }

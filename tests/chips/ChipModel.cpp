@@ -140,7 +140,7 @@ VOID CHIP_MODEL::PowerOn(const CHIP_FACTS& Of, UINT16 Base)
     for (UINT8 Input = 0; Input < Of.Voltages; Input++) {
         (void)SetVoltage(Input, static_cast<UINT8>(100 + 5 * Input));
     }
-    MayChange[BankAt()] = !Is(TRAIT_ITE) ? 0x8F : Is(TRAIT_BANKS) ? 0xE0 : 0;
+    MayChange[BankAt()] = !Is(TRAIT_ITE) ? 0xFF : Is(TRAIT_BANKS) ? 0xE0 : 0;
 }
 
 VOID CHIP_MODEL::AllowUpTo(UINT8 Last)
@@ -380,8 +380,8 @@ bool MACHINE_MODEL::IsAllowed(const CHIP_WRITE& Write)
     switch (Write.Kind) {
     case WRITE_KEY:
         return true;
-    case WRITE_SELECT: // not a key, for one that stays open
-        return !Chip.Is(TRAIT_STAYS_OPEN) || Write.Port > 0x4F ||
+    case WRITE_SELECT: // not a key, for one that stays open and can be seen
+        return !Chip.Is(TRAIT_STAYS_OPEN) || Write.Port > 0x4F || ReadCount >= OnesFrom ||
                (Write.Value != 0x87 && Write.Value != 0xAA && Write.Value != 0x55 && Write.Value > 0x02);
     case WRITE_CONFIGURATION:
         if (Write.Register == 0x02) {
@@ -435,14 +435,12 @@ VOID MACHINE_MODEL::Write(UINT16 Port, UINT8 Value)
         const bool Selects = Port == Chip.Base() + 5;
         const UINT16 At = Chip.Selected();
         UINT8* const Register = Selects ? &Chip.Index : &Chip.Monitor[At];
-        bool Takes = Commit({Selects ? WRITE_SELECT : WRITE_MONITOR, Port, Number, At, *Register, Value});
-        for (UINT8 Output = 1; Output <= Chip.Facts->Outputs; Output++) {
-            // The duty is the chip's own in an automatic mode.
-            Takes =
-                Takes && (Selects || At != Chip.DutyAt(Output) || !Chip.IsAutomatic(Output) || Chip.TakesDutyAlways);
-        }
-        if (Takes) {
+        if (Commit({Selects ? WRITE_SELECT : WRITE_MONITOR, Port, Number, At, *Register, Value})) {
             *Register = Value;
+        }
+        for (UINT8 Output = 1; Output <= Chip.Facts->Outputs && !Chip.TakesDutyAlways; Output++) {
+            UINT8& Duty = Chip.Monitor[Chip.DutyAt(Output)];
+            Duty = Chip.IsAutomatic(Output) ? gPresentDuty : Duty;
         }
         return;
     }
