@@ -9,8 +9,8 @@
 namespace {
 
 constexpr UINTN gMostNumber = 999;
-constexpr UINTN gReportSize = 16384;
-constexpr UINTN gNumberAt = 8; // of a name
+constexpr UINTN gReportSize = 65536; // some twelve hundred modes of a display
+constexpr UINTN gNumberAt = 8;       // of a name
 constexpr UINTN gEndingAt = 12;
 
 // Pool that is given back at the end.
