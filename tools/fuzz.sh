@@ -3,8 +3,8 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 
-targets=(events variables)
-declare -A share=([events]=3 [variables]=2) # of the time of --in-all
+targets=(events variables chips)
+declare -A share=([events]=3 [variables]=2 [chips]=1) # of the time of --in-all
 
 usage() {
   cat <<'TEXT'
@@ -14,6 +14,7 @@ Feeds the console with inputs that grow towards code not yet reached; sanitizers
 
   events      pointer, buttons, keys, time and readings; what must hold is looked at in each turn
   variables   settings and histories of any size and content, found at a start
+  chips       sensor chips of any content that change, fail and refuse, and a board's driver on them
 
   --seconds N, --minutes N   time for each target; 15 seconds unless told
   --at-once N                that many targets at a time, and as many compilers; one a processor unless told

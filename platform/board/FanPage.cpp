@@ -7,6 +7,18 @@ UINT8 LevelCount(FAN_CONTROL Control) { return Control == CONTROL_CURVE8 ? 8 : g
 INT64 Distance(INT64 A, INT64 B) { return A > B ? A - B : B - A; }
 
 // A page of 8 levels has no slider, and sends a level or none.
+bool SameSetting(const FAN_SETTING& A, const FAN_SETTING& B)
+{
+    const CURVE CurveA = CurveOf(A);
+    const CURVE CurveB = CurveOf(B);
+    bool Same = A.CurveEnabled == B.CurveEnabled && A.FixedLevel == B.FixedLevel;
+    for (UINTN Node = 0; Node < gCurveNodes; Node++) {
+        Same = Same && CurveA.Nodes[Node].Column == CurveB.Nodes[Node].Column &&
+               CurveA.Nodes[Node].Level == CurveB.Nodes[Node].Level;
+    }
+    return Same;
+}
+
 FAN_SETTING WithoutSlider(FAN_CONTROL Control, const FAN_SETTING& Setting)
 {
     FAN_SETTING Same = Setting;
@@ -65,29 +77,28 @@ CURVE NearestCurve(const CURVE_POINT (&Points)[gCurveNodes], FAN_CONTROL Control
 VOID SHOWN_PAGE::WasRead(FAN_CONTROL Control, const FAN_SETTING& Setting, bool TakenBack)
 {
     const CURVE Nodes = CurveOf(mPage);
-    mPage = Setting;
+    mPage = mRead = Setting;
+    mIsRead = true;
     if (TakenBack && Control == CONTROL_CURVE6) {
         PutCurve(&mPage, Nodes);
     }
 }
 
-VOID SHOWN_PAGE::WasSent(FAN_CONTROL Control, const FAN_SETTING& Setting) { mPage = WithoutSlider(Control, Setting); }
+VOID SHOWN_PAGE::WasSent(FAN_CONTROL Control, const FAN_SETTING& Setting)
+{
+    mPage = WithoutSlider(Control, Setting);
+    mIsRead = false;
+}
 
 bool SHOWN_PAGE::Shows(FAN_CONTROL Control, const FAN_SETTING& Setting) const
 {
-    const FAN_SETTING Same = WithoutSlider(Control, Setting);
-    const CURVE Sent = CurveOf(Same);
-    const CURVE Shown = CurveOf(mPage);
-    bool Equal = Same.CurveEnabled == mPage.CurveEnabled && Same.FixedLevel == mPage.FixedLevel;
-    for (UINTN Node = 0; Node < gCurveNodes; Node++) {
-        Equal = Equal && Sent.Nodes[Node].Column == Shown.Nodes[Node].Column &&
-                Sent.Nodes[Node].Level == Shown.Nodes[Node].Level;
-    }
-    return Equal;
+    const FAN_SETTING Sent = WithoutSlider(Control, Setting);
+    return SameSetting(Sent, mPage) || (mIsRead && SameSetting(Sent, mRead));
 }
 
 VOID SHOWN_PAGE::ShowFullSpeed(FAN_CONTROL Control)
 {
+    mIsRead = false;
     mPage.CurveEnabled = 0;
     mPage.FixedLevel = Control == CONTROL_CURVE8 ? UINT16{0} : gFixedLevels;
 }

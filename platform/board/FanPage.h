@@ -26,7 +26,7 @@ struct CURVE_POINT {
 CURVE NearestCurve(const CURVE_POINT (&Points)[gCurveNodes], FAN_CONTROL Control);
 
 // A page sends what it shows when it comes up, too, and right after Cancel what Cancel took back. None of that is a wish
-// of the user's, and the chip's own curve is finer than the page's grid.
+// of the user's, and the chip's own curve is finer than the page's grid. Neither is what was read last: the chip has it.
 struct SHOWN_PAGE {
     // The console has read that record. After Default and Cancel, TakenBack, a page of 6 levels takes over box and slider
     // alone; its nodes stay where the user put them.
@@ -37,4 +37,6 @@ struct SHOWN_PAGE {
 
 private:
     FAN_SETTING mPage = {};
+    FAN_SETTING mRead = {};
+    bool mIsRead = false; // nothing was sent since
 };

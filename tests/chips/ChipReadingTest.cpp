@@ -72,14 +72,13 @@ TEST_P(EveryChip, IsRecognisedShowsItsNumbersAndIsLeftAsItWas)
 
 TEST(Chips, OnesThatAreNotKnownAreToldToCloseAndNothingElse)
 {
-    constexpr const char* Both = " 87 87 AA 87 01 55 55 02";
     static constexpr struct {
         const char* What;
         UINT16 Id;
         bool Open;
         const char* Keys;
     } Rows[] = {
-        {"nothing", 0xFFFF, false, Both},
+        {"nothing", 0xFFFF, false, " 87 87 AA 87 01 55 55"},
         {"another one behind Nuvoton's key", 0x1234, false, " 87 87 AA"},
         {"another one that is open", 0x1234, true, ""},
         {"an old one of Nuvoton", 0xB470, false, " 87 87 AA"},
@@ -136,7 +135,7 @@ TEST(Chips, APinThatIsNoFansMakesNoneOfIt)
                 {0xC330, 0x1C, 0x02, 4, 3},  {0xC800, 0x2D, 0x01, 5, 5},  {0xC910, 0x2F, 0x08, 5, 5},
                 {0x8620, 0x725, 0x40, 6, 5}, {0x8620, 0x726, 0x10, 5, 5}, {0x8620, 0x727, 0x80, 5, 5},
                 {0x8620, 0x727, 0x40, 6, 5}, {0x8620, 0x728, 0x04, 6, 5}, {0x8620, 0x729, 0x82, 6, 5},
-                {0x8620, 0x729, 0x00, 5, 5}};
+                {0x8620, 0x729, 0x00, 5, 5}, {0x8728, 0x726, 0x20, 4, 3}};
     for (const auto& Row : Rows) {
         CHIP_BENCH Bench;
         Bench.Machine.Fit(0, Row.Id).Configuration[Row.Register] = Row.Value;

@@ -102,6 +102,9 @@ VOID FindFans(CHIP* Chip)
     if (All || IsOneOf(Io.Id, Fans45, sizeof(Fans45) / sizeof(Fans45[0]))) {
         NoFans |= Lacks(4, (Pins26 & 0x20) == 0) | Lacks(5, (Pins26 & 0x10) == 0);
     }
+    if (IsOneOf(Io.Id, Fans45, sizeof(Fans45) / sizeof(Fans45[0]))) {
+        NoOutputs |= Lacks(4, true) | Lacks(5, true); // they have five tachometers and three outputs
+    }
     if (All) {
         const UINT32 No6 = Lacks(6, (Pins29 & 0x80) == 0);
         NoFans |= No6;
@@ -240,7 +243,9 @@ VOID WriteFan(const CHIP& Chip, UINT8 Fan, const FAN_STATE& Wanted)
     if (HasSwitch(Chip, Fan) && Now.Switch != Wanted.Switch) {
         const UINT8 Modes = Visit.Read(gOutputModes);
         const UINT8 Bit = static_cast<UINT8>(1u << (Fan - 1));
-        Visit.Write(gOutputModes, static_cast<UINT8>((Modes & ~Bit) | (Wanted.Switch != 0 ? Bit : 0)));
+        if (Visit.Read(gOutputModes) == Modes) { // it holds what other fans have, too
+            Visit.Write(gOutputModes, static_cast<UINT8>((Modes & ~Bit) | (Wanted.Switch != 0 ? Bit : 0)));
+        }
     }
     if (!Fixed && Now.Mode != Wanted.Mode) {
         Visit.Write(gControls[Fan - 1], Wanted.Mode);

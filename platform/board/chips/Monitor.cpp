@@ -65,14 +65,18 @@ MONITOR_VISIT::MONITOR_VISIT(const MONITOR& Monitor) : mHeld(Monitor.Io.Ports), 
     if (Monitor.EngineBits != 0) {
         mConfig = OpenConfig(Monitor.Io, gIteMonitor);
         Good = mConfig.Good;
-        if (Good) {
-            mEngine = ReadConfig(Monitor.Io, gEngineRegister);
+        Good = Good && ReadConfigTwice(Monitor.Io, gEngineRegister, &mEngine);
+        mIsHeldOff = Good;
+        if (mIsHeldOff) {
             WriteConfig(Monitor.Io, gEngineRegister, static_cast<UINT8>(mEngine & ~Monitor.EngineBits));
         }
     }
     if (Good) {
         mIndex = Ports->Read8(Ports, PortOf(Monitor, gIndexPort));
-        mBank = Monitor.Banked ? ReadIndexed(Monitor, BankIndex(Monitor)) : UINT8{0};
+    }
+    if (Good && Monitor.Banked) {
+        mBank = ReadIndexed(Monitor, BankIndex(Monitor));
+        Good = ReadIndexed(Monitor, BankIndex(Monitor)) == mBank && mBank != 0xFF; // all ones: the chip has gone
     }
 }
 
@@ -86,7 +90,7 @@ MONITOR_VISIT::~MONITOR_VISIT()
         Ports->Write8(Ports, PortOf(mMonitor, gIndexPort), mIndex);
     }
     if (mMonitor.EngineBits != 0) {
-        if (Good) {
+        if (mIsHeldOff) {
             WriteConfig(mMonitor.Io, gEngineRegister, mEngine);
         }
         CloseConfig(mMonitor.Io, mConfig);

@@ -5,13 +5,13 @@
 
 struct MONITOR {
     SUPER_IO Io;
-    UINT8
-    EngineBits; // ITE: of the register that lets an SMBus engine use the monitor's registers, too; 0: there is none
+    UINT8 EngineBits; // ITE: of the register that lets an SMBus engine use the monitor's registers; 0: there is none
     bool Banked;
 };
 
 // A visit to a monitor's registers: holds the machine, keeps an SMBus engine off, and leaves bank and index as they were.
-// As short as can be. Good is false where the engine can't be kept off; then reads give all ones and writes are lost.
+// As short as can be. Good is false where the engine can't be kept off, or the bank can't be told; then reads give all
+// ones and writes are lost.
 struct MONITOR_VISIT {
     explicit MONITOR_VISIT(const MONITOR& Monitor);
     ~MONITOR_VISIT();
@@ -29,6 +29,7 @@ private:
     HELD_MACHINE mHeld;
     const MONITOR& mMonitor;
     CONFIG_VISIT mConfig = {};
+    bool mIsHeldOff = false; // the engine
     UINT8 mEngine = 0;
     UINT8 mIndex = 0;
     UINT8 mBank = 0;

@@ -175,8 +175,8 @@ bool Open(CHIP* Chip)
         const CONFIG_VISIT Visit = OpenConfig(Io, gNuvotonMonitor);
         if (Visit.Good) {
             FindFans(Chip);
-            const UINT8 Lock = ReadConfig(Io, gLockRegister);
-            Chip->WasLocked = KindOf(*Chip).Lock && (Lock & gLockBit) != 0;
+            UINT8 Lock = 0;
+            Chip->WasLocked = KindOf(*Chip).Lock && ReadConfigTwice(Io, gLockRegister, &Lock) && (Lock & gLockBit) != 0;
             if (Chip->WasLocked) {
                 WriteConfig(Io, gLockRegister, static_cast<UINT8>(Lock & ~gLockBit));
             }
@@ -199,8 +199,9 @@ VOID Close(const CHIP& Chip)
     }
     const HELD_MACHINE Held(Io.Ports);
     const CONFIG_VISIT Visit = OpenConfig(Io, gNuvotonMonitor);
-    if (Visit.Good) {
-        WriteConfig(Io, gLockRegister, static_cast<UINT8>(ReadConfig(Io, gLockRegister) | gLockBit));
+    UINT8 Lock = 0;
+    if (Visit.Good && ReadConfigTwice(Io, gLockRegister, &Lock)) {
+        WriteConfig(Io, gLockRegister, static_cast<UINT8>(Lock | gLockBit));
     }
     CloseConfig(Io, Visit);
 }

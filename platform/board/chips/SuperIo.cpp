@@ -40,7 +40,9 @@ constexpr struct {
 
 constexpr CHIP_MAKER gKeys[] = {MAKER_NUVOTON, MAKER_ITE}; // in the order in which they are sent
 
-bool IsNothing(UINT16 Id) { return Id == 0xFFFF || Id == 0; }
+constexpr UINT16 gAllOnes = 0xFFFF;
+
+bool IsNothing(UINT16 Id) { return Id == gAllOnes || Id == 0; }
 
 // The calls below are made while the machine is held.
 
@@ -90,13 +92,17 @@ SUPER_IO_STATE Identify(SUPER_IO* Io)
 
 SUPER_IO_STATE ReadAddress(SUPER_IO* Io)
 {
-    const UINT8 Selected = ReadConfig(*Io, gSelectRegister);
+    UINT8 Selected = 0;
+    if (!ReadConfigTwice(*Io, gSelectRegister, &Selected)) {
+        return SUPER_IO_OFF;
+    }
     WriteConfig(*Io, gSelectRegister, Io->Maker == MAKER_ITE ? gIteMonitor : gNuvotonMonitor);
     const bool Enabled = (ReadConfig(*Io, gEnableRegister) & 1) != 0;
     const UINT16 Base = ReadWord(*Io, gBaseRegister);
+    const bool Twice = ReadWord(*Io, gBaseRegister) == Base;
     WriteConfig(*Io, gSelectRegister, Selected);
     Io->Base = Base & 0xFFF8;
-    return Enabled && Io->Base != 0 && Io->Base != 0xFFF8 ? SUPER_IO_FOUND : SUPER_IO_OFF;
+    return Enabled && Twice && Io->Base != 0 && Io->Base != 0xFFF8 ? SUPER_IO_FOUND : SUPER_IO_OFF;
 }
 
 SUPER_IO_STATE Find(SUPER_IO* Io)
@@ -126,7 +132,11 @@ SUPER_IO_STATE Find(SUPER_IO* Io)
                 return State;
             }
         }
-        SendExit(*Io, Key);
+        // Where nothing has answered, ITE's way out isn't taken: it would be the end of a chip that mustn't leave its mode and
+        // failed to answer without a key.
+        if (Key != MAKER_ITE || Io->Id != gAllOnes) {
+            SendExit(*Io, Key);
+        }
         if (State != SUPER_IO_NONE) {
             return State;
         }
@@ -152,9 +162,9 @@ CONFIG_VISIT OpenConfig(const SUPER_IO& Io, UINT8 LogicalDevice)
     }
     SUPER_IO Here = Io;
     CONFIG_VISIT Visit = {};
-    Visit.Good = Identify(&Here) == SUPER_IO_FOUND && Here.Id == Io.Id;
+    Visit.Good =
+        Identify(&Here) == SUPER_IO_FOUND && Here.Id == Io.Id && ReadConfigTwice(Io, gSelectRegister, &Visit.Selected);
     if (Visit.Good) {
-        Visit.Selected = ReadConfig(Io, gSelectRegister);
         WriteConfig(Io, gSelectRegister, LogicalDevice);
     }
     return Visit;
@@ -174,6 +184,12 @@ UINT8 ReadConfig(const SUPER_IO& Io, UINT8 Register)
 {
     Io.Ports->Write8(Io.Ports, Io.Port, Register);
     return Io.Ports->Read8(Io.Ports, static_cast<UINT16>(Io.Port + 1));
+}
+
+bool ReadConfigTwice(const SUPER_IO& Io, UINT8 Register, UINT8* Value)
+{
+    *Value = ReadConfig(Io, Register);
+    return ReadConfig(Io, Register) == *Value && *Value != 0xFF;
 }
 
 VOID WriteConfig(const SUPER_IO& Io, UINT8 Register, UINT8 Value)

@@ -45,6 +45,9 @@ struct CONFIG_VISIT {
 CONFIG_VISIT OpenConfig(const SUPER_IO& Io, UINT8 LogicalDevice);
 VOID CloseConfig(const SUPER_IO& Io, const CONFIG_VISIT& Visit);
 UINT8 ReadConfig(const SUPER_IO& Io, UINT8 Register);
+// Reads it twice: false where the two differ, as by a foreign access in between, or are all ones, as from a chip that has
+// gone. For what decides where is written, or is written back.
+bool ReadConfigTwice(const SUPER_IO& Io, UINT8 Register, UINT8* Value);
 VOID WriteConfig(const SUPER_IO& Io, UINT8 Register, UINT8 Value);
 
 constexpr UINT8 gNuvotonMonitor = 0x0B; // logical devices
