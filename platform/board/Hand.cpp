@@ -145,7 +145,7 @@ bool TakeStrokes(UINTN Width, UINTN Height, UINT64 Now)
         }
         if (Key == HAND_PICTURE) {
             gHand.Picture = true;
-            continue;
+            return false;
         }
         if (Key == HAND_GRAB) {
             TakeHold(Now);

@@ -36,15 +36,16 @@ TEST(TakeHome, APictureAndAReportGoIntoTheFolderAndNoFileThereIsTouched)
     std::ofstream(Folder.File("ventara-002.png")) << "mine, too";
     SESSION_OPTIONS Options;
     Options.Script =
-        "turn\ntick 20\npointer 640 300\nturn 3\nhand picture\nscreenshot shown\nturn\nhand picture 2\nturn\n";
+        "turn\ntick 20\npointer 640 300\nturn 3\nhand picture\nscreenshot shown\nturn\nhand picture 2\nturn 2\n";
     Options.Folder = Folder.File("");
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
     const SESSION_RESULT Result = RunSession(Options);
     EXPECT_EQ(Result.TakenHome, "ventara-003.png and ventara-003.txt were written.\n"
-                                "ventara-004.png and ventara-004.txt were written.\n");
+                                "ventara-004.png and ventara-004.txt were written.\n"
+                                "ventara-005.png and ventara-005.txt were written.\n");
     EXPECT_TRUE(Result.Complaints.empty());
     EXPECT_EQ(ReadFile(Folder.File("ventara-001.txt")) + ReadFile(Folder.File("ventara-002.png")), "minemine, too");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.File("")), {}), 6);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.File("")), {}), 8);
 
     int Width = 0;
     int Height = 0;
