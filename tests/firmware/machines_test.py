@@ -93,16 +93,6 @@ class Starts(BootCase):
 class Hardened(BootCase):
     """Images built with VENTARA_HARDEN; the other cases are run with them by VENTARA_FIRMWARE."""
 
-    def test_what_goes_wrong_stops_the_machine_with_a_line(self):
-        for key, words in (("s", "a written-over stack"), ("u", "undefined behaviour 0x0"),
-                           ("a", "undefined behaviour 0x12")):
-            image = self.make_image(starter=os.path.join(HARDENED, "ventara-break.efi"), console=None, driver=None)
-            with self.subTest(words), Machine(image) as machine:
-                machine.wait_for("break: ready")
-                machine.key(key)
-                self.assertRegex(machine.wait_for("ventara: stopped by "), f"^{words}( 0x[0-9a-f]+)? at 0x[0-9a-f]+$")
-                self.assertNotIn("break: not stopped", machine.log())
-
     def test_as_released_nothing_of_it_is_in_the_images(self):
         for name in ("ventara.efi", "ventara-board.efi", "BOOTX64.efi"):
             for folder, wanted in ((HARDENED, True), (boot_case.FIRMWARE, False)):

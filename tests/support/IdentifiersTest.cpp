@@ -180,18 +180,4 @@ TEST_F(IDENTIFIERS, ComeOutWhateverBecomesOfTheMemoryMapAndOfThePool)
     EXPECT_EQ(NodeOf(Generate()), 0u);
 }
 
-TEST_F(IDENTIFIERS, ComeOutWithMoreDisksThanTheFirstListHolds)
-{
-    const UINT64 Few = NodeOf(Generate());
-    EFI_BLOCK_IO_MEDIA Media = {};
-    Media.MediaPresent = 1;
-    EFI_BLOCK_IO_PROTOCOL BlockIo = {};
-    BlockIo.Media = &Media;
-    for (UINTN Nth = 0; Nth < 60; Nth++) {
-        EFI_HANDLE Handle = nullptr;
-        (void)Boot->Handles.Install(&Handle, &gEfiBlockIoProtocolGuid, &BlockIo);
-    }
-    EXPECT_NE(NodeOf(Generate()), Few);
-}
-
 } // namespace
