@@ -55,6 +55,8 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
         static_cast<VOID*>(nullptr));
     if (!EfiError(Status)) {
         OpenHandKeys(SystemTable);
+    } else {
+        UseTakeHome(nullptr, nullptr, nullptr); // it may hold pool
     }
     return Status;
 }

@@ -22,7 +22,7 @@ struct POINTER_SOURCE {
 
 // Where F12 takes a picture and a report to; see TakeHome.h.
 struct TAKE_HOME {
-    EFI_HANDLE Volume;                     // has the simple file system protocol; null: nowhere
+    EFI_HANDLE Volume; // has the simple file system protocol; found again by its path; null: nowhere
     VOID (*Describe)(REPORT_TEXT* Report); // adds what only the machine's own side knows; may be null
     VOID (*Told)(const CHAR16* Words);     // in a sentence what was written, or why not
 };

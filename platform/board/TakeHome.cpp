@@ -4,6 +4,7 @@
 #include "platform/board/MachineReport.h"
 #include "platform/board/StoredPng.h"
 #include "shell/contract/Screen.h"
+#include "uefi/Devices.h"
 #include "uefi/FileSystem.h"
 
 namespace {
@@ -25,7 +26,8 @@ template <typename T> struct POOL_ROOM {
 EFI_SYSTEM_TABLE* gTable;
 BOARD_SOURCE* gBoard;
 TAKE_HOME gHome;
-CHAR16 gWords[160]; // of what became of it
+EFI_DEVICE_PATH_PROTOCOL* gVolumePath; // our copy, in pool; null: the volume has none
+CHAR16 gWords[160];                    // of what became of it
 
 template <typename T> POOL_ROOM<T>::POOL_ROOM(UINTN Count)
 {
@@ -152,13 +154,46 @@ EFI_STATUS WriteReport(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
     return WriteFile(Root, Name, Report.Text, Report.Length);
 }
 
+VOID CopyVolumePath()
+{
+    VOID* Path = nullptr;
+    VOID* Copy = nullptr;
+    EFI_BOOT_SERVICES* Boot = gTable->BootServices;
+    if (EfiError(Boot->HandleProtocol(gHome.Volume, &gEfiDevicePathProtocolGuid, &Path))) {
+        return;
+    }
+    constexpr EFI_DEVICE_PATH_PROTOCOL End = {
+        END_DEVICE_PATH_TYPE, END_ENTIRE_DEVICE_PATH_SUBTYPE, {sizeof(EFI_DEVICE_PATH_PROTOCOL), 0}};
+    const UINTN Nodes = NodesLength(static_cast<EFI_DEVICE_PATH_PROTOCOL*>(Path));
+    if (EfiError(Boot->AllocatePool(EfiBootServicesData, Nodes + sizeof(End), &Copy))) {
+        gHome.Volume = nullptr; // by its handle alone it wouldn't be known again
+        return;
+    }
+    gVolumePath = static_cast<EFI_DEVICE_PATH_PROTOCOL*>(Copy);
+    Boot->CopyMem(Copy, Path, Nodes);
+    Boot->CopyMem(static_cast<UINT8*>(Copy) + Nodes, &End, sizeof(End));
+}
+
+// By its path: a stick that was pulled and plugged again has another handle, and its old one may be another stick's.
+// A volume without a path isn't one that can be pulled. Null for none.
+EFI_HANDLE FindVolume()
+{
+    if (gVolumePath == nullptr) {
+        return gHome.Volume;
+    }
+    EFI_DEVICE_PATH_PROTOCOL* Rest = gVolumePath;
+    EFI_HANDLE Volume = nullptr;
+    const EFI_STATUS Status = gTable->BootServices->LocateDevicePath(&gEfiSimpleFileSystemProtocolGuid, &Rest, &Volume);
+    return !EfiError(Status) && Rest->Type == END_DEVICE_PATH_TYPE ? Volume : nullptr;
+}
+
 EFI_STATUS OpenRoot(EFI_FILE_PROTOCOL** Root)
 {
     VOID* Interface = nullptr;
+    EFI_HANDLE Volume = FindVolume();
     const EFI_STATUS Status =
-        gHome.Volume == nullptr
-            ? EFI_NOT_FOUND
-            : gTable->BootServices->HandleProtocol(gHome.Volume, &gEfiSimpleFileSystemProtocolGuid, &Interface);
+        Volume == nullptr ? EFI_NOT_FOUND
+                          : gTable->BootServices->HandleProtocol(Volume, &gEfiSimpleFileSystemProtocolGuid, &Interface);
     if (EfiError(Status)) {
         return Status;
     }
@@ -202,9 +237,16 @@ VOID Tell(const CHAR16* A, const CHAR16* B, const CHAR16* C = u"", const CHAR16*
 
 VOID UseTakeHome(EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board, const TAKE_HOME* Home)
 {
+    if (gVolumePath != nullptr) {
+        (void)gTable->BootServices->FreePool(gVolumePath);
+        gVolumePath = nullptr;
+    }
     gTable = SystemTable;
     gBoard = Board;
     gHome = Home != nullptr ? *Home : TAKE_HOME{};
+    if (gHome.Volume != nullptr) {
+        CopyVolumePath();
+    }
 }
 
 VOID TakeHome()

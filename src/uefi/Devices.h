@@ -30,6 +30,21 @@ constexpr UINT8 END_DEVICE_PATH_TYPE = 0x7F;
 constexpr UINT8 END_INSTANCE_DEVICE_PATH_SUBTYPE = 0x01;
 constexpr UINT8 END_ENTIRE_DEVICE_PATH_SUBTYPE = 0xFF;
 
+// Bytes of the nodes before the first end. A node shorter than its own head would never be left, so a path ends there as
+// well.
+inline UINTN NodesLength(const EFI_DEVICE_PATH_PROTOCOL* Path)
+{
+    const auto* Bytes = reinterpret_cast<const UINT8*>(Path);
+    UINTN Length = 0;
+    for (;;) {
+        const auto* Node = reinterpret_cast<const EFI_DEVICE_PATH_PROTOCOL*>(Bytes + Length);
+        if (Node->Type == END_DEVICE_PATH_TYPE || NodeLength(Node) < sizeof(EFI_DEVICE_PATH_PROTOCOL)) {
+            return Length;
+        }
+        Length += NodeLength(Node);
+    }
+}
+
 struct EFI_BLOCK_IO_MEDIA {
     UINT32 MediaId;
     BOOLEAN RemovableMedia;

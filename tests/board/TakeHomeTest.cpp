@@ -19,6 +19,7 @@
 #include "platform/host/Session.h"
 #include "tests/gui/ToolkitBench.h"
 #include "tests/host/TestFolder.h"
+#include "uefi/Devices.h"
 #include "uefi/FileSystem.h"
 
 namespace {
@@ -78,9 +79,12 @@ struct REFUSING {
     UINTN Room;             // bytes that can still be written
     EFI_STATUS OnCreate;
     int Created, Deleted, Opened;
+    EFI_HANDLE Plugged; // what is found where the volume was
+    bool AtEnd;         // of the path, and not on the way
 };
 REFUSING gVolume;
 std::string gTold;
+constexpr const char* gGone = "Nothing was written: the volume that Ventara was started from is gone.";
 
 TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
 {
@@ -110,29 +114,50 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
     };
     EFI_HANDLE Handle = nullptr;
     ASSERT_EQ(Boot->Handles.Install(&Handle, &gEfiSimpleFileSystemProtocolGuid, &gVolume.FileSystem), EFI_SUCCESS);
+    // The handle that the stick had when it was there first, and another stick has now.
+    EFI_HANDLE Pulled = nullptr;
+    EFI_SIMPLE_FILE_SYSTEM_PROTOCOL Other = {1, [](auto...) { return ADD_FAILURE() << "another's", EFI_ABORTED; }};
+    EFI_DEVICE_PATH_PROTOCOL Path[] = {{HARDWARE_DEVICE_PATH, 1, {4, 0}}, {END_DEVICE_PATH_TYPE, 255, {4, 0}}};
+    (void)Boot->Handles.Install(&Pulled, &gEfiSimpleFileSystemProtocolGuid, &Other);
+    (void)Boot->Handles.Install(&Pulled, &gEfiDevicePathProtocolGuid, Path);
+    Boot->FirmwareTable.BootServices->LocateDevicePath = [](auto*, auto** Rest, EFI_HANDLE* Found) {
+        *Found = gVolume.Plugged;
+        *Rest += gVolume.AtEnd && (*Rest)->Type == HARDWARE_DEVICE_PATH ? 1 : 0;
+        return *Found == nullptr ? EFI_NOT_FOUND : EFI_SUCCESS;
+    };
     struct {
-        EFI_HANDLE Volume;
+        EFI_HANDLE Volume, Plugged;
+        bool AtEnd;
         EFI_STATUS OnCreate;
         UINTN Room;
         int Created, Deleted;
         const char* Told;
     } const Cases[] = {
-        {Handle, EFI_SUCCESS, 5000000, 2, 0, "ventara-001.png and ventara-001.txt were written."},
-        {Handle, EFI_SUCCESS, 5000, 2, 1, "Only ventara-001.txt was written, no picture: the volume is full."},
-        {Handle, EFI_SUCCESS, 0, 2, 2, "Nothing was written: the volume is full."},
-        {Handle, EFI_WRITE_PROTECTED, 0, 0, 0, "Nothing was written: the volume is read-only."},
-        {Handle, EFI_DEVICE_ERROR, 0, 0, 0, "Nothing was written: the volume can't be written. It may be failing."},
-        {nullptr, EFI_SUCCESS, 0, 0, 0, "Nothing was written: the volume that Ventara was started from is gone."},
+        {Handle, nullptr, false, EFI_SUCCESS, 5000000, 2, 0, "ventara-001.png and ventara-001.txt were written."},
+        {Handle, nullptr, false, EFI_SUCCESS, 5000, 2, 1,
+         "Only ventara-001.txt was written, no picture: the volume is full."},
+        {Handle, nullptr, false, EFI_SUCCESS, 0, 2, 2, "Nothing was written: the volume is full."},
+        {Handle, nullptr, false, EFI_WRITE_PROTECTED, 0, 0, 0, "Nothing was written: the volume is read-only."},
+        {Handle, nullptr, false, EFI_DEVICE_ERROR, 0, 0, 0,
+         "Nothing was written: the volume can't be written. It may be failing."},
+        {Pulled, Handle, true, EFI_SUCCESS, 5000000, 2, 0, "ventara-001.png and ventara-001.txt were written."},
+        {Pulled, Pulled, false, EFI_SUCCESS, 0, 0, 0, gGone},
+        {Pulled, nullptr, false, EFI_SUCCESS, 0, 0, 0, gGone},
+        {nullptr, nullptr, false, EFI_SUCCESS, 0, 0, 0, gGone},
     };
     BOARD_SOURCE Board = {};
     for (const auto& Case : Cases) {
         gVolume.Room = Case.Room;
         gVolume.OnCreate = Case.OnCreate;
         gVolume.Created = gVolume.Deleted = gVolume.Opened = 0;
+        gVolume.Plugged = Case.Plugged;
+        gVolume.AtEnd = Case.AtEnd;
+        Path->Type = HARDWARE_DEVICE_PATH;
         const TAKE_HOME Home = {Case.Volume, nullptr, [](const CHAR16* Words) {
                                     gTold.assign(Words, Words + std::char_traits<CHAR16>::length(Words));
                                 }};
         UseTakeHome(&Boot->FirmwareTable, &Board, &Home);
+        Path->Type = 0; // it went with the stick
         TakeHome();
         EXPECT_EQ(gTold, Case.Told);
         EXPECT_EQ(gVolume.Created, Case.Created) << Case.Told;

@@ -23,15 +23,7 @@ EFI_DEVICE_PATH_PROTOCOL* MakeFilePath(EFI_BOOT_SERVICES* Boot, EFI_HANDLE Volum
     if (EfiError(Boot->HandleProtocol(Volume, &gEfiDevicePathProtocolGuid, &Interface))) {
         return nullptr;
     }
-    const auto* VolumePath = static_cast<const UINT8*>(Interface);
-    UINTN Nodes = 0;
-    for (;;) {
-        const auto* Node = reinterpret_cast<const EFI_DEVICE_PATH_PROTOCOL*>(VolumePath + Nodes);
-        if (Node->Type == END_DEVICE_PATH_TYPE || NodeLength(Node) < sizeof(EFI_DEVICE_PATH_PROTOCOL)) {
-            break;
-        }
-        Nodes += NodeLength(Node);
-    }
+    const UINTN Nodes = NodesLength(static_cast<EFI_DEVICE_PATH_PROTOCOL*>(Interface));
     UINTN Characters = 0;
     while (Characters < gPathRoom && Path[Characters] != 0) {
         Characters++;
@@ -43,7 +35,7 @@ EFI_DEVICE_PATH_PROTOCOL* MakeFilePath(EFI_BOOT_SERVICES* Boot, EFI_HANDLE Volum
         return nullptr;
     }
     auto* At = static_cast<UINT8*>(Block);
-    Boot->CopyMem(At, VolumePath, Nodes);
+    Boot->CopyMem(At, Interface, Nodes);
     At += Nodes;
     WriteNodeHead(At, MEDIA_DEVICE_PATH, MEDIA_FILEPATH_DP, FileNode);
     Boot->CopyMem(At + sizeof(EFI_DEVICE_PATH_PROTOCOL), Path, (Characters + 1) * sizeof(CHAR16));
