@@ -174,7 +174,11 @@ TEST_F(LinuxBoardTest, WhatCannotBeReadIsAFailedReadingAndComesBackByItself)
         EXPECT_TRUE(ComesTo(0, 62));
     };
     Spoil([&] { std::filesystem::remove(Tree.Path("hwmon1/temp1_input")); }); // the module is gone
-    Spoil([&] { Tree.Write("hwmon1/temp1_input", ""); });                     // no value yet
+    std::filesystem::rename(Tree.Path("hwmon1"), Tree.Path("hwmon11"));       // and loaded again
+    Tree.Write("hwmon11/temp1_input", "70000");
+    EXPECT_TRUE(ComesTo(0, 70));
+    std::filesystem::rename(Tree.Path("hwmon11"), Tree.Path("hwmon1"));
+    Spoil([&] { Tree.Write("hwmon1/temp1_input", ""); }); // no value yet
     Spoil([&] { Tree.Write("hwmon1/temp1_input", "12x"); });
     Spoil([&] { Tree.Write("hwmon1/temp1_input", "127000"); }); // nothing is wired there
     Spoil([&] { Tree.Write("hwmon1/temp1_fault", "1"); });

@@ -1,5 +1,6 @@
 // Readings beside the console's thread: a thread for each chip reads its sensors again and again, and whoever asks gets
-// what was read last. A chip that takes its time, or never answers, holds up neither the console nor another chip.
+// what was read last. A chip that takes its time, or never answers, holds up neither the console nor another chip. One
+// whose driver is loaded again is followed to its new folder.
 #pragma once
 
 #include <chrono>
