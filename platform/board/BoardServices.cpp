@@ -54,7 +54,7 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
         &gDrawPrimitivesProtocolGuid, &gBoardDrawPrimitives, &gImageSectionProtocolGuid, &gBoardImageSection,
         static_cast<VOID*>(nullptr));
     if (!EfiError(Status)) {
-        OpenHandKeys(SystemTable);
+        OpenHandKeys(SystemTable, Options->StrokeClock);
     } else {
         UseTakeHome(nullptr, nullptr, nullptr); // it may hold pool
     }

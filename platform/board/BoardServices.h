@@ -31,6 +31,7 @@ struct BOARD_OPTIONS {
     BOARD_SOURCE* Board;      // owned by the caller, outlives the services
     UINT8 Generation;         // what GetFirmwareGeneration answers
     UINT64 (*Microseconds)(); // the clock that is passed to the board, from any start, never backwards
+    UINT64 (*StrokeClock)();  // times key strokes, to tell a held key; null where each stroke is a press of its own
     POINTER_SOURCE* Pointer;  // owned by the caller, outlives the services
     const UINT8* ArtworkPack; // the pack made by the build, see ArtworkPack.h; outlives the services
     UINTN ArtworkPackSize;

@@ -7,7 +7,8 @@ namespace {
 constexpr INT64 gStep = 10;
 constexpr INT64 gLongStep = 30;
 constexpr UINTN gStrokesToLongStep = 5;
-constexpr UINT64 gRowPause = 150000; // microseconds; strokes of a row come faster, a held key's among them
+constexpr UINT64 gRepeatPause = 600000; // a held key's first repeat comes within half a second, the others faster
+constexpr UINT64 gRowPause = 150000;    // microseconds; strokes of a row come faster, a held key's among them
 
 // A press shorter than 185 ms would be a click, and a click leaves a node where it was.
 constexpr UINT64 gShortestHold = 200000;
@@ -44,6 +45,10 @@ HAND gHand;
 HAND_KEY gStrokes[256];
 UINT8 gHead;
 UINT8 gTail;
+
+// Of strokes of a keyboard that repeats them.
+HAND_KEY gStruckKey;
+UINT64 gStruckAt; // 0: none yet
 
 bool HasStroke() { return gTail != __atomic_load_n(&gHead, __ATOMIC_ACQUIRE); }
 
@@ -177,6 +182,16 @@ VOID PressHand(HAND_KEY Key)
     if (Next != __atomic_load_n(&gTail, __ATOMIC_ACQUIRE)) {
         gStrokes[gHead] = Key;
         __atomic_store_n(&gHead, Next, __ATOMIC_RELEASE);
+    }
+}
+
+VOID StrikeHand(HAND_KEY Key, UINT64 Now)
+{
+    const bool Repeated = Key == gStruckKey && gStruckAt != 0 && Now - gStruckAt < gRepeatPause;
+    gStruckKey = Key;
+    gStruckAt = Now;
+    if (!Repeated || (Key != HAND_CLICK && Key != HAND_GRAB && Key != HAND_PICTURE)) {
+        PressHand(Key);
     }
 }
 

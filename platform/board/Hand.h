@@ -36,6 +36,9 @@ struct HAND_POINTER {
 // A stroke, to be carried out by the reads of the pointer that follow. It may come between any two instructions of
 // theirs. Beyond some 250 that wait, strokes are lost.
 VOID PressHand(HAND_KEY Key);
+// A stroke of a keyboard on which a held key goes on giving strokes, of which nothing tells them from presses but their
+// pace. A Space, G or F12 that is held counts once; pressed twice within 0.6 s with no other key in between, it does, too.
+VOID StrikeHand(HAND_KEY Key, UINT64 Now);
 // One read of the pointer: takes what the source says, and leaves in it what the console is to see. The first one after
 // ResetHand drops the strokes that came before it: they were meant for something else. Now in microseconds. True when a
 // picture is to be taken.

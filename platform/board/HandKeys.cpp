@@ -21,6 +21,7 @@ constexpr HAND_STROKE gHandStrokes[] = {
 constexpr UINTN gHandStrokeCount = sizeof(gHandStrokes) / sizeof(gHandStrokes[0]);
 
 EFI_SIMPLE_TEXT_INPUT_EX_PROTOCOL* gKeyboard;
+UINT64 (*gStrokeClock)();
 VOID* gNotifications[gHandStrokeCount];
 
 EFI_STATUS OnStroke(EFI_KEY_DATA* Stroke)
@@ -30,7 +31,8 @@ EFI_STATUS OnStroke(EFI_KEY_DATA* Stroke)
         (State & EFI_SHIFT_STATE_VALID) != 0 && (State & (EFI_LEFT_SHIFT_PRESSED | EFI_RIGHT_SHIFT_PRESSED)) != 0;
     for (const HAND_STROKE& Known : gHandStrokes) {
         if (Known.Key.ScanCode == Stroke->Key.ScanCode && Known.Key.UnicodeChar == Stroke->Key.UnicodeChar) {
-            PressHand(Shifted ? Known.Shifted : Known.Plain);
+            const HAND_KEY Hand = Shifted ? Known.Shifted : Known.Plain;
+            gStrokeClock != nullptr ? StrikeHand(Hand, gStrokeClock()) : PressHand(Hand);
         }
     }
     return EFI_SUCCESS;
@@ -38,8 +40,9 @@ EFI_STATUS OnStroke(EFI_KEY_DATA* Stroke)
 
 } // namespace
 
-VOID OpenHandKeys(EFI_SYSTEM_TABLE* SystemTable)
+VOID OpenHandKeys(EFI_SYSTEM_TABLE* SystemTable, UINT64 (*StrokeClock)())
 {
+    gStrokeClock = StrokeClock;
     // The one of the console's own handle stands for all keyboards together, those that come later among them.
     EFI_BOOT_SERVICES* Boot = SystemTable->BootServices;
     VOID* Interface = nullptr;

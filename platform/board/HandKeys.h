@@ -4,6 +4,6 @@
 
 #include "uefi/SystemTable.h"
 
-// Without the protocol there is nothing to hear, and the mouse is alone.
-VOID OpenHandKeys(EFI_SYSTEM_TABLE* SystemTable);
+// Without the protocol there is nothing to hear, and the mouse is alone. For StrokeClock see BOARD_OPTIONS.
+VOID OpenHandKeys(EFI_SYSTEM_TABLE* SystemTable, UINT64 (*StrokeClock)());
 VOID CloseHandKeys();

@@ -29,7 +29,8 @@ struct WINDOW {
     INT32 PointerY;
     bool Left;
     bool Right;
-    bool Released; // the last turn was the first that saw the left button up again
+    bool Repeating; // the key that went down last is held
+    bool Released;  // the last turn was the first that saw the left button up again
     bool Closed;
     UINT64 LastTurn; // microseconds of HostMicroseconds, as all times here
     UINT64 LastChange;
@@ -239,11 +240,15 @@ VOID TakeButton(WINDOW* Window, const SDL_MouseButtonEvent& Button)
 
 VOID TakeKey(WINDOW* Window, const SDL_KeyboardEvent& Event, std::vector<EFI_KEY_DATA>* Keys)
 {
+    Window->Repeating = Event.repeat != 0;
     if (Event.keysym.sym == SDLK_F11) {
         if (Event.repeat == 0) {
             ToggleFullScreen(Window);
         }
         return;
+    }
+    if (Event.keysym.sym == SDLK_F12 && Event.repeat != 0) {
+        return; // a picture each time
     }
     const auto* Found = std::find_if(std::begin(gKeys), std::end(gKeys),
                                      [&](const KEY_NAME& Name) { return Name.Symbol == Event.keysym.sym; });
@@ -294,7 +299,10 @@ VOID TakeEvent(WINDOW* Window, const SDL_Event& Event, std::vector<EFI_KEY_DATA>
         TakeKey(Window, Event.key, Keys);
         break;
     case SDL_TEXTINPUT:
-        AppendText(Keys, Event.text.text);
+        // A held Space or G takes the mouse's place once; the console has no use for them.
+        if (!Window->Repeating || std::strpbrk(Event.text.text, " gG") == nullptr) {
+            AppendText(Keys, Event.text.text);
+        }
         break;
     default:
         break;

@@ -83,6 +83,22 @@ TEST_F(Hand, AHoldIsLongerThanAClickAndEndsWhereItWasSeen)
     EXPECT_EQ(Buttons(5), "00100");
 }
 
+TEST_F(Hand, AHeldKeyTakesHoldOnceAndFastStrokesBetweenOthersAllCount)
+{
+    const auto Strike = [&](HAND_KEY Key, UINT64 Pause) {
+        StrikeHand(Key, Now += Pause);
+        return Buttons(3);
+    };
+    EXPECT_EQ(Strike(HAND_GRAB, 0), "111");
+    EXPECT_EQ(Strike(HAND_GRAB, 500000), "111");
+    for (int Repeat = 0; Repeat < 60; Repeat++) {
+        EXPECT_EQ(Strike(HAND_GRAB, 33000), "111");
+    }
+    (void)Strike(HAND_UP, 100000);
+    EXPECT_EQ(Strike(HAND_GRAB, 100000), "000");
+    EXPECT_EQ(Strike(HAND_GRAB, 600000), "111") << "a press of its own";
+}
+
 TEST_F(Hand, TheMouseTakesThePointerAndItsButtonEndsTheHold)
 {
     PressHand(HAND_GRAB);

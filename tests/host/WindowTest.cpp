@@ -48,10 +48,11 @@ protected:
         SDL_PushEvent(&Event);
     }
 
-    static VOID PutKey(SDL_Keycode Symbol)
+    static VOID PutKey(SDL_Keycode Symbol, UINT8 Repeat = 0)
     {
         SDL_Event Event{};
         Event.type = SDL_KEYDOWN;
+        Event.key.repeat = Repeat;
         Event.key.keysym.sym = Symbol;
         SDL_PushEvent(&Event);
     }
@@ -128,6 +129,10 @@ TEST_F(OpenedWindow, TurnsKeysAndTextIntoTheFirmwaresKeyStrokesInTheirOrder)
 {
     PutKey(SDLK_s); // its text follows; the key itself is none of the firmware's
     PutText("s");
+    for (const auto& [Symbol, Text] : {std::pair{SDLK_g, "g"}, {SDLK_SPACE, " "}, {SDLK_F12, ""}}) {
+        PutKey(Symbol, 1); // held: they take the mouse's place once
+        PutText(Text);
+    }
     PutKey(SDLK_ESCAPE);
     PutKey(SDLK_RETURN);
     PutKey(SDLK_F5);

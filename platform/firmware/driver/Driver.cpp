@@ -163,6 +163,7 @@ extern "C" EFI_STATUS DriverEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* Syst
         .Board = OpenBoard(Boot, Home.Volume),
         .Generation = 0,
         .Microseconds = ReadMicroseconds,
+        .StrokeClock = ReadMicroseconds,
         .Pointer = Pointer,
         .ArtworkPack = gArtworkPack,
         .ArtworkPackSize = gArtworkPackSize,
