@@ -14,6 +14,11 @@ constexpr UINTN gReportSize = 65536; // some twelve hundred modes of a display
 constexpr UINTN gNumberAt = 8;       // of a name
 constexpr UINTN gEndingAt = 12;
 
+// What no volume answers, and has a sentence of its own; error codes that the UEFI specification leaves to a maker.
+constexpr EFI_STATUS gVolumeGone = gEfiErrorBit | 0x4000000000000001;
+constexpr EFI_STATUS gNoPicture = gEfiErrorBit | 0x4000000000000002;
+constexpr EFI_STATUS gNoNumber = gEfiErrorBit | 0x4000000000000003;
+
 // Pool that is given back at the end.
 template <typename T> struct POOL_ROOM {
     T* Data = nullptr;
@@ -72,13 +77,14 @@ EFI_STATUS LookFor(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
     return Status;
 }
 
-// The next number that neither file has.
+// The next number that neither file has. A file that may not be opened is there.
 EFI_STATUS FindName(EFI_FILE_PROTOCOL* Root, FILE_NAME* Name)
 {
+    EFI_STATUS Status = EFI_SUCCESS;
     for (UINTN Number = 1; Number <= gMostNumber; Number++) {
         Name->SetNumber(Number);
         Name->SetEnding(u"txt");
-        EFI_STATUS Status = LookFor(Root, *Name);
+        Status = LookFor(Root, *Name);
         Name->SetEnding(u"png");
         if (Status == EFI_NOT_FOUND) {
             Status = LookFor(Root, *Name);
@@ -86,11 +92,11 @@ EFI_STATUS FindName(EFI_FILE_PROTOCOL* Root, FILE_NAME* Name)
         if (Status == EFI_NOT_FOUND) {
             return EFI_SUCCESS;
         }
-        if (EfiError(Status)) {
+        if (EfiError(Status) && Status != EFI_ACCESS_DENIED) {
             return Status;
         }
     }
-    return EFI_VOLUME_FULL;
+    return EfiError(Status) ? Status : gNoNumber; // nothing may be opened at all
 }
 
 // All of it, or no file.
@@ -126,7 +132,7 @@ EFI_STATUS WritePicture(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
     } else if (!EfiError(Boot->LocateProtocol(&gEfiGraphicsOutputProtocolGuid, nullptr, &Interface))) {
         Display = static_cast<EFI_GRAPHICS_OUTPUT_PROTOCOL*>(Interface);
     } else {
-        return EFI_NOT_FOUND;
+        return gNoPicture;
     }
     const UINTN Size = StoredPngSize(gScreenWidth, gScreenHeight);
     const POOL_ROOM<EFI_GRAPHICS_OUTPUT_BLT_PIXEL> Pixels(UINTN{gScreenWidth} * gScreenHeight);
@@ -137,7 +143,7 @@ EFI_STATUS WritePicture(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
     const EFI_STATUS Status =
         Display->Blt(Display, Pixels.Data, EfiBltVideoToBltBuffer, 0, 0, 0, 0, gScreenWidth, gScreenHeight, 0);
     if (EfiError(Status)) {
-        return EFI_UNSUPPORTED;
+        return gNoPicture;
     }
     BuildStoredPng(File.Data, Pixels.Data, gScreenWidth, gScreenHeight);
     return WriteFile(Root, Name, File.Data, Size);
@@ -191,11 +197,9 @@ EFI_STATUS OpenRoot(EFI_FILE_PROTOCOL** Root)
 {
     VOID* Interface = nullptr;
     EFI_HANDLE Volume = FindVolume();
-    const EFI_STATUS Status =
-        Volume == nullptr ? EFI_NOT_FOUND
-                          : gTable->BootServices->HandleProtocol(Volume, &gEfiSimpleFileSystemProtocolGuid, &Interface);
-    if (EfiError(Status)) {
-        return Status;
+    if (Volume == nullptr ||
+        EfiError(gTable->BootServices->HandleProtocol(Volume, &gEfiSimpleFileSystemProtocolGuid, &Interface))) {
+        return gVolumeGone;
     }
     auto* FileSystem = static_cast<EFI_SIMPLE_FILE_SYSTEM_PROTOCOL*>(Interface);
     return FileSystem->OpenVolume(FileSystem, Root);
@@ -211,10 +215,14 @@ const CHAR16* ReasonOf(EFI_STATUS Status)
         return u"the volume is full.";
     case EFI_OUT_OF_RESOURCES:
         return u"there is not enough memory.";
-    case EFI_NOT_FOUND:
+    case gVolumeGone:
+    case EFI_NO_MEDIA:
+    case EFI_MEDIA_CHANGED:
         return u"the volume that Ventara was started from is gone.";
-    case EFI_UNSUPPORTED:
+    case gNoPicture:
         return u"this display doesn't give its picture.";
+    case gNoNumber:
+        return u"all numbers up to 999 are used. Move Ventara's files elsewhere.";
     default:
         return u"the volume can't be written. It may be failing.";
     }

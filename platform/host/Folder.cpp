@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/host/HostText.h"
@@ -11,7 +12,7 @@ namespace {
 struct OPEN_FILE {
     EFI_FILE_PROTOCOL Protocol; // first, as above
     std::string Path;
-    FILE* File; // null: the folder itself
+    FILE* File; // null: the folder itself, or a file that was there
 };
 
 OPEN_FILE* Of(EFI_FILE_PROTOCOL* Protocol) { return reinterpret_cast<OPEN_FILE*>(Protocol); }
@@ -43,8 +44,10 @@ EFI_STATUS Open(EFI_FILE_PROTOCOL* This, EFI_FILE_PROTOCOL** NewHandle, const CH
         return EFI_INVALID_PARAMETER;
     }
     const std::string Path = Of(This)->Path + "/" + ToUtf8(Name);
-    FILE* File = std::fopen(Path.c_str(), (Mode & EFI_FILE_MODE_CREATE) != 0 ? "wbx" : "rb");
-    if (File == nullptr) {
+    const bool Creates = (Mode & EFI_FILE_MODE_CREATE) != 0;
+    FILE* File = Creates ? std::fopen(Path.c_str(), "wbx") : nullptr;
+    struct stat Info; // of a link itself: one that leads nowhere takes its name, too
+    if (Creates ? File == nullptr : lstat(Path.c_str(), &Info) != 0) {
         return StatusOf(errno);
     }
     *NewHandle = NewFile(Path, File);

@@ -35,22 +35,23 @@ TEST(TakeHome, APictureAndAReportGoIntoTheFolderAndNoFileThereIsTouched)
     TestFolder Folder;
     std::ofstream(Folder.File("ventara-001.txt")) << "mine";
     std::ofstream(Folder.File("ventara-002.png")) << "mine, too";
+    std::filesystem::create_symlink("nowhere", Folder.File("ventara-003.txt"));
     SESSION_OPTIONS Options;
     Options.Script =
         "turn\ntick 20\npointer 640 300\nturn 3\nhand picture\nscreenshot shown\nturn\nhand picture 2\nturn 2\n";
     Options.Folder = Folder.File("");
     Options.ImagePath = VENTARA_CONSOLE_IMAGE;
     const SESSION_RESULT Result = RunSession(Options);
-    EXPECT_EQ(Result.TakenHome, "ventara-003.png and ventara-003.txt were written.\n"
-                                "ventara-004.png and ventara-004.txt were written.\n"
-                                "ventara-005.png and ventara-005.txt were written.\n");
+    EXPECT_EQ(Result.TakenHome, "ventara-004.png and ventara-004.txt were written.\n"
+                                "ventara-005.png and ventara-005.txt were written.\n"
+                                "ventara-006.png and ventara-006.txt were written.\n");
     EXPECT_TRUE(Result.Complaints.empty());
     EXPECT_EQ(ReadFile(Folder.File("ventara-001.txt")) + ReadFile(Folder.File("ventara-002.png")), "minemine, too");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.File("")), {}), 8);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.File("")), {}), 9);
 
     int Width = 0;
     int Height = 0;
-    UINT8* Pixels = stbi_load(Folder.File("ventara-003.png").c_str(), &Width, &Height, nullptr, 3);
+    UINT8* Pixels = stbi_load(Folder.File("ventara-004.png").c_str(), &Width, &Height, nullptr, 3);
     ASSERT_NE(Pixels, nullptr) << stbi_failure_reason();
     ASSERT_EQ(std::pair(Width, Height), std::pair(1024, 768));
     const PICTURE& Shown = Result.Pictures.at("shown");
@@ -63,7 +64,7 @@ TEST(TakeHome, APictureAndAReportGoIntoTheFolderAndNoFileThereIsTouched)
     EXPECT_EQ(Different, 0u);
     std::free(Pixels);
 
-    const std::string Report = ReadFile(Folder.File("ventara-003.txt"));
+    const std::string Report = ReadFile(Folder.File("ventara-004.txt"));
     for (const char* Said :
          {"Ventara 0.9.0", "Ventara hosted firmware, revision 1, UEFI 2.7", "1024 by 768, blue first",
           "4 CPU 1: ", " rpm, curve on, 40 C 25 %, 55 C 50 %, 70 C 75 %, 85 C 100 %, record 010a0704",
@@ -77,13 +78,16 @@ struct REFUSING {
     EFI_SIMPLE_FILE_SYSTEM_PROTOCOL FileSystem;
     EFI_FILE_PROTOCOL File; // every file, and the root
     UINTN Room;             // bytes that can still be written
-    EFI_STATUS OnCreate;
+    EFI_STATUS OnCreate, OnOpen;
+    int Taken; // looks at a file that are answered with OnOpen
     int Created, Deleted, Opened;
     EFI_HANDLE Plugged; // what is found where the volume was
     bool AtEnd;         // of the path, and not on the way
 };
 REFUSING gVolume;
 std::string gTold;
+constexpr const char* gBoth = "ventara-001.png and ventara-001.txt were written.";
+constexpr const char* gFailing = "Nothing was written: the volume can't be written. It may be failing.";
 constexpr const char* gGone = "Nothing was written: the volume that Ventara was started from is gone.";
 
 TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
@@ -94,10 +98,12 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
                               return EFI_SUCCESS;
                           }};
     gVolume.File.Open = [](auto*, EFI_FILE_PROTOCOL** File, auto*, UINT64 Mode, UINT64) -> EFI_STATUS {
-        if ((Mode & EFI_FILE_MODE_CREATE) == 0 || EfiError(gVolume.OnCreate)) {
-            return (Mode & EFI_FILE_MODE_CREATE) == 0 ? EFI_NOT_FOUND : gVolume.OnCreate;
+        const bool Creates = (Mode & EFI_FILE_MODE_CREATE) != 0;
+        const EFI_STATUS Status = Creates ? gVolume.OnCreate : gVolume.Taken-- > 0 ? gVolume.OnOpen : EFI_NOT_FOUND;
+        if (EfiError(Status)) {
+            return Status;
         }
-        gVolume.Created++;
+        gVolume.Created += Creates ? 1 : 0;
         gVolume.Opened++;
         *File = &gVolume.File;
         return EFI_SUCCESS;
@@ -126,29 +132,38 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
         return *Found == nullptr ? EFI_NOT_FOUND : EFI_SUCCESS;
     };
     struct {
-        EFI_HANDLE Volume, Plugged;
-        bool AtEnd;
-        EFI_STATUS OnCreate;
-        UINTN Room;
-        int Created, Deleted;
         const char* Told;
+        EFI_HANDLE Volume;
+        UINTN Room = 0;
+        int Created = 0, Deleted = 0;
+        EFI_STATUS OnCreate = EFI_SUCCESS, OnOpen = EFI_SUCCESS;
+        int Taken = 0;
+        EFI_HANDLE Plugged = nullptr;
+        bool AtEnd = false;
     } const Cases[] = {
-        {Handle, nullptr, false, EFI_SUCCESS, 5000000, 2, 0, "ventara-001.png and ventara-001.txt were written."},
-        {Handle, nullptr, false, EFI_SUCCESS, 5000, 2, 1,
-         "Only ventara-001.txt was written, no picture: the volume is full."},
-        {Handle, nullptr, false, EFI_SUCCESS, 0, 2, 2, "Nothing was written: the volume is full."},
-        {Handle, nullptr, false, EFI_WRITE_PROTECTED, 0, 0, 0, "Nothing was written: the volume is read-only."},
-        {Handle, nullptr, false, EFI_DEVICE_ERROR, 0, 0, 0,
-         "Nothing was written: the volume can't be written. It may be failing."},
-        {Pulled, Handle, true, EFI_SUCCESS, 5000000, 2, 0, "ventara-001.png and ventara-001.txt were written."},
-        {Pulled, Pulled, false, EFI_SUCCESS, 0, 0, 0, gGone},
-        {Pulled, nullptr, false, EFI_SUCCESS, 0, 0, 0, gGone},
-        {nullptr, nullptr, false, EFI_SUCCESS, 0, 0, 0, gGone},
+        {gBoth, Handle, 5000000, 2, 0},
+        {"Only ventara-001.txt was written, no picture: the volume is full.", Handle, 5000, 2, 1},
+        {"Nothing was written: the volume is full.", Handle, 0, 2, 2},
+        {"Nothing was written: the volume is read-only.", Handle, 0, 0, 0, EFI_WRITE_PROTECTED},
+        {gFailing, Handle, 0, 0, 0, EFI_DEVICE_ERROR},
+        {gFailing, Handle, 0, 0, 0, EFI_UNSUPPORTED},
+        {gGone, Handle, 0, 0, 0, EFI_NO_MEDIA},
+        {gGone, Boot->FirmwareTable.ConsoleInHandle},
+        {gGone, nullptr},
+        {"ventara-002.png and ventara-002.txt were written.", Handle, 5000000, 2, 0, 0, EFI_ACCESS_DENIED, 1},
+        {"Nothing was written: the volume is read-only.", Handle, 0, 0, 0, 0, EFI_ACCESS_DENIED, 2000},
+        {"Nothing was written: all numbers up to 999 are used. Move Ventara's files elsewhere.", Handle, 0, 0, 0, 0,
+         EFI_SUCCESS, 2000},
+        {gBoth, Pulled, 5000000, 2, 0, 0, 0, 0, Handle, true},
+        {gGone, Pulled, 0, 0, 0, 0, 0, 0, Pulled, false},
+        {gGone, Pulled},
     };
     BOARD_SOURCE Board = {};
     for (const auto& Case : Cases) {
         gVolume.Room = Case.Room;
         gVolume.OnCreate = Case.OnCreate;
+        gVolume.OnOpen = Case.OnOpen;
+        gVolume.Taken = Case.Taken;
         gVolume.Created = gVolume.Deleted = gVolume.Opened = 0;
         gVolume.Plugged = Case.Plugged;
         gVolume.AtEnd = Case.AtEnd;
@@ -164,6 +179,7 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
         EXPECT_EQ(gVolume.Deleted, Case.Deleted) << Case.Told;
         EXPECT_EQ(gVolume.Opened, 0) << Case.Told << " and a file is left open";
     }
+    UseTakeHome(nullptr, nullptr, nullptr);
 }
 
 } // namespace
