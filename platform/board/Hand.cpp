@@ -144,7 +144,16 @@ bool TakeStrokes(UINTN Width, UINTN Height, UINT64 Now)
             return false;
         }
         DropStroke();
-        if (Key == HAND_CLICK) {
+        if (Key == HAND_LEAVE) {
+            // The box is open up to the console's own read of that key, and one read of the pointer longer for us. The
+            // strokes behind it are for what is under the box.
+            if (IsBoxOpen()) {
+                gHand.Waits = gReadsAfterClick;
+                return false;
+            }
+            continue;
+        }
+        if (Key == HAND_CLICK || (Key == HAND_GRAB && IsBoxOpen())) {
             gHand.Waits = gReadsAfterClick;
             return true;
         }

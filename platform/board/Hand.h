@@ -3,7 +3,8 @@
 // Arrows go 10 pixels, 30 from the fifth stroke in a row on, and 1 with Shift. Tab and Shift+Tab jump to the next place
 // that answers a press, from beside all of them to the nearest (TabStops.h); when a message box closes, the pointer goes
 // back to where Tab took it from. Space clicks. G takes hold, and lets go when it is pressed again; with a node or a thumb
-// in hand an arrow goes one cell of the grid. F12 takes a picture (TakeHome.h).
+// in hand an arrow goes one cell of the grid. In a message box, where nothing is dragged, G clicks. F12 takes a picture
+// (TakeHome.h).
 //
 // The mouse and the hand share one pointer. It is the mouse's again as soon as the mouse moves, and a press of its button
 // ends what G holds.
@@ -25,6 +26,7 @@ enum HAND_KEY : UINT8 {
     HAND_CLICK,
     HAND_GRAB,
     HAND_PICTURE,
+    HAND_LEAVE, // Enter or Escape, which close a message box
 };
 
 struct HAND_POINTER {

@@ -262,6 +262,13 @@ VOID DrawButton(EFI_GRAPHICS_OUTPUT_PROTOCOL* Display, const BOX_STATE& State)
             State.ButtonY + gOutline + (Height - TextHeight) / 2, TextWidth, TextHeight);
 }
 
+VOID TellButton(const BOX_STATE& State)
+{
+    if (State.ButtonText != nullptr) {
+        NoteBoxButton({State.ButtonX, State.ButtonY, State.ButtonWidth, State.ButtonHeight, false});
+    }
+}
+
 bool IsOnButton(const BOX_STATE& State, UINTN X, UINTN Y)
 {
     return State.ButtonText != nullptr && X >= State.ButtonX && X < UINTN{State.ButtonX} + State.ButtonWidth &&
@@ -324,6 +331,7 @@ EFI_STATUS DrawMessageBox(MESSAGE_BOX* Box)
         DrawOutline(Display, gBorder, State.X + 1u, State.Y + 1u, State.BoxWidth - 2, State.BoxHeight - 2, 1);
     }
     DrawLines(Display, State);
+    TellButton(State);
     if (State.ButtonText != nullptr) {
         DrawButton(Display, State);
     }
@@ -347,9 +355,7 @@ EFI_STATUS UpdateMessageBox(MESSAGE_BOX* Box, UINTN X, UINTN Y)
     State.LastY = static_cast<UINT16>(Y);
     State.ButtonFocus = Hover;
     *Box = __builtin_bit_cast(MESSAGE_BOX, State);
-    if (State.ButtonText != nullptr) {
-        NoteBoxButton({State.ButtonX, State.ButtonY, State.ButtonWidth, State.ButtonHeight, false});
-    }
+    TellButton(State);
     if (!Repaint) {
         return EFI_SUCCESS;
     }

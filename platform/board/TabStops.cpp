@@ -212,4 +212,5 @@ VOID NoteBoxButton(const TAB_STOP& Button)
 {
     gBoxButton = Button;
     gBoxTurn = true;
+    gBoxOpen = true;
 }

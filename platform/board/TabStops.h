@@ -41,5 +41,5 @@ VOID NoteFanSent(UINT8 FanItem, const FAN_SETTING& Setting);
 VOID NoteFullSpeed();
 // The pointer as the console gets it, at each read, Now in microseconds.
 VOID NotePointer(INT64 X, INT64 Y, UINT8 Left, UINT64 Now);
-// The button of the message box that is open, at each of its turns.
+// The button of the message box that is open, when it is drawn and at each of its turns.
 VOID NoteBoxButton(const TAB_STOP& Button);

@@ -74,7 +74,7 @@ const TASK gTasks[] = {
      {"back 6", "space", "tab", "space", "tab", "space"}},
     {"ReadThePages",
      [](SCENE& S) -> SCENE& { return S.Button(ABOUT).Key("enter").Button(HELP).Key("esc"); },
-     {"back 3", "space", "tab", "space", "tab", "space", "tab", "space"}},
+     {"back 3", "space", "tab", "grab", "tab", "space", "tab", "space"}},
 };
 
 TEST(Hand, DoesEveryTaskAsTheMouseDoesIt)
@@ -93,6 +93,15 @@ TEST(Hand, DoesEveryTaskAsTheMouseDoesIt)
             ExpectSamePicture(ByKeys.Picture("end"), ByMouse.Picture("end"), Area);
         }
     }
+    // Strokes that wait while a page opens or closes meet what is open by then.
+    SCENE Fast = Begun();
+    for (const char* Stroke : {"back 3", "space", "tab", "space", "tab", "space"}) {
+        (void)Fast.Line(std::string("hand ") + Stroke);
+    }
+    (void)Fast.Turns(30).Line("key esc").Line("hand back").Line("hand space");
+    SCENE Pages = Begun();
+    (void)Pages.Button(ABOUT).Key("esc").Button(HELP).Key("esc").Button(ABOUT);
+    EXPECT_EQ(Effects(Fast.Turns(30).Play()), Effects(Pages.Play()));
     SCENE Exit = Begun();
     EXPECT_LT(Strokes(Exit, {"back", "space"}).Ticks(50).Play().Session.Turns, Exit.TurnsSoFar - 50);
 }
