@@ -33,6 +33,20 @@ const BYTES gReceiver = {0x05, 0x01, 0x09, 0x06, 0xA1, 0x01, 0x85, 0x01, 0x05, 0
 const BYTES gKeyboard = {0x05, 0x01, 0x09, 0x06, 0xA1, 0x01, 0x05, 0x07, 0x19, 0xE0, 0x29, 0xE7,
                          0x15, 0x00, 0x25, 0x01, 0x75, 0x01, 0x95, 0x08, 0x81, 0x02, 0xC0};
 
+// A touch screen under id 7: a finger's tip, padding, its number, and two places of 16 bits from 0 to 4095; and another's.
+const BYTES gFinger = {0x05, 0x0D, 0x09, 0x22, 0xA1, 0x02, 0x09, 0x42, 0x15, 0x00, 0x25, 0x01, 0x75, 0x01, 0x95, 0x01,
+                       0x81, 0x02, 0x95, 0x07, 0x81, 0x03, 0x09, 0x51, 0x75, 0x08, 0x95, 0x01, 0x81, 0x02, 0x05, 0x01,
+                       0x09, 0x30, 0x26, 0xFF, 0x0F, 0x75, 0x10, 0x81, 0x02, 0x09, 0x31, 0x81, 0x02, 0xC0};
+BYTES TouchScreen()
+{
+    BYTES Screen = {0x05, 0x0D, 0x09, 0x04, 0xA1, 0x01, 0x85, 0x07};
+    for (int Finger = 0; Finger < 2; Finger++) {
+        Screen.insert(Screen.end(), gFinger.begin(), gFinger.end());
+    }
+    Screen.push_back(0xC0);
+    return Screen;
+}
+
 bool Decode(const BYTES& Descriptor, const BYTES& Report, POINTER_CHANGE* Change)
 {
     HID_LAYOUT Layout = {};
@@ -63,6 +77,20 @@ TEST(HidReport, ATabletReportsItsPlaceAsAShareOfTheScreen)
     EXPECT_NEAR(static_cast<double>(Change.X), static_cast<double>(gFullScale) / 2, 2);
     EXPECT_EQ(Change.Y, gFullScale) << "a place outside the range is at its edge";
     EXPECT_EQ(Change.Left, 0);
+}
+
+TEST(HidReport, ATouchScreenReportsItsFirstFingerUnlessItIsAMouseAsWell)
+{
+    POINTER_CHANGE Change = {};
+    BYTES Screen = TouchScreen();
+    ASSERT_TRUE(
+        Decode(Screen, {0x07, 0x01, 0x05, 0xFF, 0x0F, 0x00, 0x00, 0x00, 0x06, 0x99, 0x09, 0x99, 0x09}, &Change));
+    EXPECT_TRUE(Change.Absolute);
+    EXPECT_EQ((std::pair{Change.X, Change.Y}), (std::pair{gFullScale, INT64{0}}));
+    EXPECT_EQ(Change.Left, 1);
+    Screen.insert(Screen.end(), gReceiver.begin(), gReceiver.end());
+    EXPECT_TRUE(Decode(Screen, {0x02, 0x01, 0x00, 0xFF, 0x0F, 0x10}, &Change));
+    EXPECT_EQ(Change.X, -1);
 }
 
 TEST(HidReport, AReceiverOfSeveralDevicesGivesItsMouseReportsAlone)

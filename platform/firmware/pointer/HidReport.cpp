@@ -42,6 +42,9 @@ constexpr UINT32 gUsageX = 0x00010030;
 constexpr UINT32 gUsageY = 0x00010031;
 constexpr UINT32 gUsageButton1 = 0x00090001;
 constexpr UINT32 gUsageButton2 = 0x00090002;
+constexpr UINT32 gUsagePen = 0x000D0002;
+constexpr UINT32 gUsageTouchScreen = 0x000D0004;
+constexpr UINT32 gUsageTip = 0x000D0042; // the finger or the pen touches the screen
 
 constexpr UINTN gMaximumUsages = 32;
 constexpr UINTN gMaximumPushes = 4;
@@ -60,6 +63,7 @@ struct HID_PARSER {
     HID_GLOBALS Globals;
     HID_GLOBALS Pushed[gMaximumPushes];
     UINTN PushCount;
+    bool ForDigitizers; // a touch screen or a pen is looked for, and no mouse
     UINT32 Usages[gMaximumUsages];
     UINTN UsageCount;
     UINT32 UsageMinimum;
@@ -68,6 +72,12 @@ struct HID_PARSER {
     UINT32 BitOffset;    // in the report at hand
     HID_LAYOUT Found;
 };
+
+bool IsPointer(const HID_PARSER* Parser, UINT32 Usage)
+{
+    return Parser->ForDigitizers ? Usage == gUsageTouchScreen || Usage == gUsagePen
+                                 : Usage == gUsageMouse || Usage == gUsagePointer;
+}
 
 bool HasBothAxes(const HID_LAYOUT* Layout) { return Layout->X.BitCount != 0 && Layout->Y.BitCount != 0; }
 
@@ -96,6 +106,7 @@ VOID TakeField(HID_PARSER* Parser, UINT32 Usage, UINT32 BitOffset, UINT32 Flags)
         Field = &Layout->Y;
         break;
     case gUsageButton1:
+    case gUsageTip:
         Field = &Layout->Left;
         break;
     case gUsageButton2:
@@ -220,7 +231,7 @@ bool TakeItem(HID_PARSER* Parser, UINT8 Item, UINT32 Data, UINTN DataSize)
     case ITEM_COLLECTION:
         Parser->Depth++;
         if (Parser->PointerDepth == 0 && Data == gCollectionApplication && Parser->UsageCount != 0 &&
-            (Parser->Usages[0] == gUsageMouse || Parser->Usages[0] == gUsagePointer)) {
+            IsPointer(Parser, Parser->Usages[0])) {
             Parser->PointerDepth = Parser->Depth;
         }
         Main = true;
@@ -283,11 +294,10 @@ INT64 ScaleField(const HID_FIELD* Field, const UINT8* Bytes)
     return Place > Range ? gFullScale : Place * gFullScale / Range;
 }
 
-}
-
-bool ParseHidDescriptor(const UINT8* Descriptor, UINTN Size, HID_LAYOUT* Layout)
+bool FindPointer(const UINT8* Descriptor, UINTN Size, bool ForDigitizers, HID_LAYOUT* Layout)
 {
     HID_PARSER Parser = {};
+    Parser.ForDigitizers = ForDigitizers;
     UINTN At = 0;
     while (At < Size) {
         UINT8 Prefix = Descriptor[At++];
@@ -312,6 +322,14 @@ bool ParseHidDescriptor(const UINT8* Descriptor, UINTN Size, HID_LAYOUT* Layout)
     }
     *Layout = Parser.Found;
     return true;
+}
+
+}
+
+// A touch screen that is a mouse as well speaks as one until it is told otherwise. Of several fingers the first one counts.
+bool ParseHidDescriptor(const UINT8* Descriptor, UINTN Size, HID_LAYOUT* Layout)
+{
+    return FindPointer(Descriptor, Size, false, Layout) || FindPointer(Descriptor, Size, true, Layout);
 }
 
 bool DecodeHidReport(const HID_LAYOUT* Layout, const UINT8* Report, UINTN Size, POINTER_CHANGE* Change)
