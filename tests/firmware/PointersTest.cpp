@@ -425,6 +425,26 @@ TEST_F(MachinePointer, WaysEndAtTheEdgesAndPlacesReachThem)
     EXPECT_EQ((std::pair{X, Y}), (std::pair<INT64, INT64>{0, 479}));
 }
 
+TEST_F(MachinePointer, OfTwoTabletsTheOneThatMovedLastHasThePointerAndItsWaysCountOnce)
+{
+    TOUCH_SCREEN Moved = {}, Resting = {};
+    Moved.Mode = Resting.Mode = {.AbsoluteMaxX = 1023, .AbsoluteMaxY = 767};
+    Resting.State = {.CurrentX = 900, .CurrentY = 700};
+    EFI_HANDLE Handle = Plug(&Moved);
+    Plug(&Resting);
+    SIMPLE_MOUSE Ways = {};
+    Ways.Protocol = {.Reset = nullptr, .GetState = GetSimpleState, .WaitForInput = nullptr, .Mode = &Ways.Mode};
+    Put(&Handle, gEfiSimplePointerProtocolGuid, &Ways);
+    Ways.States.push_back({.RelativeMovementX = 50});
+    Read();
+    Moved.State = {.CurrentX = 200, .CurrentY = 100};
+    for (int Time = 0; Time < 4; Time++) {
+        Read();
+        EXPECT_EQ((std::pair{X, Y}), (std::pair<INT64, INT64>{200, 100}));
+    }
+    EXPECT_EQ(Ways.States.size(), 1u) << "the same device by its other protocol";
+}
+
 TEST_F(MachinePointer, AFingerPointsAtWhatIsUnderItAtAnyScaleAndAMouseGoesAsFast)
 {
     struct {

@@ -132,6 +132,16 @@ bool PollKind(MACHINE_POINTER* Pointer, KIND Kind, UINT64 Now, POINTER_CHANGE* C
     return false;
 }
 
+// What a mouse reported while nobody looked is no way that the pointer went; a tablet's place still holds.
+VOID ApplyFirstChange(MACHINE_POINTER* Pointer, KIND Kind, POINTER_CHANGE* Change)
+{
+    if (!Change->Absolute) {
+        Change->X = 0;
+        Change->Y = 0;
+    }
+    (void)ApplyChange(Pointer, Kind, Change);
+}
+
 VOID BeginUse(MACHINE_POINTER* Pointer, UINT64 Now)
 {
     Pointer->InUse = true;
@@ -140,14 +150,11 @@ VOID BeginUse(MACHINE_POINTER* Pointer, UINT64 Now)
     gLayer = Layered ? static_cast<const CONSOLE_DISPLAY*>(Interface) : nullptr;
     // Looks for the firmware's own devices first, which may be the mouse at the keyboard controller.
     POINTER_CHANGE Change = {};
-    (void)PollProtocolPointers(Now, &Change);
-    // What a USB mouse reported while nobody looked is no way that the pointer went; a tablet's place still holds.
+    if (PollProtocolPointers(Now, &Change)) {
+        ApplyFirstChange(Pointer, KIND_PROTOCOL, &Change);
+    }
     while (PollUsbPointers(Now, &Change)) {
-        if (!Change.Absolute) {
-            Change.X = 0;
-            Change.Y = 0;
-        }
-        (void)ApplyChange(Pointer, KIND_USB, &Change);
+        ApplyFirstChange(Pointer, KIND_USB, &Change);
     }
     if (!FirmwareDrivesPs2Mouse()) {
         EFI_TPL Level = gBoot->RaiseTPL(TPL_NOTIFY);
@@ -264,6 +271,7 @@ VOID EndPointer(POINTER_SOURCE* This)
     }
     SilencePs2Mouse(Pointer);
     ResetPointer(Pointer);
+    CloseProtocolPointers();
     gLayer = nullptr; // it may be gone by the next start
     Report("ventara: pointer closed\n");
 }

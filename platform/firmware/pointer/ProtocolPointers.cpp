@@ -22,6 +22,8 @@ struct DEVICE {
     EFI_ABSOLUTE_POINTER_PROTOCOL* Absolute;
     INT64 RestX; // counts that made no whole pixel yet
     INT64 RestY;
+    INT64 PlaceX; // of an absolute one as it was last told, in gFullScale; -1 before
+    INT64 PlaceY;
     UINT8 Left;
     UINT8 Right;
 };
@@ -39,6 +41,24 @@ EFI_DEVICE_PATH_PROTOCOL* PathOf(EFI_HANDLE Handle)
         return nullptr;
     }
     return static_cast<EFI_DEVICE_PATH_PROTOCOL*>(Interface);
+}
+
+bool HasRange(const EFI_ABSOLUTE_POINTER_PROTOCOL* Absolute)
+{
+    const EFI_ABSOLUTE_POINTER_MODE* Mode = Absolute->Mode;
+    return Mode->AbsoluteMaxX > Mode->AbsoluteMinX && Mode->AbsoluteMaxY > Mode->AbsoluteMinY;
+}
+
+// A device that tells places may tell ways as well: the same movement a second time.
+bool TellsPlaces(const DEVICE* Devices, UINTN Count, EFI_HANDLE Handle)
+{
+    for (UINTN Index = 0; Index < Count; Index++) {
+        if (Devices[Index].Handle == Handle && Devices[Index].Absolute != nullptr &&
+            HasRange(Devices[Index].Absolute)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 const DEVICE* FindDevice(const DEVICE* Devices, UINTN Count, EFI_HANDLE Handle, const VOID* Protocol)
@@ -62,7 +82,7 @@ VOID AddDevices(DEVICE* Devices, UINTN* Count, const EFI_GUID* Protocol, bool Wi
     }
     for (UINTN Index = 0; Index < HandleCount && *Count < gMaximumDevices; Index++) {
         VOID* Interface = nullptr;
-        if ((PathOf(Handles[Index]) != nullptr) != WithPath ||
+        if ((PathOf(Handles[Index]) != nullptr) != WithPath || TellsPlaces(Devices, *Count, Handles[Index]) ||
             EfiError(gBoot->HandleProtocol(Handles[Index], Protocol, &Interface))) {
             continue;
         }
@@ -72,6 +92,7 @@ VOID AddDevices(DEVICE* Devices, UINTN* Count, const EFI_GUID* Protocol, bool Wi
             continue;
         }
         DEVICE Device = {};
+        Device.PlaceX = -1;
         Device.Handle = Handles[Index];
         if (Protocol == &gEfiAbsolutePointerProtocolGuid) {
             Device.Absolute = static_cast<EFI_ABSOLUTE_POINTER_PROTOCOL*>(Interface);
@@ -144,20 +165,30 @@ bool PollSimple(DEVICE* Device, POINTER_CHANGE* Change)
     return true;
 }
 
+// A tablet at rest, whose state some firmware gives again and again, leaves the pointer to others; a press on it brings the
+// pointer there.
 bool PollAbsolute(DEVICE* Device, POINTER_CHANGE* Change)
 {
     const EFI_ABSOLUTE_POINTER_MODE* Mode = Device->Absolute->Mode;
     EFI_ABSOLUTE_POINTER_STATE State = {};
     // Without a range there is no device, or none with a place.
-    if (Mode->AbsoluteMaxX <= Mode->AbsoluteMinX || Mode->AbsoluteMaxY <= Mode->AbsoluteMinY ||
-        EfiError(Device->Absolute->GetState(Device->Absolute, &State))) {
+    if (!HasRange(Device->Absolute) || EfiError(Device->Absolute->GetState(Device->Absolute, &State))) {
         return false;
     }
+    const INT64 X = ScalePlace(State.CurrentX, Mode->AbsoluteMinX, Mode->AbsoluteMaxX);
+    const INT64 Y = ScalePlace(State.CurrentY, Mode->AbsoluteMinY, Mode->AbsoluteMaxY);
+    const UINT8 Left = (State.ActiveButtons & EFI_ABSP_TouchActive) != 0 ? 1 : 0;
+    const UINT8 Right = (State.ActiveButtons & EFI_ABS_AltActive) != 0 ? 1 : 0;
+    if (X == Device->PlaceX && Y == Device->PlaceY && Left == Device->Left && Right == Device->Right) {
+        return false;
+    }
+    Device->PlaceX = X;
+    Device->PlaceY = Y;
+    Device->Left = Left;
+    Device->Right = Right;
     Change->Absolute = true;
-    Change->X = ScalePlace(State.CurrentX, Mode->AbsoluteMinX, Mode->AbsoluteMaxX);
-    Change->Y = ScalePlace(State.CurrentY, Mode->AbsoluteMinY, Mode->AbsoluteMaxY);
-    Device->Left = (State.ActiveButtons & EFI_ABSP_TouchActive) != 0 ? 1 : 0;
-    Device->Right = (State.ActiveButtons & EFI_ABS_AltActive) != 0 ? 1 : 0;
+    Change->X = X;
+    Change->Y = Y;
     return true;
 }
 
@@ -245,4 +276,8 @@ bool FirmwareDrivesPs2Mouse()
 
 UINTN CountProtocolPointers() { return gDeviceCount; }
 
-VOID CloseProtocolPointers() { gDeviceCount = 0; }
+VOID CloseProtocolPointers()
+{
+    gDeviceCount = 0;
+    gNextLook = 0;
+}

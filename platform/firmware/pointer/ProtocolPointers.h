@@ -15,4 +15,5 @@ bool PollProtocolPointers(UINT64 Now, POINTER_CHANGE* Change);
 bool FirmwareDrivesPs2Mouse();
 // Devices found at the last look.
 UINTN CountProtocolPointers();
+// Forgets the devices and their places; the next poll looks for them.
 VOID CloseProtocolPointers();
