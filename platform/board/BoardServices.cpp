@@ -40,7 +40,7 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
     UseHardware(Options->Board, Options->Microseconds, Options->Refused, gServices);
     UsePointerSource(Options->Pointer, Options->Microseconds);
     UseTabStops(Options->Board, SystemTable->RuntimeServices);
-    UseTakeHome(SystemTable, Options->Board, Options->Home);
+    UseTakeHome(SystemTable, Options->Board, Options->Microseconds, Options->Home);
     UseMessageBoxServices(gServices);
     UseArtworkPool(gServices);
     UseArtworkPack(Options->ArtworkPack, Options->ArtworkPackSize);
@@ -56,7 +56,7 @@ EFI_STATUS InstallBoardServices(EFI_SYSTEM_TABLE* SystemTable, const BOARD_OPTIO
     if (!EfiError(Status)) {
         OpenHandKeys(SystemTable, Options->StrokeClock);
     } else {
-        UseTakeHome(nullptr, nullptr, nullptr); // it may hold pool
+        UseTakeHome(nullptr, nullptr, nullptr, nullptr); // it may hold pool
     }
     return Status;
 }
@@ -79,7 +79,7 @@ EFI_STATUS UninstallBoardServices(EFI_HANDLE Handle)
     ResetArtwork();
     UsePointerSource(nullptr, nullptr);
     UseTabStops(nullptr, nullptr);
-    UseTakeHome(nullptr, nullptr, nullptr);
+    UseTakeHome(nullptr, nullptr, nullptr, nullptr);
     UseMessageBoxServices(nullptr);
     gServices = nullptr;
     return EFI_SUCCESS;

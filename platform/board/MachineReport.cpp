@@ -124,7 +124,7 @@ VOID AddFan(REPORT_TEXT* Report, BOARD_SOURCE* Board, UINT8 Item)
     }
 }
 
-VOID AddBoard(REPORT_TEXT* Report, BOARD_SOURCE* Board)
+VOID AddBoard(REPORT_TEXT* Report, BOARD_SOURCE* Board, UINT64 (*Microseconds)())
 {
     AddText(Report, "\nSensors and fans\n");
     for (UINT8 Item = 0; Item < gItemCount; Item++) {
@@ -136,6 +136,9 @@ VOID AddBoard(REPORT_TEXT* Report, BOARD_SOURCE* Board)
         AddText(Report, " ");
         AddText(Report, Board->NameOf(Board, Item));
         AddText(Report, ": ");
+        if (Board->Advance != nullptr) {
+            Board->Advance(Board, Microseconds());
+        }
         UINT64 Value = 0;
         if (EfiError(Board->Read(Board, Item, &Value))) {
             AddText(Report, "can't be read");
@@ -153,7 +156,7 @@ VOID AddBoard(REPORT_TEXT* Report, BOARD_SOURCE* Board)
 } // namespace
 
 VOID WriteMachineReport(REPORT_TEXT* Report, const EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board,
-                        VOID (*Describe)(REPORT_TEXT* Report))
+                        UINT64 (*Microseconds)(), VOID (*Describe)(REPORT_TEXT* Report))
 {
     AddText(Report, "Ventara ");
     AddText(Report, gVentaraVersion);
@@ -170,7 +173,7 @@ VOID WriteMachineReport(REPORT_TEXT* Report, const EFI_SYSTEM_TABLE* SystemTable
     if (Describe != nullptr) {
         Describe(Report);
     }
-    AddBoard(Report, Board);
+    AddBoard(Report, Board, Microseconds);
     AddText(Report, "\nServices\n");
     for (const auto& Service : gServices) {
         AddText(Report, Locate(SystemTable, *Service.Guid) != nullptr ? "  yes  " : "  no   ");

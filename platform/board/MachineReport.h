@@ -5,6 +5,7 @@
 #include "platform/board/ReportText.h"
 #include "uefi/SystemTable.h"
 
-// Describe adds what only the machine's own side knows, such as its pointers; may be null.
+// Microseconds is the board's clock. Describe adds what only the machine's own side knows, such as its pointers; may be
+// null.
 VOID WriteMachineReport(REPORT_TEXT* Report, const EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board,
-                        VOID (*Describe)(REPORT_TEXT* Report));
+                        UINT64 (*Microseconds)(), VOID (*Describe)(REPORT_TEXT* Report));

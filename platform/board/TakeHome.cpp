@@ -30,6 +30,7 @@ template <typename T> struct POOL_ROOM {
 
 EFI_SYSTEM_TABLE* gTable;
 BOARD_SOURCE* gBoard;
+UINT64 (*gMicroseconds)();
 TAKE_HOME gHome;
 EFI_DEVICE_PATH_PROTOCOL* gVolumePath; // our copy, in pool; null: the volume has none
 CHAR16 gWords[160];                    // of what became of it
@@ -156,7 +157,7 @@ EFI_STATUS WriteReport(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
         return EFI_OUT_OF_RESOURCES;
     }
     REPORT_TEXT Report = {.Text = Room.Data, .Size = gReportSize, .Length = 0};
-    WriteMachineReport(&Report, gTable, gBoard, gHome.Describe);
+    WriteMachineReport(&Report, gTable, gBoard, gMicroseconds, gHome.Describe);
     return WriteFile(Root, Name, Report.Text, Report.Length);
 }
 
@@ -243,7 +244,7 @@ VOID Tell(const CHAR16* A, const CHAR16* B, const CHAR16* C = u"", const CHAR16*
 
 } // namespace
 
-VOID UseTakeHome(EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board, const TAKE_HOME* Home)
+VOID UseTakeHome(EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board, UINT64 (*Microseconds)(), const TAKE_HOME* Home)
 {
     if (gVolumePath != nullptr) {
         (void)gTable->BootServices->FreePool(gVolumePath);
@@ -251,6 +252,7 @@ VOID UseTakeHome(EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board, const TAKE_
     }
     gTable = SystemTable;
     gBoard = Board;
+    gMicroseconds = Microseconds;
     gHome = Home != nullptr ? *Home : TAKE_HOME{};
     if (gHome.Volume != nullptr) {
         CopyVolumePath();

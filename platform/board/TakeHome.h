@@ -7,6 +7,6 @@
 #include "platform/board/BoardServices.h"
 
 // Null: from now on nothing is taken. Told's words stay until the next time.
-VOID UseTakeHome(EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board, const TAKE_HOME* Home);
+VOID UseTakeHome(EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board, UINT64 (*Microseconds)(), const TAKE_HOME* Home);
 // Not from a notification: a volume works at TPL_CALLBACK and below.
 VOID TakeHome();

@@ -15,6 +15,7 @@
 #include <stb/stb_image.h>
 #pragma GCC diagnostic pop
 
+#include "platform/board/FanContract.h"
 #include "platform/board/MachineReport.h"
 #include "platform/host/Session.h"
 #include "tests/gui/ToolkitBench.h"
@@ -171,7 +172,7 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
         const TAKE_HOME Home = {Case.Volume, nullptr, [](const CHAR16* Words) {
                                     gTold.assign(Words, Words + std::char_traits<CHAR16>::length(Words));
                                 }};
-        UseTakeHome(&Boot->FirmwareTable, &Board, &Home);
+        UseTakeHome(&Boot->FirmwareTable, &Board, nullptr, &Home);
         Path->Type = 0; // it went with the stick
         TakeHome();
         EXPECT_EQ(gTold, Case.Told);
@@ -179,7 +180,26 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
         EXPECT_EQ(gVolume.Deleted, Case.Deleted) << Case.Told;
         EXPECT_EQ(gVolume.Opened, 0) << Case.Told << " and a file is left open";
     }
-    UseTakeHome(nullptr, nullptr, nullptr);
+    UseTakeHome(nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST_F(HOSTED, AReportTellsReadingsOfNowAndFiguresWhole)
+{
+    static UINT64 Time;
+    BOARD_SOURCE Board = {};
+    Board.Present = 1 << gFirstFanItem;
+    Board.NameOf = [](auto...) { return u"Fan"; };
+    Board.Advance = [](auto*, UINT64 Now) { Time = Now; };
+    Board.Read = [](auto*, UINT8, UINT64* Value) { return *Value = Time, EFI_SUCCESS; };
+    Board.GetFan = [](auto*, UINT8, FAN_SETTING* Setting) {
+        return PutCurve(Setting, {{{1, 1}, {2, 3}, {3, 5}, {4, 7}}}), EFI_SUCCESS;
+    };
+    CHAR8 Text[4096];
+    REPORT_TEXT Report = {.Text = Text, .Size = sizeof(Text), .Length = 0};
+    WriteMachineReport(
+        &Report, &Boot->FirmwareTable, &Board, [] { return UINT64{1234}; }, nullptr);
+    const std::string Told(Text, Report.Length);
+    EXPECT_NE(Told.find("4 Fan: 1234 rpm"), Told.npos) << Told;
 }
 
 } // namespace
