@@ -39,6 +39,15 @@ VOID* Locate(const EFI_SYSTEM_TABLE* SystemTable, const EFI_GUID& Guid)
     return EfiError(SystemTable->BootServices->LocateProtocol(&Guid, nullptr, &Interface)) ? nullptr : Interface;
 }
 
+// The last decimal, which is left out where it is nothing.
+VOID AddTenth(REPORT_TEXT* Report, UINT64 Tenth)
+{
+    if (Tenth != 0) {
+        AddText(Report, ".");
+        AddNumber(Report, Tenth);
+    }
+}
+
 VOID AddSize(REPORT_TEXT* Report, UINT64 Width, UINT64 Height)
 {
     AddNumber(Report, Width);
@@ -97,7 +106,9 @@ VOID AddCurve(REPORT_TEXT* Report, const FAN_SETTING& Setting, FAN_CONTROL Contr
         AddText(Report, ", ");
         AddNumber(Report, static_cast<UINT64>(DegreesOfColumn(Node.Column)));
         AddText(Report, " C ");
-        AddNumber(Report, static_cast<UINT64>(DutyOfLevel(Node.Level, Control) / 10));
+        const auto Duty = static_cast<UINT64>(DutyOfLevel(Node.Level, Control));
+        AddNumber(Report, Duty / 10);
+        AddTenth(Report, Duty % 10);
         AddText(Report, " %");
     }
 }
@@ -168,6 +179,7 @@ VOID WriteMachineReport(REPORT_TEXT* Report, const EFI_SYSTEM_TABLE* SystemTable
     AddNumber(Report, SystemTable->Hdr.Revision >> 16);
     AddText(Report, ".");
     AddNumber(Report, (SystemTable->Hdr.Revision & 0xFFFF) / 10);
+    AddTenth(Report, (SystemTable->Hdr.Revision & 0xFFFF) % 10);
     AddText(Report, "\n");
     AddDisplay(Report, SystemTable);
     if (Describe != nullptr) {

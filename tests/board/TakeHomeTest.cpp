@@ -194,12 +194,15 @@ TEST_F(HOSTED, AReportTellsReadingsOfNowAndFiguresWhole)
     Board.GetFan = [](auto*, UINT8, FAN_SETTING* Setting) {
         return PutCurve(Setting, {{{1, 1}, {2, 3}, {3, 5}, {4, 7}}}), EFI_SUCCESS;
     };
+    Boot->FirmwareTable.Hdr.Revision = 0x0002001F; // 2.31
     CHAR8 Text[4096];
     REPORT_TEXT Report = {.Text = Text, .Size = sizeof(Text), .Length = 0};
     WriteMachineReport(
         &Report, &Boot->FirmwareTable, &Board, [] { return UINT64{1234}; }, nullptr);
     const std::string Told(Text, Report.Length);
-    EXPECT_NE(Told.find("4 Fan: 1234 rpm"), Told.npos) << Told;
+    for (const char* Said : {"UEFI 2.3.1\n", "4 Fan: 1234 rpm", "40 C 12.5 %, 45 C 37.5 %, 50 C 62.5 %, 55 C 87.5 %"}) {
+        EXPECT_NE(Told.find(Said), Told.npos) << Said << " isn't in\n" << Told;
+    }
 }
 
 } // namespace
