@@ -20,7 +20,6 @@ constexpr struct {
     {"single keys (extended text input)", &gEfiSimpleTextInputExProtocolGuid},
     {"simple pointer", &gEfiSimplePointerProtocolGuid},
     {"absolute pointer", &gEfiAbsolutePointerProtocolGuid},
-    {"layer over the display", &gConsoleDisplayGuid},
     {"board: readings and settings", &gHwServiceProtocolGuid},
     {"board: pointer", &gCursorServiceProtocolGuid},
     {"board: pictures' decoder", &gImageDecoderProtocolGuid},
@@ -37,6 +36,14 @@ VOID* Locate(const EFI_SYSTEM_TABLE* SystemTable, const EFI_GUID& Guid)
 {
     VOID* Interface = nullptr;
     return EfiError(SystemTable->BootServices->LocateProtocol(&Guid, nullptr, &Interface)) ? nullptr : Interface;
+}
+
+// Null where the record is there for its font alone, and the console works on the display itself.
+const CONSOLE_DISPLAY* FindLayer(const EFI_SYSTEM_TABLE* SystemTable)
+{
+    const auto* Record = static_cast<const CONSOLE_DISPLAY*>(Locate(SystemTable, gConsoleDisplayGuid));
+    const bool Same = Record != nullptr && Record->Graphics == Locate(SystemTable, gEfiGraphicsOutputProtocolGuid);
+    return Same ? nullptr : Record;
 }
 
 // The last decimal, which is left out where it is nothing.
@@ -78,7 +85,7 @@ VOID AddDisplay(REPORT_TEXT* Report, const EFI_SYSTEM_TABLE* SystemTable)
     }
     AddText(Report, "  now in\n");
     AddMode(Report, Graphics->Mode->Mode, *Graphics->Mode->Info);
-    if (const auto* Layer = static_cast<const CONSOLE_DISPLAY*>(Locate(SystemTable, gConsoleDisplayGuid))) {
+    if (const CONSOLE_DISPLAY* Layer = FindLayer(SystemTable)) {
         AddText(Report, "  by a layer, on ");
         AddSize(Report, Layer->PanelWidth, Layer->PanelHeight);
         AddText(Report, ": the console is ");
@@ -164,6 +171,13 @@ VOID AddBoard(REPORT_TEXT* Report, BOARD_SOURCE* Board, UINT64 (*Microseconds)()
     }
 }
 
+VOID AddService(REPORT_TEXT* Report, const CHAR8* Name, bool Found)
+{
+    AddText(Report, Found ? "  yes  " : "  no   ");
+    AddText(Report, Name);
+    AddText(Report, "\n");
+}
+
 } // namespace
 
 VOID WriteMachineReport(REPORT_TEXT* Report, const EFI_SYSTEM_TABLE* SystemTable, BOARD_SOURCE* Board,
@@ -188,8 +202,7 @@ VOID WriteMachineReport(REPORT_TEXT* Report, const EFI_SYSTEM_TABLE* SystemTable
     AddBoard(Report, Board, Microseconds);
     AddText(Report, "\nServices\n");
     for (const auto& Service : gServices) {
-        AddText(Report, Locate(SystemTable, *Service.Guid) != nullptr ? "  yes  " : "  no   ");
-        AddText(Report, Service.Name);
-        AddText(Report, "\n");
+        AddService(Report, Service.Name, Locate(SystemTable, *Service.Guid) != nullptr);
     }
+    AddService(Report, "layer over the display", FindLayer(SystemTable) != nullptr);
 }

@@ -15,6 +15,7 @@
 #include <stb/stb_image.h>
 #pragma GCC diagnostic pop
 
+#include "platform/board/ConsoleDisplay.h"
 #include "platform/board/FanContract.h"
 #include "platform/board/MachineReport.h"
 #include "platform/host/Session.h"
@@ -183,7 +184,7 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
     UseTakeHome(nullptr, nullptr, nullptr, nullptr);
 }
 
-TEST_F(HOSTED, AReportTellsReadingsOfNowAndFiguresWhole)
+TEST_F(HOSTED, AReportTellsReadingsOfNowFiguresWholeAndNoLayerThatIsntThere)
 {
     static UINT64 Time;
     BOARD_SOURCE Board = {};
@@ -195,12 +196,18 @@ TEST_F(HOSTED, AReportTellsReadingsOfNowAndFiguresWhole)
         return PutCurve(Setting, {{{1, 1}, {2, 3}, {3, 5}, {4, 7}}}), EFI_SUCCESS;
     };
     Boot->FirmwareTable.Hdr.Revision = 0x0002001F; // 2.31
+    CONSOLE_DISPLAY Record = {};                   // as it is where the starter brings its font alone
+    Record.Graphics = &Boot->Protocols.GraphicsOutput;
+    EFI_HANDLE Handle = nullptr;
+    (void)Boot->Handles.Install(&Handle, &gConsoleDisplayGuid, &Record);
     CHAR8 Text[4096];
     REPORT_TEXT Report = {.Text = Text, .Size = sizeof(Text), .Length = 0};
     WriteMachineReport(
         &Report, &Boot->FirmwareTable, &Board, [] { return UINT64{1234}; }, nullptr);
     const std::string Told(Text, Report.Length);
-    for (const char* Said : {"UEFI 2.3.1\n", "4 Fan: 1234 rpm", "40 C 12.5 %, 45 C 37.5 %, 50 C 62.5 %, 55 C 87.5 %"}) {
+    EXPECT_EQ(Told.find("by a layer"), Told.npos) << Told;
+    for (const char* Said : {"UEFI 2.3.1\n", "no   layer over the display\n", "4 Fan: 1234 rpm",
+                             "40 C 12.5 %, 45 C 37.5 %, 50 C 62.5 %, 55 C 87.5 %"}) {
         EXPECT_NE(Told.find(Said), Told.npos) << Said << " isn't in\n" << Told;
     }
 }
