@@ -52,6 +52,7 @@ template <typename T> POOL_ROOM<T>::~POOL_ROOM()
 
 struct FILE_NAME {
     CHAR16 Text[16] = u"ventara-000.png";
+    bool Stayed = false; // a part of it, that couldn't be taken away
 
     VOID SetNumber(UINTN Number)
     {
@@ -101,7 +102,7 @@ EFI_STATUS FindName(EFI_FILE_PROTOCOL* Root, FILE_NAME* Name)
 }
 
 // All of it, or no file.
-EFI_STATUS WriteFile(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name, const VOID* Bytes, UINTN Size)
+EFI_STATUS WriteFile(EFI_FILE_PROTOCOL* Root, FILE_NAME& Name, const VOID* Bytes, UINTN Size)
 {
     EFI_FILE_PROTOCOL* File = nullptr;
     EFI_STATUS Status =
@@ -116,14 +117,17 @@ EFI_STATUS WriteFile(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name, const VOID*
     } else if (!EfiError(Status)) {
         Status = EFI_VOLUME_FULL;
     }
+    // Deleting closes it, too, and where it fails the answer is a warning.
     if (EfiError(Status)) {
-        (void)File->Delete(File); // closes it, too
-        return Status;
+        Name.Stayed = File->Delete(File) != EFI_SUCCESS;
+    } else {
+        Status = File->Close(File);
+        Name.Stayed = EfiError(Status);
     }
-    return File->Close(File);
+    return Status;
 }
 
-EFI_STATUS WritePicture(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
+EFI_STATUS WritePicture(EFI_FILE_PROTOCOL* Root, FILE_NAME& Name)
 {
     EFI_BOOT_SERVICES* Boot = gTable->BootServices;
     VOID* Interface = nullptr;
@@ -150,7 +154,7 @@ EFI_STATUS WritePicture(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
     return WriteFile(Root, Name, File.Data, Size);
 }
 
-EFI_STATUS WriteReport(EFI_FILE_PROTOCOL* Root, const FILE_NAME& Name)
+EFI_STATUS WriteReport(EFI_FILE_PROTOCOL* Root, FILE_NAME& Name)
 {
     const POOL_ROOM<CHAR8> Room(gReportSize);
     if (Room.Data == nullptr) {
@@ -229,17 +233,20 @@ const CHAR16* ReasonOf(EFI_STATUS Status)
     }
 }
 
-VOID Tell(const CHAR16* A, const CHAR16* B, const CHAR16* C = u"", const CHAR16* D = u"")
+// Adds to gWords.
+VOID Say(const CHAR16* A, const CHAR16* B, const CHAR16* C = u"", const CHAR16* D = u"")
 {
     const CHAR16* const Pieces[] = {A, B, C, D};
     UINTN Length = 0;
+    while (gWords[Length] != 0) {
+        Length++;
+    }
     for (const CHAR16* Piece : Pieces) {
         for (; *Piece != 0 && Length + 1 < sizeof(gWords) / sizeof(CHAR16); Piece++) {
             gWords[Length++] = *Piece;
         }
     }
     gWords[Length] = 0;
-    gHome.Told(gWords);
 }
 
 } // namespace
@@ -264,8 +271,9 @@ VOID TakeHome()
     if (gHome.Told == nullptr) {
         return;
     }
-    FILE_NAME Picture;
-    FILE_NAME Report;
+    FILE_NAME Names[2];
+    FILE_NAME& Picture = Names[0];
+    FILE_NAME& Report = Names[1];
     EFI_FILE_PROTOCOL* Root = nullptr;
     EFI_STATUS Status = OpenRoot(&Root);
     EFI_STATUS OfPicture = Status;
@@ -281,13 +289,20 @@ VOID TakeHome()
         }
         (void)Root->Close(Root);
     }
+    gWords[0] = 0;
     if (!EfiError(OfPicture) && !EfiError(OfReport)) {
-        Tell(Picture.Text, u" and ", Report.Text, u" were written.");
+        Say(Picture.Text, u" and ", Report.Text, u" were written.");
     } else if (!EfiError(OfPicture)) {
-        Tell(u"Only ", Picture.Text, u" was written, no report: ", ReasonOf(OfReport));
+        Say(u"Only ", Picture.Text, u" was written, no report: ", ReasonOf(OfReport));
     } else if (!EfiError(OfReport)) {
-        Tell(u"Only ", Report.Text, u" was written, no picture: ", ReasonOf(OfPicture));
+        Say(u"Only ", Report.Text, u" was written, no picture: ", ReasonOf(OfPicture));
     } else {
-        Tell(u"Nothing was written: ", ReasonOf(OfPicture));
+        Say(u"Nothing was written: ", ReasonOf(OfPicture));
     }
+    for (const FILE_NAME& Name : Names) {
+        if (Name.Stayed) {
+            Say(u" A part of ", Name.Text, u" stayed.");
+        }
+    }
+    gHome.Told(gWords);
 }

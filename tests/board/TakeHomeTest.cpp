@@ -80,7 +80,7 @@ struct REFUSING {
     EFI_SIMPLE_FILE_SYSTEM_PROTOCOL FileSystem;
     EFI_FILE_PROTOCOL File; // every file, and the root
     UINTN Room;             // bytes that can still be written
-    EFI_STATUS OnCreate, OnOpen;
+    EFI_STATUS OnCreate, OnOpen, OnDelete;
     int Taken; // looks at a file that are answered with OnOpen
     int Created, Deleted, Opened;
     EFI_HANDLE Plugged; // what is found where the volume was
@@ -111,7 +111,7 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
         return EFI_SUCCESS;
     };
     gVolume.File.Close = [](auto*) { return gVolume.Opened--, EFI_SUCCESS; };
-    gVolume.File.Delete = [](auto*) { return gVolume.Opened--, gVolume.Deleted++, EFI_SUCCESS; };
+    gVolume.File.Delete = [](auto*) { return gVolume.Opened--, gVolume.Deleted++, gVolume.OnDelete; };
     gVolume.File.Flush = [](auto*) -> EFI_STATUS { return EFI_SUCCESS; };
     gVolume.File.Write = [](auto*, UINTN* Size, auto*) -> EFI_STATUS {
         if (*Size > gVolume.Room) {
@@ -142,6 +142,7 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
         int Taken = 0;
         EFI_HANDLE Plugged = nullptr;
         bool AtEnd = false;
+        EFI_STATUS OnDelete = EFI_SUCCESS;
     } const Cases[] = {
         {gBoth, Handle, 5000000, 2, 0},
         {"Only ventara-001.txt was written, no picture: the volume is full.", Handle, 5000, 2, 1},
@@ -159,12 +160,15 @@ TEST_F(HOSTED, AVolumeThatIsFullOrReadOnlyIsToldAndKeepsNoHalfFile)
         {gBoth, Pulled, 5000000, 2, 0, 0, 0, 0, Handle, true},
         {gGone, Pulled, 0, 0, 0, 0, 0, 0, Pulled, false},
         {gGone, Pulled},
+        {"Only ventara-001.txt was written, no picture: the volume is full. A part of ventara-001.png stayed.", Handle,
+         5000, 2, 1, 0, 0, 0, nullptr, false, 2}, // EFI_WARN_DELETE_FAILURE
     };
     BOARD_SOURCE Board = {};
     for (const auto& Case : Cases) {
         gVolume.Room = Case.Room;
         gVolume.OnCreate = Case.OnCreate;
         gVolume.OnOpen = Case.OnOpen;
+        gVolume.OnDelete = Case.OnDelete;
         gVolume.Taken = Case.Taken;
         gVolume.Created = gVolume.Deleted = gVolume.Opened = 0;
         gVolume.Plugged = Case.Plugged;
