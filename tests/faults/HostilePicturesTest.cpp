@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(Of, EveryPicture,
                              return std::to_string(Info.param.first) + "By" + std::to_string(Info.param.second);
                          });
 
-// Heights and widths of nothing, and sizes that no picture has, in the headers of both formats.
+// Heights and widths of nothing, and sizes that no picture has, in the headers of all formats.
 TEST(EveryPicture, WithAnAbsurdHeaderIsLeftOut)
 {
     for (const UINT16 Side : {UINT16(0), UINT16(0xFFFF)}) {
@@ -121,6 +121,8 @@ TEST(EveryPicture, WithAnAbsurdHeaderIsLeftOut)
                 if (Bytes[0] == 'B') {
                     Field = Bytes + (IsHeight ? 22 : 18); // 32 bits, low end first
                     Field[2] = Field[3] = 0;
+                } else if (Bytes[0] == 'V') { // packed
+                    Field = Bytes + (IsHeight ? 6 : 4);
                 }
                 for (size_t At = 2; Field == nullptr && At + 9 < Entry.Size; At++) {
                     if (Bytes[At] == 0xFF && (Bytes[At + 1] & 0xFE) == 0xC0) {

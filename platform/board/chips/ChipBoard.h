@@ -4,8 +4,9 @@
 // *Looking.* Whatever isn't known for certain is left alone: an id that isn't in the tables, a base of 0, a monitor that is
 // switched off. At each port first the id is read without a key; what answers then is used without a key and without
 // leaving a mode that it was in. Where nothing answers, Nuvoton's key and ITE's follow, each with its way out of the
-// configuration mode. Something that answers and isn't known gets that way out, if a key came before, and nothing more;
-// the id 8883 not even that. The logical device that was selected is selected again.
+// configuration mode, but for ITE's where nothing answers to it either. Something that answers and isn't known gets that
+// way out, if a key came before, and nothing more; the id 8883 not even that. The logical device that was selected is
+// selected again.
 //
 // Reads alone, until SetFans, but for two things without which a recognised chip can't be read: the lock on the monitor's
 // ports of NCT6791 and later is lifted when the board is opened and put back when it is closed, and the SMBus engine of
