@@ -192,9 +192,16 @@ EFI_HANDLE FindVolume()
     if (gVolumePath == nullptr) {
         return gHome.Volume;
     }
-    EFI_DEVICE_PATH_PROTOCOL* Rest = gVolumePath;
+    EFI_BOOT_SERVICES* Boot = gTable->BootServices;
     EFI_HANDLE Volume = nullptr;
-    const EFI_STATUS Status = gTable->BootServices->LocateDevicePath(&gEfiSimpleFileSystemProtocolGuid, &Rest, &Volume);
+    EFI_DEVICE_PATH_PROTOCOL* Rest = gVolumePath;
+    // The firmware may know a stick that was plugged again and have no driver on it: then the partition is missing.
+    if (!EfiError(Boot->LocateDevicePath(&gEfiDevicePathProtocolGuid, &Rest, &Volume)) &&
+        Rest->Type == MEDIA_DEVICE_PATH) {
+        (void)Boot->ConnectController(Volume, nullptr, nullptr, 1);
+    }
+    Rest = gVolumePath;
+    const EFI_STATUS Status = Boot->LocateDevicePath(&gEfiSimpleFileSystemProtocolGuid, &Rest, &Volume);
     return !EfiError(Status) && Rest->Type == END_DEVICE_PATH_TYPE ? Volume : nullptr;
 }
 
