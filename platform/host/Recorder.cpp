@@ -86,8 +86,10 @@ RECORDER* OpenRecorder(const char* Path)
 VOID RecordTurn(RECORDER* Recorder, UINT64 Now, const WINDOW_INPUT& Input)
 {
     RecordTime(Recorder, Now);
-    // The first turn says where the pointer is; that the buttons are up, a player takes for granted.
-    if (!Recorder->Begun || Input.PointerX != Recorder->PointerX || Input.PointerY != Recorder->PointerY) {
+    // The first turn says where the pointer is; that the buttons are up, a player takes for granted. So does each press, since
+    // keys may have moved the pointer.
+    const bool Pressed = (Input.Left && !Recorder->Left) || (Input.Right && !Recorder->Right);
+    if (!Recorder->Begun || Pressed || Input.PointerX != Recorder->PointerX || Input.PointerY != Recorder->PointerY) {
         std::fprintf(Recorder->File, "pointer %d %d\n", Input.PointerX, Input.PointerY);
     }
     if (Input.Left != Recorder->Left) {

@@ -38,8 +38,9 @@ VOID WINDOW_DRIVER::BeginTurn(BOOT& Boot)
     mInput.PointerX = static_cast<INT32>(X); // for the record, which has the console's pixels
     mInput.PointerY = static_cast<INT32>(Y);
     POINTER_STATE& Pointer = Boot.Pointer.State;
-    // A mouse at rest leaves the pointer to the keys.
-    if (!mBegun || mInput.PointerX != WasX || mInput.PointerY != WasY) {
+    // A mouse at rest leaves the pointer to the keys; a press is where the mouse is.
+    const bool Pressed = (mInput.Left && Pointer.Left == 0) || (mInput.Right && Pointer.Right == 0);
+    if (!mBegun || Pressed || mInput.PointerX != WasX || mInput.PointerY != WasY) {
         Pointer.X = X;
         Pointer.Y = Y;
     }

@@ -56,23 +56,21 @@ struct PERSON {
             Click(gRound / 2, Box);
         }
     }
-    // To the next tab, and there a click; to the sixth place behind it, the box, and there another.
+    // To the next tab, from where a click brings the pointer back to the mouse; there again and a click; to the sixth place
+    // behind it, the box, and there another.
     VOID ActByKeys() const
     {
-        SDL_Event Event{};
-        if (Turn % gRound == 0) {
-            Event.motion.type = SDL_MOUSEMOTION; // by a pixel at least, or the pointer stays where the keys left it
-            Event.motion.x = 323 + static_cast<int>(Turn / gRound % 2);
-            Event.motion.y = 150;
-            SDL_PushEvent(&Event);
-        } else if (Turn % gRound == 4 || Turn % gRound == gRound / 2) {
+        const UINT64 At = Turn % gRound;
+        Click(0, {323, 150});
+        if (At == 2 || At == 10 || At == gRound / 2) {
+            SDL_Event Event{};
             Event.type = SDL_KEYDOWN;
             Event.key.keysym.sym = SDLK_TAB;
-            for (int Times = Turn % gRound == 4 ? 1 : 6; Times > 0; Times--) {
+            for (int Times = At == gRound / 2 ? 6 : 1; Times > 0; Times--) {
                 SDL_PushEvent(&Event);
             }
             Event.type = SDL_TEXTINPUT;
-            Event.text.text[0] = ' ';
+            Event.text.text[0] = At == 2 ? 0 : ' ';
             Event.text.text[1] = 0;
             SDL_PushEvent(&Event);
         }

@@ -50,7 +50,7 @@ TEST_F(Recorder, WritesWhatChangedAndHowLongAfterTheTurnBefore)
     EXPECT_EQ(Close(), "pointer 10 20\nturn\n"
                        "advance 16000\nturn\n"
                        "advance 4000\npointer 11 20\nleft down\nturn\n"
-                       "advance 4500\nleft up\nright down\nturn\n"
+                       "advance 4500\npointer 11 20\nleft up\nright down\nturn\n"
                        "right up\nturn\n");
 }
 
