@@ -67,6 +67,16 @@ VOID OpenHandKeys(EFI_SYSTEM_TABLE* SystemTable, UINT64 (*StrokeClock)())
     }
 }
 
+bool HearsHandKeys()
+{
+    for (const VOID* Notification : gNotifications) {
+        if (Notification != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
 VOID CloseHandKeys()
 {
     for (VOID*& Notification : gNotifications) {

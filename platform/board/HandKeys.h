@@ -7,3 +7,5 @@
 // Without the protocol there is nothing to hear, and the mouse is alone. For StrokeClock see BOARD_OPTIONS.
 VOID OpenHandKeys(EFI_SYSTEM_TABLE* SystemTable, UINT64 (*StrokeClock)());
 VOID CloseHandKeys();
+// Some of the keys are heard.
+bool HearsHandKeys();

@@ -10,5 +10,6 @@ struct BOARD_CONTROL {
     const CHIP_REPORT* Report;
     BOOLEAN Simulated;                  // there was nothing to read: the numbers are invented, and no fan is anybody's
     VOID (*AllowFans)(BOOLEAN Allowed); // see AllowChipFans; nobody's are allowed at the start
+    BOOLEAN HearsKeys;                  // that take the mouse's place: the firmware tells of single keys
     const CHAR16* TakenHome;            // of the last F12 since the driver was loaded, in a sentence; empty before it
 };

@@ -3,6 +3,7 @@
 // known, and else the simulation. Unloading it takes everything away again.
 #include "platform/board/ArtworkPack.h"
 #include "platform/board/BoardServices.h"
+#include "platform/board/HandKeys.h"
 #include "platform/board/SimulatedBoard.h"
 #include "platform/firmware/BoardControl.h"
 #include "platform/firmware/Clock.h"
@@ -27,7 +28,7 @@ BOARD_WISHES gWishes;
 const CHAR16* (*gSimulationName)(BOARD_SOURCE* This, UINT8 Item);
 
 VOID AllowFans(BOOLEAN Allowed);
-BOARD_CONTROL gControl = {.Report = &gFound, .Simulated = 0, .AllowFans = AllowFans, .TakenHome = u""};
+BOARD_CONTROL gControl = {.Report = &gFound, .Simulated = 0, .AllowFans = AllowFans, .HearsKeys = 0, .TakenHome = u""};
 
 VOID AllowFans(BOOLEAN Allowed)
 {
@@ -176,6 +177,7 @@ extern "C" EFI_STATUS DriverEntry(EFI_HANDLE ImageHandle, EFI_SYSTEM_TABLE* Syst
         CloseBoard();
         return Status;
     }
+    gControl.HearsKeys = HearsHandKeys() ? 1 : 0;
     // Without it the console works all the same, and sets no fan.
     (void)Boot->InstallProtocolInterface(&gControlHandle, &gBoardControlGuid, EFI_NATIVE_INTERFACE, &gControl);
     Image->Unload = UnloadDriver;

@@ -219,7 +219,9 @@ VOID TellBoard()
     Control->AllowFans(0); // it may have been loaded, and told otherwise, by a starter before this one
     PAGE Page = {};
     AddFindings(&Page, Control);
-    AddParagraph(&Page, u"Without a mouse: Tab, Space, the arrows, and G to take hold. F12 takes a picture.");
+    if (Control->HearsKeys != 0) {
+        AddParagraph(&Page, u"Without a mouse: Tab, Space, the arrows, and G to take hold. F12 takes a picture.");
+    }
     AddParagraph(&Page, u"The console follows; any key goes on at once.");
     DropKeys();
     ShowPage(&Page);
