@@ -32,9 +32,12 @@ TEST(Modes, TheOneThatSuitsTheConsoleBestIsChosen)
         {"the largest of those that are too small", {{0, 640, 480, true}, {1, 1280, 720, true}}, {0, 0}, 1},
     };
     for (const CASE& Case : Cases) {
-        EXPECT_EQ(ChooseMode(Case.Offers.data(), Case.Offers.size(), Case.Native), Case.Wanted) << Case.Story;
+        EXPECT_EQ(ChooseMode(Case.Offers.data(), Case.Offers.size(), Case.Native, true), Case.Wanted) << Case.Story;
     }
-    EXPECT_EQ(ChooseMode(nullptr, 0, {1024, 768}), 0u);
+    const CASE& Dense = Cases[3];
+    EXPECT_EQ(ChooseMode(Dense.Offers.data(), Dense.Offers.size(), Dense.Native, false), 0u)
+        << "nothing enlarges boxes";
+    EXPECT_EQ(ChooseMode(nullptr, 0, {1024, 768}, true), 0u);
 }
 
 TEST(Modes, FromSixHundredAndFortyByFourHundredAndEightyOnAreOffered)

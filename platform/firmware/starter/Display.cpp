@@ -4,9 +4,11 @@
 #include "platform/board/ConsoleDisplay.h"
 #include "platform/board/TextService.h"
 #include "platform/display/DisplayLayer.h"
+#include "platform/firmware/BoardControl.h"
 #include "platform/firmware/Report.h"
 #include "platform/firmware/starter/Lookups.h"
 #include "platform/firmware/starter/Modes.h"
+#include "shell/contract/Services.h"
 #include "uefi/GraphicsOutput.h"
 #include "uefi/Hii.h"
 
@@ -207,6 +209,16 @@ VOID SendPicture()
     (void)Shown->Blt(Shown, gPicture, EfiBltBufferToVideo, 0, 0, 0, 0, BOOT_SCREEN_WIDTH, BOOT_SCREEN_HEIGHT, 0);
 }
 
+// A board's own services draw on the firmware's display and know of no layer: only a mode that needs none shows the whole
+// console.
+bool IsBoardOfFirmware()
+{
+    EFI_BOOT_SERVICES* Boot = gTable->BootServices;
+    VOID* Interface = nullptr;
+    return !EfiError(Boot->LocateProtocol(&gHwServiceProtocolGuid, nullptr, &Interface)) &&
+           EfiError(Boot->LocateProtocol(&gBoardControlGuid, nullptr, &Interface));
+}
+
 // The offer that a person chose; the best one where nobody has, or where it is no longer there.
 UINTN ChooseOffer()
 {
@@ -215,7 +227,7 @@ UINTN ChooseOffer()
             return Index;
         }
     }
-    return ChooseMode(gOffers, gOfferCount, NativeSize());
+    return ChooseMode(gOffers, gOfferCount, NativeSize(), !IsBoardOfFirmware());
 }
 
 // Sets the chosen mode and shows the boot screen in it.

@@ -41,10 +41,10 @@ bool OfferMode(UINT32 Number, const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode, 
     return Offer->Width >= gLeastWidth && Offer->Height >= gLeastHeight;
 }
 
-UINTN ChooseMode(const MODE_OFFER* Offers, UINTN Count, PANEL_SIZE Native)
+UINTN ChooseMode(const MODE_OFFER* Offers, UINTN Count, PANEL_SIZE Native, bool Enlarged)
 {
     const UINTN NativeOffer = FindSize(Offers, Count, Native.Width, Native.Height);
-    if (NativeOffer != Count && PlacePicture(Native.Width, Native.Height).Multiple >= 2) {
+    if (Enlarged && NativeOffer != Count && PlacePicture(Native.Width, Native.Height).Multiple >= 2) {
         return NativeOffer;
     }
     const UINTN Ordinary = FindSize(Offers, Count, gPictureWidth, gPictureHeight);

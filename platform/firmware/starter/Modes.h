@@ -20,9 +20,9 @@ struct PANEL_SIZE {
 bool OfferMode(UINT32 Number, const EFI_GRAPHICS_OUTPUT_MODE_INFORMATION* Mode, MODE_OFFER* Offer);
 
 // The index of the best offer, Count for none. A panel of twice the console's size or more is driven at its own size, with
-// larger letters. Otherwise it is 1024 by 768, where that is offered; else the panel's own size; else the smallest mode
+// larger letters, if those may be Enlarged. Otherwise it is 1024 by 768, where that is offered; else the panel's own size; else the smallest mode
 // with room for the console, and last the largest of those that are too small.
-UINTN ChooseMode(const MODE_OFFER* Offers, UINTN Count, PANEL_SIZE Native);
+UINTN ChooseMode(const MODE_OFFER* Offers, UINTN Count, PANEL_SIZE Native, bool Enlarged);
 
 // The panel's own size as its identification data (EDID) tell it: the first detailed timing. Zero where there is none.
 PANEL_SIZE ReadNativeSize(const UINT8* Edid, UINTN Size);
