@@ -78,6 +78,9 @@ VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Tar
     COVER Columns[gPictureWidth];
     UINT16 Sums[gPictureWidth * Channels]; // a row of the display, as wide as the picture still
     const UINTN Width = Target.Right - Target.Left;
+    if (Width == 0) {
+        return;
+    }
     for (UINT32 Index = 0; Index < Width; Index++) {
         Columns[Index] = CoverOf(Target.Left - Place.X + Index, gPictureWidth, Place.Width);
     }
@@ -98,18 +101,16 @@ VOID FitRows(const PIXEL* Picture, const PLACEMENT& Place, const PANEL_AREA& Tar
         for (UINTN Column = 0; Column < Width; Column++) {
             const COVER& Across = Columns[Column];
             const UINT16* Sum = Sums + (Across.First - Left) * Channels;
-            UINT32 Blue = Whole / 2;
-            UINT32 Green = Whole / 2;
-            UINT32 Red = Whole / 2;
+            UINT32 Color[] = {Whole / 2, Whole / 2, Whole / 2}; // blue, green, red; rounded
             for (UINT32 Each = 0; Each < Across.Count; Each++, Sum += Channels) {
                 const UINT32 Share = ShareOf(Across, Each);
-                Blue += Sum[0] * Share;
-                Green += Sum[1] * Share;
-                Red += Sum[2] * Share;
+                Color[0] += Sum[0] * Share;
+                Color[1] += Sum[1] * Share;
+                Color[2] += Sum[2] * Share;
             }
-            *Pixels++ = {.Blue = static_cast<UINT8>(Blue / Whole),
-                         .Green = static_cast<UINT8>(Green / Whole),
-                         .Red = static_cast<UINT8>(Red / Whole),
+            *Pixels++ = {.Blue = static_cast<UINT8>(Color[0] / Whole),
+                         .Green = static_cast<UINT8>(Color[1] / Whole),
+                         .Red = static_cast<UINT8>(Color[2] / Whole),
                          .Reserved = 0};
         }
     }
