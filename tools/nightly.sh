@@ -8,12 +8,13 @@ usage() {
   cat <<'TEXT'
 usage: ./ventara nightly [--minutes N] [--boots N]
 
-Tries every allocation and every call that can fail in every scenario, with and without sanitizers; uses the console for
-ten million turns; boots it on machines of all kinds, starts it a hundred times in one boot, runs it hardened, and boots
-it N times in a row (200); fuzzes each target for N minutes (20), the events once more without sanitizers; decodes a
-hundred million damaged pictures; compares the kernels with their plain twins in two million cases each; counts the
-instructions of three scenes; runs the checkers; and measures coverage. Takes hours. What went wrong is told at the end;
-the logs are in build/nightly-*.log. What it found so far: docs/reliability.md.
+Tries every allocation and every call that can fail in every scenario, with and without sanitizers; uses the console
+for ten million turns; boots it on machines of all kinds, starts it a hundred times in one boot, runs it hardened, and
+boots it N times in a row (200); sets a fan through a chip's driver in Debian's kernel; fuzzes each target for N
+minutes (20), the events once more without sanitizers; decodes a hundred million damaged pictures; compares the kernels
+with their plain twins in two million cases each; counts the instructions of three scenes; runs the checkers; and
+measures coverage. Takes hours. What went wrong is told at the end; the logs are in build/nightly-*.log. What it found
+so far: docs/reliability.md.
 TEXT
 }
 
@@ -77,6 +78,7 @@ step soak-debug soak debug 200000
 step machines tests/firmware/machines_test.py MoreMachines
 step starts tests/firmware/machines_test.py Starts
 step hardened hardened
+step hwmon-vm tools/hwmon_vm.py
 step boots tools/boots.py --boots "$boots"
 step fuzz tools/fuzz.sh --minutes "$minutes"
 step fuzz-fast tools/fuzz.sh events --fast --minutes "$minutes"

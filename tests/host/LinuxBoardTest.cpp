@@ -17,7 +17,8 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds gStaleAfter{700}; // longer than a thread takes for its next round
+// A machine under load may let a thread wait for long: only the test of old values lets them grow old.
+constexpr std::chrono::minutes gNeverStale{10};
 
 struct LinuxBoardTest : testing::Test {
     HWMON_TREE Tree;
@@ -29,7 +30,7 @@ struct LinuxBoardTest : testing::Test {
     LinuxBoardTest()
     {
         Options.Root = Tree.Root;
-        Options.StaleAfter = gStaleAfter;
+        Options.StaleAfter = gNeverStale;
         Options.Say = [this](const std::string& Sentence) { Said.push_back(Sentence); };
     }
     bool Find()
@@ -54,10 +55,13 @@ struct LinuxBoardTest : testing::Test {
     }
     bool ComesTo(UINT8 Item, INT64 Value)
     {
-        for (int Try = 0; Try < 200 && Read(Item) != Value; Try++) {
+        for (int Try = 0; Try < 1500; Try++) {
+            if (Read(Item) == Value) {
+                return true;
+            }
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
-        return Read(Item) == Value;
+        return false;
     }
     std::string Name(UINT8 Item) { return ToUtf8(Board->NameOf(Board.get(), Item)); }
     FAN_SETTING Get(UINT8 Item)
@@ -111,17 +115,17 @@ TEST_F(LinuxBoardTest, SensorsTakeTheirPlacesByDriverAndLabel)
     Tree.Write("hwmon10/in0_label", Long);
     Open();
     EXPECT_EQ(Name(0) + ", " + Name(1), "Package id 0, SYSTIN");
-    EXPECT_EQ(Read(0), 56);
-    EXPECT_EQ(Read(1), 34);
+    EXPECT_TRUE(ComesTo(0, 56));
+    EXPECT_TRUE(ComesTo(1, 34));
     EXPECT_FALSE(HasItem(*Board, 2)) << "0 degrees of a chipset is no reading";
     // Curves on the pages with a curve, in their order, and the duty alone on a page with a slider.
-    EXPECT_EQ(Read(4), 1001);
-    EXPECT_EQ(Read(6), 1003);
-    EXPECT_EQ(Read(9), 800);
+    EXPECT_TRUE(ComesTo(4, 1001));
+    EXPECT_TRUE(ComesTo(6, 1003));
+    EXPECT_TRUE(ComesTo(9, 800));
     EXPECT_FALSE(HasItem(*Board, 7) || HasItem(*Board, 8) || HasItem(*Board, 10));
     // 3VCC has a place of its own; the others fill the free ones, with a label first.
     EXPECT_EQ(Name(13), "3VCC");
-    EXPECT_EQ(Read(13), 3328);
+    EXPECT_TRUE(ComesTo(13, 3328));
     EXPECT_EQ(Name(11), "3VSB");
     EXPECT_EQ(Name(12), Long.substr(0, 63));
     EXPECT_EQ(Board->NameOf(Board.get(), STRING_ABOUT), nullptr);
@@ -167,7 +171,7 @@ TEST_F(LinuxBoardTest, WhatCannotBeReadIsAFailedReadingAndComesBackByItself)
     const auto Spoil = [&](const std::function<void()>& Break) {
         Break();
         EXPECT_TRUE(ComesTo(0, -1000));
-        EXPECT_EQ(Read(1), 34) << "another chip goes on";
+        EXPECT_TRUE(ComesTo(1, 34)) << "another chip goes on";
         std::filesystem::remove_all(Tree.Path("hwmon1/temp1_input"));
         std::filesystem::remove_all(Tree.Path("hwmon1/temp1_fault"));
         Tree.Write("hwmon1/temp1_input", "61500");
@@ -191,17 +195,14 @@ TEST_F(LinuxBoardTest, WhatCannotBeReadIsAFailedReadingAndComesBackByItself)
 TEST_F(LinuxBoardTest, AChipThatHangsHoldsUpNobodyAndItsValuesGrowOld)
 {
     Tree.MakeDesktop();
+    Options.StaleAfter = std::chrono::milliseconds(700);
     Open();
-    ASSERT_EQ(Read(0), 56);
+    ASSERT_TRUE(ComesTo(0, 56));
     const std::string Slow = Tree.Path("hwmon1/temp1_input");
     // A reader waits at a pipe until somebody writes. A value of before counts until it is too old.
     ASSERT_EQ(mkfifo((Slow + "x").c_str(), 0600), 0);
     std::filesystem::rename(Slow + "x", Slow);
-    const auto Start = std::chrono::steady_clock::now();
-    while (Read(0) == 56 && std::chrono::steady_clock::now() - Start < std::chrono::seconds(10)) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    EXPECT_EQ(Read(0), -1000);
+    EXPECT_TRUE(ComesTo(0, -1000));
     Tree.Write("hwmon10/temp1_input", "35000");
     EXPECT_TRUE(ComesTo(1, 35));
     std::ofstream(Slow) << "44000\n"; // and now it answers
@@ -431,7 +432,7 @@ TEST_F(LinuxBoardTest, TheEndOfTheProcessGivesTheFansBackUnlessTheyAreToStay)
     const HWMON_TREE::FILES Before = Tree.Bytes();
     const auto Duty = [&] { return Tree.Text("hwmon2/pwm1_enable") + ' ' + Tree.Text("hwmon2/pwm1"); };
     const auto Await = [&](const std::string& Text) {
-        for (int Try = 0; Try < 250 && Duty() != Text; Try++) {
+        for (int Try = 0; Try < 1500 && Duty() != Text; Try++) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         return Duty();
