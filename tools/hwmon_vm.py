@@ -5,7 +5,8 @@ Usage: hwmon_vm.py [--program FILE] [--packages DIR] [--log FILE]
 
 The stub, i2c-stub, holds registers and nothing else; the driver nct7802 takes it for its chip and offers a curve of five
 points. The hosted console runs on that in the machine's first file system: it drags a node and is left, it cancels, and
-it is killed after a drag. After each step the stub's registers are compared with what they should hold. The packages of
+it is killed after a drag, the second time when the driver has been loaded again and the chip's folder has become that of
+another one. After each step the stubs' registers are compared with what they should hold. The packages of
 kernel and busybox are taken from DIR, and fetched into it with apt-get where they aren't there. Takes a few minutes; what
 the machine said is in FILE.
 """
@@ -17,7 +18,7 @@ import subprocess
 import sys
 import tempfile
 
-ADDRESS = "0x28"
+ADDRESS, OTHER = "0x28", "0x29"
 TURNING = [(0x24, 0x07), (0x10, 0x40), (0x13, 0x00)]  # tachometer 1 on, and a count that makes it turn
 CURVE = [(30, 64), (45, 110), (60, 160), (75, 220), (90, 255)]  # degrees and duty of the five points
 FIRST_TEMPERATURE, FIRST_DUTY, MODE = 0x80, 0x85, 0x64  # registers of fan 1; the fifth point's duty has none
@@ -45,7 +46,7 @@ INIT = """#!/bin/busybox sh
 export PATH=/bin
 mount -t proc none /proc; mount -t sysfs none /sys; mount -t devtmpfs none /dev
 echo 1 > /proc/sys/kernel/printk
-insmod /i2c-dev.ko; insmod /i2c-stub.ko chip_addr={address}; insmod /nct7802.ko
+insmod /i2c-dev.ko; insmod /i2c-stub.ko chip_addr={address},{other}; insmod /nct7802.ko
 for n in /sys/bus/i2c/devices/i2c-*; do
   grep -q 'SMBus stub' $n/name && bus=${{n##*-}}
 done
@@ -56,8 +57,10 @@ cd /sys/class/hwmon/hwmon0
 echo 2 > pwm1_enable
 registers() {{
   echo; echo "== $1"; cat fan1_input pwm1_enable | tr '\\n' ' '; echo
-  i2cdump -f -y $bus {address} b | tail -n +2
+  i2cdump -f -y $bus ${{2-{address}}} b | tail -n +2
 }}
+end() {{ kill -9 $(pidof ventara | tr ' ' '\\n' | sort -n | head -n 1); sleep 5; registers $1; }}
+bind() {{ echo $bus-00${{2#0x}} > /sys/bus/i2c/drivers/nct7802/$1; }}
 run() {{ /ventara --board linux --set-fans --script /$1.txt 2>&1; echo "exit $?"; }}
 /ventara --list-sensors 2>&1
 registers start
@@ -67,7 +70,13 @@ cd /sys/class/hwmon/hwmon0
 registers again
 run cancel; registers cancel
 run wait & sleep {wait}; registers wait
-kill -9 $(pidof ventara | tr ' ' '\\n' | sort -n | head -n 1); sleep 5; registers killed
+end killed
+run wait & sleep {wait}; registers wait-again
+echo nct7802 {other} > /sys/bus/i2c/devices/i2c-$bus/new_device
+bind unbind {address}; bind unbind {other}; bind bind {other}; bind bind {address}
+cd /sys/class/hwmon/hwmon1
+registers other {other}
+end moved; registers other-moved {other}
 echo; echo "== end"
 poweroff -f
 """
@@ -120,7 +129,7 @@ def make_root(root, kernel, busybox, program):
                        ("" if at == 5 else f"; echo {duty} > pwm1_auto_point{at}_pwm")
                        for at, (degrees, duty) in enumerate(CURVE, 1))
     with open(os.path.join(root, "init"), "w", encoding="ascii") as file:
-        file.write(INIT.format(address=ADDRESS, presets=presets, points=points, wait=20))
+        file.write(INIT.format(address=ADDRESS, other=OTHER, presets=presets, points=points, wait=20))
     os.chmod(os.path.join(root, "init"), 0o755)
 
 
@@ -178,13 +187,14 @@ def main():
     start = registers_of(text, "start")
     faults = []
     for step, wanted in (("drag", with_curve(start, DRAGGED)), ("again", start), ("cancel", start),
-                         ("wait", with_curve(start, DRAGGED)), ("killed", start)):
+                         ("wait", with_curve(start, DRAGGED)), ("killed", start), ("wait-again", with_curve(start, DRAGGED)),
+                         ("moved", start), ("other-moved", registers_of(text, "other"))):
         found = registers_of(text, step)
         faults += [f"{step}: register {at:#04x} holds {found[at]:#04x}, not {value:#04x}"
                    for at, value in enumerate(wanted) if found[at] != value]
     if with_curve(start, CURVE) != start:
         faults.append("start: the curve isn't in the registers where it is looked for")
-    print("\n".join(faults) or "hwmon_vm: after a drag, Cancel and a kill the registers hold what they should")
+    print("\n".join(faults) or "hwmon_vm: after a drag, Cancel and two kills the registers hold what they should")
     sys.exit(1 if faults else 0)
 
 

@@ -192,6 +192,34 @@ TEST_F(LinuxBoardTest, WhatCannotBeReadIsAFailedReadingAndComesBackByItself)
     });
 }
 
+// Drivers that are loaded again deal their chips' numbers anew.
+TEST_F(LinuxBoardTest, WhereANumberHasBecomeAnotherChipsNothingOfThatIsReadOrWritten)
+{
+    Tree.MakeDesktop();
+    std::filesystem::create_directories(Tree.Path("two"));
+    std::filesystem::create_directory_symlink(Tree.Root, Tree.Path("hwmon10/device"));
+    const HWMON_TREE::FILES Before = Tree.Bytes();
+    Open(true);
+    std::filesystem::rename(Tree.Path("hwmon10"), Tree.Path("unloaded"));
+    EXPECT_EQ(Set(5, WithNode(5, 1, 4, 4)), EFI_DEVICE_ERROR);
+    EXPECT_TRUE(HasSaid("isn't loaded"));
+    std::filesystem::rename(Tree.Path("unloaded"), Tree.Path("hwmon11"));
+    Tree.Chip("hwmon10",
+              HWMON_TREE::WithCurve({{"name", "nct6798"}, {"temp1_input", "90000"}, {"fan1_input", "1"}}, 1));
+    std::filesystem::create_directory_symlink(Tree.Path("two"), Tree.Path("hwmon10/device"));
+    const std::string Others = Curve("hwmon10/pwm1");
+    Tree.Write("hwmon11/temp1_input", "35000");
+    EXPECT_TRUE(ComesTo(1, 35));
+    EXPECT_EQ(Set(4, WithNode(4, 1, 4, 4)), EFI_SUCCESS);
+    EXPECT_EQ(Curve("hwmon11/pwm1"), "40000/64 55000/128 60000/159 70000/223 100000/255 5");
+    EXPECT_EQ(Board->Restore(Board.get()), EFI_SUCCESS);
+    EXPECT_EQ(Curve("hwmon10/pwm1"), Others);
+    std::filesystem::remove_all(Tree.Path("hwmon10"));
+    std::filesystem::rename(Tree.Path("hwmon11"), Tree.Path("hwmon10"));
+    Tree.Write("hwmon10/temp1_input", "34000");
+    EXPECT_EQ(Tree.Bytes(), Before);
+}
+
 TEST_F(LinuxBoardTest, AChipThatHangsHoldsUpNobodyAndItsValuesGrowOld)
 {
     Tree.MakeDesktop();

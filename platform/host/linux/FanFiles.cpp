@@ -190,6 +190,15 @@ bool FAN_FILES::Write(const std::string& Name, const std::string& Text, std::str
     return true;
 }
 
+bool FAN_FILES::FindChip(std::string* Error)
+{
+    if (!mFan.Follow()) {
+        *Error = PathOf(mPwm) + ": the driver of its chip isn't loaded";
+        return false;
+    }
+    return true;
+}
+
 bool FAN_FILES::Put(const HELD& Wanted, std::string* Error)
 {
     bool Good = true;
@@ -239,6 +248,9 @@ bool FAN_FILES::PutOr(const HELD& Wanted, const HELD& Before, std::string* Error
 bool FAN_FILES::Set(FAN_CONTROL Control, const FAN_SETTING& Setting, std::string* Error)
 {
     const bool Curve = Setting.CurveEnabled != 0;
+    if (!FindChip(Error)) {
+        return false;
+    }
     if (Curve && Means != FAN_CURVE) {
         *Error = "its chip keeps no curve: switch the box off and use the slider";
         return false;
@@ -277,6 +289,9 @@ bool FAN_FILES::Set(FAN_CONTROL Control, const FAN_SETTING& Setting, std::string
 // By as few files as it takes, since it is also what is left when others fail.
 bool FAN_FILES::SetFullSpeed(std::string* Error)
 {
+    if (!FindChip(Error)) {
+        return false;
+    }
     const bool Good = (mNow.Mode.empty() || Write(PathOf(mPwm + "_enable"), gFixed, Error)) &&
                       Write(PathOf(mPwm), std::to_string(gFullDuty), Error);
     std::string Path;
@@ -286,6 +301,9 @@ bool FAN_FILES::SetFullSpeed(std::string* Error)
 
 bool FAN_FILES::GiveBack(std::string* Error)
 {
+    if (!FindChip(Error)) {
+        return false;
+    }
     if (Put(mAtStart, Error) && mNow.Matches(mAtStart)) {
         return true;
     }

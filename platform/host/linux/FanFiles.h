@@ -50,6 +50,7 @@ private:
     int ReadAll(HELD* Held, std::string* Path) const;
     // Writes a file that doesn't hold the text yet.
     bool Write(const std::string& Name, const std::string& Text, std::string* Error) const;
+    bool FindChip(std::string* Error); // where a driver that was loaded again has put it
     bool Put(const HELD& Wanted, std::string* Error);
     bool PutOr(const HELD& Wanted, const HELD& Before, std::string* Error);
     std::string PathOf(const std::string& Name) const;

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
 
 namespace {
@@ -77,6 +78,14 @@ std::vector<std::string> NamesIn(const std::string& Folder, bool* Good)
     return Names;
 }
 
+// What stays when a driver is loaded again, while its folder's number doesn't: the device behind it. Empty where a folder
+// names none.
+std::string DeviceOf(const std::string& Folder)
+{
+    std::error_code Error;
+    return std::filesystem::canonical(Folder + "/device", Error).string();
+}
+
 // The number between the two words, or -1.
 INT64 NumberBetween(const std::string& Text, const std::string& Before, const std::string& Behind)
 {
@@ -98,6 +107,7 @@ VOID AddChip(const std::string& Folder, UINTN Chip, std::vector<SENSOR>* Sensors
     if (ReadChipText(Folder + "/name", &Driver) != 0) {
         return;
     }
+    const std::string Device = DeviceOf(Folder);
     for (const auto& Kind : gKinds) {
         std::vector<UINT32> Numbers;
         for (const std::string& Name : Names) {
@@ -109,7 +119,7 @@ VOID AddChip(const std::string& Folder, UINTN Chip, std::vector<SENSOR>* Sensors
         std::sort(Numbers.begin(), Numbers.end());
         for (const UINT32 Number : Numbers) {
             const std::string Own = Kind.Name + std::to_string(Number);
-            SENSOR Sensor = {Kind.Kind, Chip, Driver, Number, Folder + '/' + Own, Own, false};
+            SENSOR Sensor = {Kind.Kind, Chip, Driver, Number, Folder + '/' + Own, Own, false, Device};
             std::string Label;
             if (ReadChipText(Sensor.Stem + "_label", &Label) == 0) {
                 Sensor.Label = Label.substr(0, gLabelLimit);
@@ -195,6 +205,30 @@ int WriteChipText(const std::string& Path, const std::string& Text)
         Error = errno;
     }
     return Error;
+}
+
+bool SENSOR::Follow()
+{
+    const std::string Here = Folder();
+    std::string Name;
+    if (ReadChipText(Here + "/name", &Name) == 0 && Name == Driver && DeviceOf(Here) == Device) {
+        return true;
+    }
+    std::vector<SENSOR> Found;
+    std::string Candidate;
+    if (!FindSensors(Here.substr(0, Here.rfind('/')), &Found, &Name)) {
+        return false;
+    }
+    for (const SENSOR& Other : Found) {
+        if (Other.Driver == Driver && Other.Device == Device) {
+            if (!Candidate.empty() && Candidate != Other.Folder()) {
+                return false;
+            }
+            Candidate = Other.Folder();
+        }
+    }
+    Stem = Candidate.empty() ? Stem : Candidate + Stem.substr(Here.size());
+    return !Candidate.empty();
 }
 
 int SENSOR::Read(INT64* Value, bool Wait) const

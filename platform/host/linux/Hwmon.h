@@ -26,10 +26,16 @@ struct SENSOR {
     std::string Stem;   // path up to the sensor's own name, such as ".../hwmon2/temp1"
     std::string Label;  // the kernel's, at most 63 characters, or "temp1" where it has none
     bool Labelled;
+    std::string Device; // what the chip's folder leads to, with all links followed; empty where it leads nowhere
 
+    // Looks for the chip's folder where that isn't this chip's any more, since drivers that are loaded again deal the
+    // folders' numbers anew: by the device, or, where that isn't told, by the driver, if no other chip has the same. False
+    // when there is none.
+    bool Follow();
     std::string Input() const { return Stem + "_input"; }
+    std::string Folder() const { return Stem.substr(0, Stem.rfind('/')); }
     // The folder with a file for this number, such as pwm1 of fan1.
-    std::string Beside(const std::string& Name) const { return Stem.substr(0, Stem.rfind('/') + 1) + Name; }
+    std::string Beside(const std::string& Name) const { return Folder() + '/' + Name; }
     // Reads it: 0, errno, or ERANGE for a value that no such sensor has, as an input that isn't wired gives.
     int Read(INT64* Value, bool Wait = false) const;
 };

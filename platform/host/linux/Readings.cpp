@@ -1,12 +1,8 @@
 #include "platform/host/linux/Readings.h"
 
-#include <unistd.h>
-
-#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <csignal>
-#include <filesystem>
 #include <mutex>
 #include <thread>
 
@@ -20,16 +16,6 @@ constexpr std::chrono::seconds gLongestWait{1};
 INT64 Now()
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(CLOCK_NOW::now().time_since_epoch()).count();
-}
-
-std::string FolderOf(const SENSOR& Sensor) { return Sensor.Stem.substr(0, Sensor.Stem.rfind('/')); }
-
-// What stays when a driver is loaded again, while its folder's number doesn't: the device behind it. Empty where a folder
-// names none.
-std::string DeviceOf(const std::string& Folder)
-{
-    std::error_code Error;
-    return std::filesystem::canonical(Folder + "/device", Error).string();
 }
 
 } // namespace
@@ -52,40 +38,14 @@ struct READINGS::SHARED {
         : Sensors(TheSensors), Values(TheSensors.size()), StaleAfter(TheStaleAfter)
     {
     }
-    // Looks for the folder of a chip that has lost its own: by its device, or, where that isn't told, by its driver, if no
-    // other chip has the same.
-    VOID FindAgain(UINTN Chip, const std::string& Device)
+    VOID ReadChip(UINTN Chip)
     {
-        const auto First =
-            std::find_if(Sensors.begin(), Sensors.end(), [Chip](const SENSOR& Sensor) { return Sensor.Chip == Chip; });
-        const std::string Folder = FolderOf(*First);
-        std::vector<SENSOR> Found;
-        std::string Ignored;
-        if (access((Folder + "/name").c_str(), F_OK) == 0 ||
-            !FindSensors(Folder.substr(0, Folder.rfind('/')), &Found, &Ignored)) {
-            return;
-        }
-        std::vector<std::string> Candidates;
-        for (const SENSOR& Sensor : Found) {
-            const std::string Other = FolderOf(Sensor);
-            if (Sensor.Driver == First->Driver && (Device.empty() || DeviceOf(Other) == Device) &&
-                (Candidates.empty() || Candidates.back() != Other)) {
-                Candidates.push_back(Other);
-            }
-        }
-        for (SENSOR& Sensor : Sensors) {
-            if (Candidates.size() == 1 && Sensor.Chip == Chip) {
-                Sensor.Stem = Candidates[0] + Sensor.Stem.substr(Folder.size());
-            }
-        }
-    }
-    VOID ReadChip(UINTN Chip, const std::string& Device)
-    {
-        FindAgain(Chip, Device);
+        bool There = true; // one search a round is enough
         for (UINTN Index = 0; Index < Sensors.size(); Index++) {
             if (Sensors[Index].Chip == Chip) {
                 INT64 Number;
-                const bool Good = Sensors[Index].Read(&Number, true) == 0;
+                There = There && Sensors[Index].Follow();
+                const bool Good = There && Sensors[Index].Read(&Number, true) == 0;
                 if (Good) {
                     Values[Index].Number = Number;
                 }
@@ -95,12 +55,8 @@ struct READINGS::SHARED {
     }
     VOID Run(UINTN Chip)
     {
-        std::string Device;
-        for (const SENSOR& Sensor : Sensors) {
-            Device = Sensor.Chip == Chip ? DeviceOf(FolderOf(Sensor)) : Device;
-        }
         for (bool First = true;; First = false) {
-            ReadChip(Chip, Device);
+            ReadChip(Chip);
             std::unique_lock<std::mutex> Held(Lock);
             FirstRounds -= First ? 1 : 0;
             Changed.notify_all();
