@@ -126,6 +126,20 @@ TEST(Chips, OneThatCannotBeReadForCertainIsLeftAlone)
     }
 }
 
+TEST(Chips, OneThatMustNotLeaveItsModeIsNotMadeToHoweverLateItAnswers)
+{
+    for (UINT64 Silent = 0; Silent < 20; Silent++) {
+        CHIP_BENCH Bench;
+        (void)Bench.Machine.Fit(0, 0x8733);
+        Bench.Machine.OnesFrom = 1;
+        Bench.Machine.OnesTo = 1 + Silent;
+        (void)Bench.Open();
+        CloseChipBoard();
+        EXPECT_TRUE(Bench.Machine.IsClosed()) << Silent;
+        EXPECT_EQ(Bench.Machine.Faults, "") << Silent;
+    }
+}
+
 TEST(Chips, APinThatIsNoFansMakesNoneOfIt)
 {
     static constexpr struct {

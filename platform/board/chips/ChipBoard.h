@@ -5,8 +5,8 @@
 // switched off. At each port first the id is read without a key; what answers then is used without a key and without
 // leaving a mode that it was in. Where nothing answers, Nuvoton's key and ITE's follow, each with its way out of the
 // configuration mode, but for ITE's where nothing answers to it either. Something that answers and isn't known gets that
-// way out, if a key came before, and nothing more; the id 8883 not even that. The logical device that was selected is
-// selected again.
+// way out, if a key came before, and nothing more; the id 8883 not even that. IT8790, 8792 and 87952, which must stay in
+// the mode, are never made to leave it, however late they answer. The logical device that was selected is selected again.
 //
 // Reads alone, until SetFans, but for two things without which a recognised chip can't be read: the lock on the monitor's
 // ports of NCT6791 and later is lifted when the board is opened and put back when it is closed, and the SMBus engine of

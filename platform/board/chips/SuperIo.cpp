@@ -10,6 +10,9 @@ constexpr UINT8 gBaseRegister = 0x60;
 // A bus bridge that hides another chip once it has been sent a key.
 constexpr UINT16 gBridgeId = 0x8883;
 
+// Those are in their configuration mode from the start. Leaving it can hang the machine, or lose the chip behind them.
+constexpr UINT16 gStayOpen[] = {0x8790, 0x8733, 0x8695};
+
 constexpr struct {
     UINT16 Id;
     UINT16 Mask;
@@ -43,6 +46,16 @@ constexpr CHIP_MAKER gKeys[] = {MAKER_NUVOTON, MAKER_ITE}; // in the order in wh
 constexpr UINT16 gAllOnes = 0xFFFF;
 
 bool IsNothing(UINT16 Id) { return Id == gAllOnes || Id == 0; }
+
+bool StaysOpen(UINT16 Id)
+{
+    for (const UINT16 Open : gStayOpen) {
+        if (Id == Open) {
+            return true;
+        }
+    }
+    return false;
+}
 
 // The calls below are made while the machine is held.
 
@@ -116,6 +129,10 @@ SUPER_IO_STATE Find(SUPER_IO* Io)
     for (const CHIP_MAKER Key : gKeys) {
         SendKey(*Io, Key);
         State = Identify(Io);
+        if (State == SUPER_IO_FOUND && StaysOpen(Io->Id)) {
+            Io->ByKey = false; // it was silent for a while, and is open without the key
+            return ReadAddress(Io);
+        }
         if (State == SUPER_IO_FOUND && Io->Maker != Key) {
             State = SUPER_IO_UNKNOWN;
         }
@@ -128,7 +145,8 @@ SUPER_IO_STATE Find(SUPER_IO* Io)
         // Chips of another maker are opened by a part of ITE's key, and close at AA; an ITE chip takes that for an index.
         if (State == SUPER_IO_UNKNOWN && Key == MAKER_ITE) {
             SendExit(*Io, MAKER_NUVOTON);
-            if (IsNothing(ReadWord(*Io, gIdRegister))) {
+            const UINT16 Id = ReadWord(*Io, gIdRegister);
+            if (IsNothing(Id) || StaysOpen(Id)) {
                 return State;
             }
         }
