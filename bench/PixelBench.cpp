@@ -19,6 +19,7 @@
 
 #include "bench/PixelFirmware.h"
 #include "bench/Work.h"
+#include "graphics/Kernels.h"
 
 namespace {
 
@@ -171,8 +172,10 @@ int main(int Count, char** Arguments)
     for (int I = 1; I < Count; I++) {
         if (std::strcmp(Arguments[I], "--json") == 0 && I + 1 < Count) {
             JsonFile = Arguments[++I];
+        } else if (std::strcmp(Arguments[I], "--sse2") == 0) {
+            UseKernels(&gSse2Kernels);
         } else {
-            std::fprintf(stderr, "usage: %s [--json FILE]\n", Arguments[0]);
+            std::fprintf(stderr, "usage: %s [--json FILE] [--sse2]\n", Arguments[0]);
             return 2;
         }
     }

@@ -5,13 +5,14 @@ cd "$(dirname "$(readlink -f "$0")")/.."
 
 usage() {
   cat <<'TEXT'
-usage: ./ventara bench [--json FILE]
+usage: ./ventara bench [--json FILE] [--sse2]
 
 Times everything that is done pixel by pixel, and prints for each the goal, what was measured, and what other
 libraries take for the same work. Times are told as multiples of plain copies of the same pixels by the same process.
 Then times the turns of the whole console and its start, and tells where the time goes.
 
   --json FILE   write the pixel figures to FILE too, with the times in nanoseconds
+  --sse2        time the pixel work as a processor without SSE4.1 does it
 
 Google Benchmark (libbenchmark-dev) is needed. pixman (libpixman-1-dev), SDL2 (libsdl2-dev) and Cairo (libcairo2-dev)
 are measured beside it where they are installed. On a busy machine run it twice: the least figures are the true ones.
@@ -28,6 +29,7 @@ while [ $# -gt 0 ]; do
       [ $# -gt 1 ] || { say "--json wants a file"; exit 2; }
       arguments+=(--json "$2")
       shift 2 ;;
+    --sse2) arguments+=(--sse2); shift ;;
     *) usage >&2; say "unknown option '$1'"; exit 2 ;;
   esac
 done

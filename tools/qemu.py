@@ -66,7 +66,7 @@ def find_firmware():
 
 
 def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", keyboard="ps2", graphics="std",
-                   network="none", secure_boot=False, more_images=(), trace=(), keep=False):
+                   network="none", processor=None, secure_boot=False, more_images=(), trace=(), keep=False):
     """The command line up to what shows the display. folder takes the copied variable store and the logs; more_images are
     disks behind the first, and trace names events that go into trace.log. With keep, what is written to the disks stays in
     their images."""
@@ -89,6 +89,7 @@ def make_arguments(image, folder, *, memory=256, accel="tcg", pointer="ps2", key
           for argument in ("-drive", f"if=ide,format=raw,snapshot={'off' if keep else 'on'},file={disk}")),
         "-debugcon", f"file:{os.path.join(folder, 'debug.log')}", "-global", "isa-debugcon.iobase=0x402",
         "-serial", f"file:{os.path.join(folder, 'serial.log')}",
+        *(["-cpu", processor] if processor else []),  # else an old one, with SSE3 at most
         "-qmp", f"unix:{os.path.join(folder, 'qmp.sock')},server=on,wait=off",
         *(["-netdev", "user,id=net,restrict=on"] if NETWORKS[network] else []),
         *(argument for device in devices for argument in ("-device", device)),

@@ -1,9 +1,10 @@
 // The inner loops of everything that is done pixel by pixel, in one place: rows and blocks of pixels, nothing of the
 // screen and nothing of the firmware.
 //
-// Kernels.cpp works on four pixels at a time where the processor has SSE2, which every x86-64 processor has; compilers
-// make almost none of it out of a plain loop. KernelsPlain.cpp says pixel by pixel what each operation computes. It is
-// what other processors run, and what the fast form is compared with: both give the same bytes.
+// VectorKernels.h works on four pixels at a time, compiled for SSE2, which every x86-64 processor has, and for SSE4.1, which
+// nearly all have since 2008; compilers make almost none of it out of a plain loop. Wider registers stay out, since
+// firmware doesn't turn them on. KernelsPlain.cpp says pixel by pixel what each operation computes, and the fast forms are
+// compared with it.
 //
 // Destination and source are the same place or don't overlap. Nothing beyond the pixels named is read or written.
 #pragma once
@@ -80,17 +81,21 @@ VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height
 // pixel; in its fill each colour byte becomes half its value, the remainder dropped, plus that of Blend, in eight bits.
 VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, const CHART_LAYER_ROW& Upper);
 
-// The same, pixel by pixel.
-namespace plain {
+// A set of them all. The functions above run the best set that the processor has; all give the same bytes.
+struct KERNELS {
+    decltype(::OverlayPixels)* OverlayPixels;
+    decltype(::TintPixels)* TintPixels;
+    decltype(::GrayPixels)* GrayPixels;
+    decltype(::FillPixels)* FillPixels;
+    decltype(::CopyPixels)* CopyPixels;
+    decltype(::LayPointerPixels)* LayPointerPixels;
+    decltype(::PlotChartRow)* PlotChartRow;
+    decltype(::ComposeChartRow)* ComposeChartRow;
+};
 
-VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
-                   const PIXEL* Blend, UINT32 Percent);
-VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 Percent);
-VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, PIXEL Key);
-VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color);
-VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows);
-VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count);
-VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line);
-VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, const CHART_LAYER_ROW& Upper);
+extern const KERNELS gPlainKernels; // pixel by pixel; too slow to be chosen
+extern const KERNELS gSse2Kernels;
+extern const KERNELS gSse41Kernels;
 
-} // namespace plain
+// Has the functions above run Set in place of the processor's best; null: the best again. For tests and benchmarks.
+VOID UseKernels(const KERNELS* Set);

@@ -1,7 +1,5 @@
 #include "graphics/Kernels.h"
 
-namespace plain {
-
 namespace {
 
 UINT8 Mix(UINT8 Destination, UINT8 Source, UINT32 Percent)
@@ -27,7 +25,7 @@ VOID ComposeChartPixel(PIXEL* Pixel, PIXEL Plotted, const CHART_LAYER_ROW& Serie
     }
 }
 
-} // namespace
+namespace plain {
 
 VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
                    const PIXEL* Blend, UINT32 Percent)
@@ -118,42 +116,9 @@ VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, c
 
 } // namespace plain
 
-// Where Kernels.cpp has nothing faster, these are the kernels.
-#if !defined(__SSE2__)
+} // namespace
 
-VOID OverlayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, const PIXEL* Key,
-                   const PIXEL* Blend, UINT32 Percent)
-{
-    plain::OverlayPixels(Dst, Src, Columns, Rows, Key, Blend, Percent);
-}
-
-VOID TintPixels(PIXEL_BLOCK Dst, UINTN Columns, UINTN Rows, PIXEL Color, UINT32 Percent)
-{
-    plain::TintPixels(Dst, Columns, Rows, Color, Percent);
-}
-
-VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows, PIXEL Key)
-{
-    plain::GrayPixels(Dst, Src, Columns, Rows, Key);
-}
-
-VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color) { plain::FillPixels(Dst, Count, Color); }
-
-VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
-{
-    plain::CopyPixels(Dst, Src, Columns, Rows);
-}
-
-VOID LayPointerPixels(PIXEL* Dst, const PIXEL* Image, UINTN Count) { plain::LayPointerPixels(Dst, Image, Count); }
-
-VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height, PIXEL Fill, PIXEL Line)
-{
-    plain::PlotChartRow(Layer, Columns, Count, Height, Fill, Line);
-}
-
-VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, const CHART_LAYER_ROW& Upper)
-{
-    plain::ComposeChartRow(Pixels, Count, Lower, Upper);
-}
-
-#endif
+const KERNELS gPlainKernels = {
+    plain::OverlayPixels, plain::TintPixels,       plain::GrayPixels,   plain::FillPixels,
+    plain::CopyPixels,    plain::LayPointerPixels, plain::PlotChartRow, plain::ComposeChartRow,
+};

@@ -1,5 +1,5 @@
-// Random cases for everything that is done pixel by pixel: the fast kernels against their plain twins, the block
-// operations against references that are written here, pixel by pixel. Every buffer ends, or begins, at memory that
+// Random cases for everything that is done pixel by pixel, with each set of fast kernels: against their plain twins, and
+// the block operations against references that are written here, pixel by pixel. Every buffer ends, or begins, at memory that
 // can't be touched, so that a load or store beyond it stops the program.
 #include <algorithm>
 #include <cstdlib>
@@ -23,7 +23,7 @@ namespace {
 int CaseCount()
 {
     const char* Text = std::getenv("VENTARA_KERNEL_CASES");
-    return Text != nullptr ? std::atoi(Text) : 50000;
+    return Text != nullptr ? std::atoi(Text) : 25000;
 }
 
 // Room for pixels that touch a page that nobody may touch.
@@ -38,11 +38,21 @@ private:
 
 constexpr PIXEL gFew[] = {gKeyColor, {0xFF, 0x00, 0xFF, 0x80}, gBlackPixel, gPanelColor, {0x1F, 0x96, 0x04, 7}};
 
-struct KernelsTest : HOSTED {
+struct KernelsTest : HOSTED, testing::WithParamInterface<const KERNELS*> {
     KernelsTest()
     {
+        UseKernels(GetParam());
         gBS = Boot->FirmwareTable.BootServices; // without the trace
         gFloatMath = &gBoardFloatMath;
+    }
+
+    ~KernelsTest() override { UseKernels(nullptr); }
+
+    VOID SetUp() override
+    {
+        if (GetParam() == &gSse41Kernels && !__builtin_cpu_supports("sse4.1")) {
+            GTEST_SKIP() << "this processor has no SSE4.1";
+        }
     }
 
     static constexpr UINTN MostPixels = 64 * 1024;
@@ -192,47 +202,50 @@ UINT8 GrayOf(PIXEL From, const FLOAT_MATH_PROTOCOL& Math)
 
 } // namespace
 
+INSTANTIATE_TEST_SUITE_P(, KernelsTest, testing::Values(&gSse2Kernels, &gSse41Kernels),
+                         [](const auto& Info) { return Info.param == &gSse2Kernels ? "Sse2" : "Sse41"; });
+
 // --- Kernels and their plain twins ---
 
-TEST_F(KernelsTest, TintingGivesWhatThePlainTwinGives)
+TEST_P(KernelsTest, TintingGivesWhatThePlainTwinGives)
 {
     ForCases([&] {
         const BLOCKS Blocks = MakeBlocks();
         const PIXEL Color = RandomColor();
         const UINT32 Percent = 1 + Random(99);
-        plain::TintPixels({Expected, Blocks.DstStride}, Blocks.Columns, Blocks.Rows, Color, Percent);
+        gPlainKernels.TintPixels({Expected, Blocks.DstStride}, Blocks.Columns, Blocks.Rows, Color, Percent);
         TintPixels({Dst, Blocks.DstStride}, Blocks.Columns, Blocks.Rows, Color, Percent);
     });
 }
 
-TEST_F(KernelsTest, GrayingGivesWhatThePlainTwinGivesInPlaceAndFromAnotherBuffer)
+TEST_P(KernelsTest, GrayingGivesWhatThePlainTwinGivesInPlaceAndFromAnotherBuffer)
 {
     ForCases([&] {
         const BLOCKS Blocks = MakeBlocks();
         const PIXEL Key = RandomColor();
         const bool InPlace = Coin();
         const UINTN Stride = InPlace ? Blocks.DstStride : Blocks.SrcStride;
-        plain::GrayPixels({Expected, Blocks.DstStride}, {InPlace ? Expected : Src, Stride}, Blocks.Columns, Blocks.Rows,
-                          Key);
+        gPlainKernels.GrayPixels({Expected, Blocks.DstStride}, {InPlace ? Expected : Src, Stride}, Blocks.Columns,
+                                 Blocks.Rows, Key);
         GrayPixels({Dst, Blocks.DstStride}, {InPlace ? Dst : Src, Stride}, Blocks.Columns, Blocks.Rows, Key);
     });
 }
 
-TEST_F(KernelsTest, FillingAndCopyingGiveWhatThePlainTwinsGive)
+TEST_P(KernelsTest, FillingAndCopyingGiveWhatThePlainTwinsGive)
 {
     ForCases([&] {
         const BLOCKS Blocks = MakeBlocks();
         const PIXEL Color = RandomColor();
         const UINTN Count = Random(static_cast<UINT32>(DstCount) + 1);
-        plain::FillPixels(Expected + (DstCount - Count), Count, Color);
+        gPlainKernels.FillPixels(Expected + (DstCount - Count), Count, Color);
         FillPixels(Dst + (DstCount - Count), Count, Color);
         ASSERT_TRUE(SameDestination());
-        plain::CopyPixels({Expected, Blocks.DstStride}, {Src, Blocks.SrcStride}, Blocks.Columns, Blocks.Rows);
+        gPlainKernels.CopyPixels({Expected, Blocks.DstStride}, {Src, Blocks.SrcStride}, Blocks.Columns, Blocks.Rows);
         CopyPixels({Dst, Blocks.DstStride}, {Src, Blocks.SrcStride}, Blocks.Columns, Blocks.Rows);
     });
 }
 
-TEST_F(KernelsTest, LayingThePointerGivesWhatThePlainTwinGives)
+TEST_P(KernelsTest, LayingThePointerGivesWhatThePlainTwinGives)
 {
     ForCases([&] {
         MakeDestination(Random(120));
@@ -241,12 +254,12 @@ TEST_F(KernelsTest, LayingThePointerGivesWhatThePlainTwinGives)
             UINT8* Bytes = &Src[I].Blue;
             Bytes[Random(4)] = static_cast<UINT8>(Random(2));
         }
-        plain::LayPointerPixels(Expected, Src, DstCount);
+        gPlainKernels.LayPointerPixels(Expected, Src, DstCount);
         LayPointerPixels(Dst, Src, DstCount);
     });
 }
 
-TEST_F(KernelsTest, ARowOfALayerGivesWhatThePlainTwinGives)
+TEST_P(KernelsTest, ARowOfALayerGivesWhatThePlainTwinGives)
 {
     ForCases([&] {
         MakeDestination(Random(120));
@@ -260,12 +273,12 @@ TEST_F(KernelsTest, ARowOfALayerGivesWhatThePlainTwinGives)
         }
         const PIXEL Fill = RandomColor();
         const PIXEL Line = RandomColor();
-        plain::PlotChartRow(Expected, {First, Last}, DstCount, Height, Fill, Line);
+        gPlainKernels.PlotChartRow(Expected, {First, Last}, DstCount, Height, Fill, Line);
         PlotChartRow(Dst, {First, Last}, DstCount, Height, Fill, Line);
     });
 }
 
-TEST_F(KernelsTest, ComposingTwoSeriesGivesWhatThePlainTwinGives)
+TEST_P(KernelsTest, ComposingTwoSeriesGivesWhatThePlainTwinGives)
 {
     constexpr UINT8 Classes[] = {LINE_CHART_LINE, LINE_CHART_FILL, LINE_CHART_ABOVE};
     // Half of the rows that are all fill or all above are told to be.
@@ -291,14 +304,14 @@ TEST_F(KernelsTest, ComposingTwoSeriesGivesWhatThePlainTwinGives)
         const LINE_CHART_CLASS UpperWhole = Classify(Upper, DstCount);
         const CHART_LAYER_ROW LowerRow = {Lower, RandomColor(), RandomColor(), LowerWhole};
         const CHART_LAYER_ROW UpperRow = {Upper, RandomColor(), RandomColor(), UpperWhole};
-        plain::ComposeChartRow(Expected, DstCount, LowerRow, UpperRow);
+        gPlainKernels.ComposeChartRow(Expected, DstCount, LowerRow, UpperRow);
         ComposeChartRow(Dst, DstCount, LowerRow, UpperRow);
     });
 }
 
 // --- Whole ranges ---
 
-TEST_F(KernelsTest, EveryMixOfEveryTwoBytesDropsTheRemainder)
+TEST_P(KernelsTest, EveryMixOfEveryTwoBytesDropsTheRemainder)
 {
     PIXEL Row[256];
     for (UINT32 Percent = 1; Percent <= 99; Percent++) {
@@ -318,7 +331,7 @@ TEST_F(KernelsTest, EveryMixOfEveryTwoBytesDropsTheRemainder)
     }
 }
 
-TEST_F(KernelsTest, EveryColourHasTheGrayThatTheFloatServiceGives)
+TEST_P(KernelsTest, EveryColourHasTheGrayThatTheFloatServiceGives)
 {
     std::vector<PIXEL> Row(0x10000);
     for (UINT32 Red = 0; Red < 256; Red++) {
@@ -337,7 +350,7 @@ TEST_F(KernelsTest, EveryColourHasTheGrayThatTheFloatServiceGives)
 
 // --- Block operations ---
 
-TEST_F(KernelsTest, OverlayBltFollowsItsRulesAtEveryPlace)
+TEST_P(KernelsTest, OverlayBltFollowsItsRulesAtEveryPlace)
 {
     ForCases([&] {
         const INT32 SrcWidth = static_cast<INT32>(1 + Random(Coin() ? 12 : 200));
@@ -361,7 +374,7 @@ TEST_F(KernelsTest, OverlayBltFollowsItsRulesAtEveryPlace)
     });
 }
 
-TEST_F(KernelsTest, ExtractBltCopiesWhatTheSourceHasAndLeavesTheRest)
+TEST_P(KernelsTest, ExtractBltCopiesWhatTheSourceHasAndLeavesTheRest)
 {
     ForCases([&] {
         const UINTN DstWidth = 1 + Random(Coin() ? 12 : 90);
@@ -384,7 +397,7 @@ TEST_F(KernelsTest, ExtractBltCopiesWhatTheSourceHasAndLeavesTheRest)
     });
 }
 
-TEST_F(KernelsTest, PasteBltCopiesWholeRowsAndCutsAtTheScreensEdges)
+TEST_P(KernelsTest, PasteBltCopiesWholeRowsAndCutsAtTheScreensEdges)
 {
     GUARDED_PIXELS Surface(gScreenWidth * gScreenHeight);
     PIXEL* Screen = Surface.Place(gScreenWidth * gScreenHeight, true);
@@ -416,7 +429,7 @@ TEST_F(KernelsTest, PasteBltCopiesWholeRowsAndCutsAtTheScreensEdges)
     }
 }
 
-TEST_F(KernelsTest, GrayBltTakesTheServicesWordWhateverArithmeticItHas)
+TEST_P(KernelsTest, GrayBltTakesTheServicesWordWhateverArithmeticItHas)
 {
     // A service that rounds where the board's drops the fraction, and one that works with other shares.
     FLOAT_MATH_PROTOCOL Rounding = gBoardFloatMath;
@@ -449,7 +462,7 @@ TEST_F(KernelsTest, GrayBltTakesTheServicesWordWhateverArithmeticItHas)
     });
 }
 
-TEST_F(KernelsTest, MarkingARectangleIsTwoOverlaysOfABlockWithAFrame)
+TEST_P(KernelsTest, MarkingARectangleIsTwoOverlaysOfABlockWithAFrame)
 {
     ForCases([&] {
         const INT32 CanvasWidth = static_cast<INT32>(1 + Random(50));

@@ -1,0 +1,3 @@
+#include "graphics/VectorKernels.h"
+
+const KERNELS gSse2Kernels = gVectorKernels;
