@@ -186,6 +186,7 @@ struct STARTER {
         FAILING<&SERVICES::FreePool>::Put(Services, "FreePool", true);
         FAILING<&SERVICES::LocateProtocol>::Put(Services, "LocateProtocol");
         FAILING<&SERVICES::HandleProtocol>::Put(Services, "HandleProtocol");
+        FAILING<&SERVICES::LocateHandleBuffer>::Put(Services, "LocateHandleBuffer");
         FAILING<&SERVICES::InstallProtocolInterface>::Put(Services, "InstallProtocolInterface");
         FAILING<&SERVICES::UninstallProtocolInterface>::Put(Services, "UninstallProtocolInterface", true);
         FAILING<&SERVICES::CreateEvent>::Put(Services, "CreateEvent");
@@ -238,6 +239,54 @@ TEST(StarterDisplay, IsFoundByTheImageAloneOnEitherRoadAndLeavesNothingBehind)
         EXPECT_EQ(StartWithLookups(&Starter.Boot.FirmwareTable, Starter.Image), EFI_ABORTED);
         EXPECT_TRUE(gStarted.Layered);
         EXPECT_TRUE(gStarted.OthersFoundTheirs);
+        CloseDisplay();
+        Starter.ExpectAsBefore();
+    }
+}
+
+// A display's identification data, which name its own size.
+struct NAMED_SIZE {
+    UINT8 Bytes[128] = {};
+    EFI_EDID_ACTIVE_PROTOCOL Active = {.SizeOfEdid = sizeof(Bytes), .Edid = Bytes};
+
+    NAMED_SIZE(UINT32 Width, UINT32 Height)
+    {
+        Bytes[54] = 1; // the pixel clock
+        Bytes[56] = static_cast<UINT8>(Width);
+        Bytes[58] = static_cast<UINT8>(Width >> 8 << 4);
+        Bytes[59] = static_cast<UINT8>(Height);
+        Bytes[61] = static_cast<UINT8>(Height >> 8 << 4);
+    }
+};
+
+TEST(StarterDisplay, GoesByTheSizeOfTheDisplayThatItShowsOnAndNotOfAnother)
+{
+    struct {
+        const char* Story;
+        bool Own;
+        UINTN Others; // larger ones
+        UINT32 Wanted;
+    } const Cases[] = {
+        {"its own", true, 1, 1}, {"the only one there is", false, 1, 2}, {"one of two that may be meant", false, 2, 0}};
+    for (const auto& Case : Cases) {
+        STARTER Starter;
+        HANDLES& Handles = Starter.Boot.Handles;
+        NAMED_SIZE Own(800, 600), Large(2048, 1536);
+        for (UINTN Other = 0; Other < Case.Others; Other++) {
+            EFI_HANDLE Handle = nullptr;
+            (void)Handles.Install(&Handle, &gEfiEdidActiveProtocolGuid, &Large.Active);
+        }
+        // The display comes last.
+        GRAPHICS* Graphics = &Starter.Boot.Protocols.GraphicsOutput;
+        (void)Handles.Uninstall(Handles.Find(&gEfiGraphicsOutputProtocolGuid).at(0), &gEfiGraphicsOutputProtocolGuid,
+                                Graphics);
+        EFI_HANDLE Display = nullptr;
+        (void)Handles.Install(&Display, &gEfiGraphicsOutputProtocolGuid, Graphics);
+        if (Case.Own) {
+            (void)Handles.Install(&Display, &gEfiEdidActiveProtocolGuid, &Own.Active);
+        }
+        ASSERT_EQ(OpenDisplay(&Starter.Boot.FirmwareTable), DISPLAY_READY);
+        EXPECT_EQ(gMode.Mode, Case.Wanted) << Case.Story;
         CloseDisplay();
         Starter.ExpectAsBefore();
     }

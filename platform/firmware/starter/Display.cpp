@@ -68,18 +68,37 @@ VOID ListModes()
     }
 }
 
+// The identification data of the display that is used: on its own handle, or, where that has none, since it stands for all
+// displays, the only ones there are. Null where it isn't known whose they are.
+const EFI_EDID_ACTIVE_PROTOCOL* FindEdid()
+{
+    const EFI_BOOT_SERVICES* Boot = gTable->BootServices;
+    UINTN Count = 0;
+    EFI_HANDLE* Handles = nullptr;
+    if (EfiError(Boot->LocateHandleBuffer(ByProtocol, &gEfiEdidActiveProtocolGuid, nullptr, &Count, &Handles))) {
+        return nullptr;
+    }
+    const EFI_EDID_ACTIVE_PROTOCOL* Found = nullptr;
+    for (UINTN Index = 0; Index < Count; Index++) {
+        VOID* Graphics = nullptr;
+        const bool Own = !EfiError(Boot->HandleProtocol(Handles[Index], &gEfiGraphicsOutputProtocolGuid, &Graphics)) &&
+                         Graphics == gGraphics;
+        VOID* Interface = nullptr;
+        if ((Own || Count == 1) &&
+            !EfiError(Boot->HandleProtocol(Handles[Index], &gEfiEdidActiveProtocolGuid, &Interface))) {
+            Found = static_cast<const EFI_EDID_ACTIVE_PROTOCOL*>(Interface);
+        }
+    }
+    (void)Boot->FreePool(Handles);
+    return Found;
+}
+
 // The panel's own size: as it says itself, or else the mode that the firmware found good.
 PANEL_SIZE NativeSize()
 {
-    VOID* Interface = nullptr;
-    if (!EfiError(gTable->BootServices->LocateProtocol(&gEfiEdidActiveProtocolGuid, nullptr, &Interface))) {
-        const auto* Active = static_cast<const EFI_EDID_ACTIVE_PROTOCOL*>(Interface);
-        const PANEL_SIZE Size = ReadNativeSize(Active->Edid, Active->SizeOfEdid);
-        if (Size.Width != 0) {
-            return Size;
-        }
-    }
-    return gFoundSize;
+    const EFI_EDID_ACTIVE_PROTOCOL* Edid = FindEdid();
+    const PANEL_SIZE Size = Edid != nullptr ? ReadNativeSize(Edid->Edid, Edid->SizeOfEdid) : PANEL_SIZE{};
+    return Size.Width != 0 ? Size : gFoundSize;
 }
 
 VOID AppendNumber(CHAR16** At, UINT32 Number)
