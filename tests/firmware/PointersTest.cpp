@@ -42,13 +42,14 @@ EFI_STATUS GetAbsoluteState(EFI_ABSOLUTE_POINTER_PROTOCOL* This, EFI_ABSOLUTE_PO
     return EFI_SUCCESS;
 }
 
-// A boot mouse at USB that says nothing of its reports: three bytes, buttons first.
+// A boot mouse at USB that says nothing of its reports: three bytes, buttons first. Or what its descriptor makes it.
 struct USB_MOUSE {
     EFI_USB_IO_PROTOCOL Protocol;
     EFI_USB_INTERFACE_DESCRIPTOR Interface;
     EFI_ASYNC_USB_TRANSFER_CALLBACK Notify; // of the running transfer; null: none
     VOID* Context;
     int Transfers;
+    std::vector<UINT8> Descriptor;
 
     VOID Send(std::vector<UINT8> Report)
     {
@@ -57,9 +58,15 @@ struct USB_MOUSE {
     }
 };
 
-EFI_STATUS Control(EFI_USB_IO_PROTOCOL*, EFI_USB_DEVICE_REQUEST*, EFI_USB_DATA_DIRECTION, UINT32, VOID*, UINTN, UINT32*)
+EFI_STATUS Control(EFI_USB_IO_PROTOCOL* This, EFI_USB_DEVICE_REQUEST*, EFI_USB_DATA_DIRECTION Direction, UINT32,
+                   VOID* Data, UINTN Size, UINT32*)
 {
-    return EFI_DEVICE_ERROR;
+    const auto& Descriptor = reinterpret_cast<USB_MOUSE*>(This)->Descriptor;
+    if (Direction != EfiUsbDataIn || Descriptor.empty()) {
+        return EFI_DEVICE_ERROR;
+    }
+    std::copy_n(Descriptor.begin(), std::min<UINTN>(Size, Descriptor.size()), static_cast<UINT8*>(Data));
+    return EFI_SUCCESS;
 }
 
 EFI_STATUS Transfer(EFI_USB_IO_PROTOCOL* This, UINT8, BOOLEAN IsNew, UINTN, UINTN,
@@ -443,6 +450,42 @@ TEST_F(MachinePointer, OfTwoTabletsTheOneThatMovedLastHasThePointerAndItsWaysCou
         EXPECT_EQ((std::pair{X, Y}), (std::pair<INT64, INT64>{200, 100}));
     }
     EXPECT_EQ(Ways.States.size(), 1u) << "the same device by its other protocol";
+}
+
+TEST_F(MachinePointer, EachUsbTabletHasARestOfItsOwnThatEndsWithItAndWithTheConsole)
+{
+    const std::vector<UINT8> Quarter = {0, 0, 0x20, 0, 0x20}, ThreeQuarters = {0, 0, 0x60, 0, 0x60};
+    One.Descriptor = Two.Descriptor = gTablet;
+    EFI_HANDLE Handle = PlugUsb(&One);
+    PlugUsb(&Two);
+    PlugUsb(&Mouse);
+    Read();
+    One.Send(Quarter);
+    Two.Send(ThreeQuarters);
+    Read();
+    EXPECT_EQ(X, 767);
+    Mouse.Send({0, 10, 0});
+    One.Send(Quarter);
+    Two.Send(ThreeQuarters);
+    Read();
+    EXPECT_EQ(X, 777) << "both rest";
+    Mouse.Send({1, 0, 0});
+    Read();
+    One.Send(Quarter);
+    Read();
+    EXPECT_EQ(X, 777) << "also while another device is pressed";
+    Two.Send({1, 0, 0x60, 0, 0x60});
+    Read();
+    EXPECT_EQ(X, 767) << "a tap at the same place";
+    EXPECT_EQ(Driver()->Stop(Driver(), Handle, 0, nullptr), EFI_SUCCESS);
+    PlugUsb(&One);
+    One.Send(Quarter);
+    Read();
+    EXPECT_EQ(X, 256) << "the first report, where the one that is gone was";
+    Source->Close(Source);
+    One.Send(Quarter);
+    Read();
+    EXPECT_EQ(X, 256);
 }
 
 TEST_F(MachinePointer, AFingerPointsAtWhatIsUnderItAtAnyScaleAndAMouseGoesAsFast)

@@ -33,8 +33,6 @@ struct MACHINE_POINTER {
     INT64 Height;
     UINT8 Left[KIND_COUNT];
     UINT8 Right[KIND_COUNT];
-    INT64 PlaceX[KIND_COUNT]; // where a tablet or a finger was last, in gFullScale; -1 before its first report
-    INT64 PlaceY[KIND_COUNT];
     bool InUse;     // between the console's first read and its close
     bool Moved;     // since its place was last told
     bool Released;  // the last read was the first that saw the left button up again
@@ -77,17 +75,11 @@ VOID ReportButton(UINT8 Left, UINT64 Length)
     Report(" ms\n");
 }
 
-// Moves the pointer and keeps the buttons; true when the kind's buttons changed. A tablet at rest, which some firmware
-// reports again and again, leaves the pointer to others; a press on it brings the pointer there.
+// Moves the pointer and keeps the buttons; true when the kind's buttons changed.
 bool ApplyChange(MACHINE_POINTER* Pointer, KIND Kind, const POINTER_CHANGE* Change)
 {
     const bool ButtonsChanged = Pointer->Left[Kind] != Change->Left || Pointer->Right[Kind] != Change->Right;
     if (Change->Absolute) {
-        if (Change->X == Pointer->PlaceX[Kind] && Change->Y == Pointer->PlaceY[Kind] && !ButtonsChanged) {
-            return false;
-        }
-        Pointer->PlaceX[Kind] = Change->X;
-        Pointer->PlaceY[Kind] = Change->Y;
         const UINT32 Width = static_cast<UINT32>(Pointer->Width);
         const UINT32 Height = static_cast<UINT32>(Pointer->Height);
         const CONSOLE_DISPLAY Plain = {nullptr, nullptr, Width, Height, 0, 0, Width, Height};
@@ -243,8 +235,6 @@ VOID ResetPointer(MACHINE_POINTER* Pointer)
     for (UINT8 Kind = 0; Kind < KIND_COUNT; Kind++) {
         Pointer->Left[Kind] = 0;
         Pointer->Right[Kind] = 0;
-        Pointer->PlaceX[Kind] = -1;
-        Pointer->PlaceY[Kind] = -1;
     }
 }
 
@@ -272,6 +262,7 @@ VOID EndPointer(POINTER_SOURCE* This)
     SilencePs2Mouse(Pointer);
     ResetPointer(Pointer);
     CloseProtocolPointers();
+    ForgetUsbPlaces();
     gLayer = nullptr; // it may be gone by the next start
     Report("ventara: pointer closed\n");
 }

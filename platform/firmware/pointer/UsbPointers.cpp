@@ -45,6 +45,8 @@ struct USB_POINTER {
     UINTN ReportSize;
     bool Failed;      // the transfer has ended in an error and has to be set up again
     UINT64 RecoverAt; // microseconds; 0: not decided yet
+    INT64 PlaceX;     // of a tablet as it was last told, in gFullScale; -1 before
+    INT64 PlaceY;
     UINT8 Left;
     UINT8 Right;
 };
@@ -199,6 +201,23 @@ VOID RecoverDevice(USB_POINTER* Device, UINT64 Now)
     Device->Failed = EfiError(StartTransfer(Device));
 }
 
+// The device as it now is. False for a tablet at rest, which some tell again and again: it leaves the pointer to others; a
+// press on it brings the pointer there.
+bool TakeReport(const QUEUED_REPORT& Report)
+{
+    USB_POINTER* Device = Report.Device;
+    const POINTER_CHANGE& Change = Report.Change;
+    const bool Rests = Change.Absolute && Change.X == Device->PlaceX && Change.Y == Device->PlaceY &&
+                       Change.Left == Device->Left && Change.Right == Device->Right;
+    if (Change.Absolute) {
+        Device->PlaceX = Change.X;
+        Device->PlaceY = Change.Y;
+    }
+    Device->Left = Change.Left;
+    Device->Right = Change.Right;
+    return !Rests;
+}
+
 VOID DropReports(const USB_POINTER* Device)
 {
     UINTN Kept = 0;
@@ -260,6 +279,7 @@ EFI_STATUS DriverStart(EFI_DRIVER_BINDING_PROTOCOL*, EFI_HANDLE Controller, EFI_
     *Device = {};
     Device->Controller = Controller;
     Device->UsbIo = UsbIo;
+    Device->PlaceX = -1;
     Status = StartDevice(Device);
     if (EfiError(Status)) {
         (void)gBoot->FreePool(Device);
@@ -335,14 +355,15 @@ bool PollUsbPointers(UINT64 Now, POINTER_CHANGE* Change)
         }
     }
     (void)gBoot->RaiseTPL(TPL_NOTIFY);
-    bool Reported = gQueueCount != 0;
-    if (Reported) {
-        QUEUED_REPORT Report = gQueue[gQueueFirst];
+    bool Reported = false;
+    while (gQueueCount != 0 && !Reported) {
+        const QUEUED_REPORT& Report = gQueue[gQueueFirst];
         gQueueFirst = (gQueueFirst + 1) % gQueueLength;
         gQueueCount--;
-        *Change = Report.Change;
-        Report.Device->Left = Change->Left;
-        Report.Device->Right = Change->Right;
+        Reported = TakeReport(Report);
+        if (Reported) {
+            *Change = Report.Change;
+        }
     }
     Change->Left = 0;
     Change->Right = 0;
@@ -363,6 +384,15 @@ UINTN CountUsbPointers()
     }
     gBoot->RestoreTPL(Level);
     return Count;
+}
+
+VOID ForgetUsbPlaces()
+{
+    const EFI_TPL Level = gBoot->RaiseTPL(TPL_CALLBACK);
+    for (USB_POINTER* Device = gDevices; Device != nullptr; Device = Device->Next) {
+        Device->PlaceX = -1;
+    }
+    gBoot->RestoreTPL(Level);
 }
 
 VOID CloseUsbPointers()
