@@ -73,20 +73,20 @@ struct ONE_PIXEL {
     }
 };
 
-// Calls Step(PIXELS, I) for pixels I, I + 1 ... of a row of Count, as many as PIXELS loads and stores, from pixel I on.
-// A row's last pixels go through the same arithmetic in smaller loads and stores, so that nothing beyond the row is
-// touched.
-template <typename STEP> inline VOID ForRow(UINTN I, UINTN Count, STEP Step)
+// Calls Step(PIXELS, Index) for as many pixels of a row of Count as PIXELS loads and stores, from pixel Index on, until the
+// row's end. A row's last pixels go through the same arithmetic in smaller loads and stores, so that nothing beyond the
+// row is touched.
+template <typename STEP> inline VOID ForRow(UINTN Index, UINTN Count, STEP Step)
 {
-    for (; I + 4 <= Count; I += 4) {
-        Step(FOUR_PIXELS{}, I);
+    for (; Index + 4 <= Count; Index += 4) {
+        Step(FOUR_PIXELS{}, Index);
     }
     if ((Count & 2) != 0) {
-        Step(TWO_PIXELS{}, I);
-        I += 2;
+        Step(TWO_PIXELS{}, Index);
+        Index += 2;
     }
     if ((Count & 1) != 0) {
-        Step(ONE_PIXEL{}, I);
+        Step(ONE_PIXEL{}, Index);
     }
 }
 
@@ -102,11 +102,11 @@ template <typename RULE> inline VOID ApplyToEight(PIXEL* Dst, const PIXEL* Src, 
 
 template <typename RULE> inline VOID ApplyToRow(PIXEL* Dst, const PIXEL* Src, UINTN Count, const RULE& Rule)
 {
-    UINTN I = 0;
-    for (; I + 8 <= Count; I += 8) {
-        ApplyToEight(Dst + I, Src + I, Rule);
+    UINTN Index = 0;
+    for (; Index + 8 <= Count; Index += 8) {
+        ApplyToEight(Dst + Index, Src + Index, Rule);
     }
-    ForRow(I, Count, [=](auto Pixels, UINTN At) {
+    ForRow(Index, Count, [=](auto Pixels, UINTN At) {
         Pixels.Store(Dst + At, Rule.Apply(Pixels.Load(Dst + At), Pixels.Load(Src + At)));
     });
 }
@@ -127,13 +127,13 @@ inline VOID ApplyToNarrowBlock(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Col
         for (UINTN Row = 0; Row < Count; Row++) {
             const PIXEL* To = Dst.Row + Row * Dst.Stride;
             const PIXEL* From = Src.Row + Row * Src.Stride;
-            ForRow(0, Columns, [=, Out = Staged + Row * gNarrow](auto Pixels, UINTN I) {
-                Pixels.Store(Out + I, Rule.Apply(Pixels.Load(To + I), Pixels.Load(From + I)));
+            ForRow(0, Columns, [=, Out = Staged + Row * gNarrow](auto Pixels, UINTN Index) {
+                Pixels.Store(Out + Index, Rule.Apply(Pixels.Load(To + Index), Pixels.Load(From + Index)));
             });
         }
         for (UINTN Row = 0; Row < Count; Row++, Dst.Row += Dst.Stride, Src.Row += Src.Stride) {
-            ForRow(0, Columns, [To = Dst.Row, From = Staged + Row * gNarrow](auto Pixels, UINTN I) {
-                Pixels.Store(To + I, Pixels.Load(From + I));
+            ForRow(0, Columns, [To = Dst.Row, From = Staged + Row * gNarrow](auto Pixels, UINTN Index) {
+                Pixels.Store(To + Index, Pixels.Load(From + Index));
             });
         }
         Rows -= Count;
@@ -340,14 +340,14 @@ inline EIGHT_CLASS ClassOfEight(__m128i First, __m128i Second)
 
 template <typename FILLED> inline VOID FillChartRow(PIXEL* Pixels, UINTN Count, FILLED Filled)
 {
-    UINTN I = 0;
-    for (; I + 8 <= Count; I += 8) {
-        const __m128i First = Filled(FOUR_PIXELS::Load(Pixels + I));
-        const __m128i Second = Filled(FOUR_PIXELS::Load(Pixels + I + 4));
-        FOUR_PIXELS::Store(Pixels + I, First);
-        FOUR_PIXELS::Store(Pixels + I + 4, Second);
+    UINTN Index = 0;
+    for (; Index + 8 <= Count; Index += 8) {
+        const __m128i First = Filled(FOUR_PIXELS::Load(Pixels + Index));
+        const __m128i Second = Filled(FOUR_PIXELS::Load(Pixels + Index + 4));
+        FOUR_PIXELS::Store(Pixels + Index, First);
+        FOUR_PIXELS::Store(Pixels + Index + 4, Second);
     }
-    ForRow(I, Count, [=](auto Part, UINTN At) { Part.Store(Pixels + At, Filled(Part.Load(Pixels + At))); });
+    ForRow(Index, Count, [=](auto Part, UINTN At) { Part.Store(Pixels + At, Filled(Part.Load(Pixels + At))); });
 }
 
 namespace vectors {
@@ -382,7 +382,7 @@ VOID GrayPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Row
 VOID FillPixels(PIXEL* Dst, UINTN Count, PIXEL Color)
 {
     const __m128i Colors = SplatPixel(Color);
-    ForRow(0, Count, [=](auto Pixels, UINTN I) { Pixels.Store(Dst + I, Colors); });
+    ForRow(0, Count, [=](auto Pixels, UINTN Index) { Pixels.Store(Dst + Index, Colors); });
 }
 
 VOID CopyPixels(PIXEL_BLOCK Dst, CONST_PIXEL_BLOCK Src, UINTN Columns, UINTN Rows)
@@ -398,10 +398,10 @@ VOID PlotChartRow(PIXEL* Layer, CHART_COLUMNS Columns, UINTN Count, INT32 Height
     const __m128i FillPixel = SplatClass(Fill, LINE_CHART_FILL);
     const __m128i LinePixel = SplatClass(Line, LINE_CHART_LINE);
     const __m128i AbovePixel = SplatClass(gBlackPixel, LINE_CHART_ABOVE);
-    ForRow(0, Count, [=](auto Pixels, UINTN I) {
-        const __m128i IsAbove = _mm_cmpgt_epi32(Heights, Pixels.Load(Columns.Last + I));
-        const __m128i IsFill = _mm_cmpgt_epi32(Pixels.Load(Columns.First + I), Heights);
-        Pixels.Store(Layer + I, Select(IsAbove, AbovePixel, Select(IsFill, FillPixel, LinePixel)));
+    ForRow(0, Count, [=](auto Pixels, UINTN Index) {
+        const __m128i IsAbove = _mm_cmpgt_epi32(Heights, Pixels.Load(Columns.Last + Index));
+        const __m128i IsFill = _mm_cmpgt_epi32(Pixels.Load(Columns.First + Index), Heights);
+        Pixels.Store(Layer + Index, Select(IsAbove, AbovePixel, Select(IsFill, FillPixel, LinePixel)));
     });
 }
 
@@ -419,20 +419,20 @@ VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, c
         }
         return;
     }
-    UINTN I = 0;
-    for (; I + 8 <= Count; I += 8) {
+    UINTN Index = 0;
+    for (; Index + 8 <= Count; Index += 8) {
         // What is above a curve and what is below it come in long stretches, which need less work or none.
-        const __m128i FirstLower = FOUR_PIXELS::Load(Lower.Layer + I);
-        const __m128i SecondLower = FOUR_PIXELS::Load(Lower.Layer + I + 4);
-        const __m128i FirstUpper = FOUR_PIXELS::Load(Upper.Layer + I);
-        const __m128i SecondUpper = FOUR_PIXELS::Load(Upper.Layer + I + 4);
+        const __m128i FirstLower = FOUR_PIXELS::Load(Lower.Layer + Index);
+        const __m128i SecondLower = FOUR_PIXELS::Load(Lower.Layer + Index + 4);
+        const __m128i FirstUpper = FOUR_PIXELS::Load(Upper.Layer + Index);
+        const __m128i SecondUpper = FOUR_PIXELS::Load(Upper.Layer + Index + 4);
         const EIGHT_CLASS LowerClass = ClassOfEight(FirstLower, SecondLower);
         const EIGHT_CLASS UpperClass = ClassOfEight(FirstUpper, SecondUpper);
         if (LowerClass == EIGHT_ABOVE && UpperClass == EIGHT_ABOVE) {
             continue;
         }
-        __m128i First = FOUR_PIXELS::Load(Pixels + I);
-        __m128i Second = FOUR_PIXELS::Load(Pixels + I + 4);
+        __m128i First = FOUR_PIXELS::Load(Pixels + Index);
+        __m128i Second = FOUR_PIXELS::Load(Pixels + Index + 4);
         if (LowerClass == EIGHT_FILL) {
             First = LowerRule.Filled(First);
             Second = LowerRule.Filled(Second);
@@ -447,10 +447,10 @@ VOID ComposeChartRow(PIXEL* Pixels, UINTN Count, const CHART_LAYER_ROW& Lower, c
             First = UpperRule.Apply(First, FirstUpper);
             Second = UpperRule.Apply(Second, SecondUpper);
         }
-        FOUR_PIXELS::Store(Pixels + I, First);
-        FOUR_PIXELS::Store(Pixels + I + 4, Second);
+        FOUR_PIXELS::Store(Pixels + Index, First);
+        FOUR_PIXELS::Store(Pixels + Index + 4, Second);
     }
-    ForRow(I, Count, [=, LowerLayer = Lower.Layer, UpperLayer = Upper.Layer](auto Part, UINTN At) {
+    ForRow(Index, Count, [=, LowerLayer = Lower.Layer, UpperLayer = Upper.Layer](auto Part, UINTN At) {
         const __m128i Ground = LowerRule.Apply(Part.Load(Pixels + At), Part.Load(LowerLayer + At));
         Part.Store(Pixels + At, UpperRule.Apply(Ground, Part.Load(UpperLayer + At)));
     });
