@@ -12,6 +12,7 @@
 // the time goes is measured in plays of their own: looking at the clock around each call takes 50 ns, and there are calls
 // enough to make a tick or a drag look a third slower than it is.
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -25,6 +26,7 @@
 
 #include "bench/TurnClock.h"
 #include "platform/board/ArtworkPack.h"
+#include "platform/host/Boot.h"
 #include "platform/host/ImageLoader.h"
 #include "shell/Main.h"
 #include "support/Identifiers.h"
@@ -55,6 +57,29 @@ constexpr size_t gFrameRows = 241;
 double Nanoseconds(std::chrono::steady_clock::duration Time)
 {
     return std::chrono::duration<double, std::nano>(Time).count();
+}
+
+// Nanoseconds in each place.
+using SHARES = std::array<double, PLACE_COUNT>;
+
+SHARES ReadShares()
+{
+    const SPLIT& Split = ReadSplit();
+    SHARES Shares = {};
+    for (size_t Place = 0; Place < PLACE_COUNT; Place++) {
+        Shares[Place] = static_cast<double>(Split.Time[Place]);
+    }
+    return Shares;
+}
+
+TIMED_TABLES TablesOf(BOOT& Boot)
+{
+    EFI_GRAPHICS_OUTPUT_PROTOCOL* Adapter = &Boot.Protocols.GraphicsOutput;
+    return {.Console = &Boot.ConsoleTable,
+            .Finder = Boot.FirmwareTable.BootServices,
+            .Shown = Boot.Protocols.Shown,
+            .Adapter = Boot.Protocols.Shown == Adapter ? nullptr : Adapter,
+            .Font = &Boot.Protocols.Font};
 }
 
 // What this process was given of the processor: for what takes so long that others may come in between.
@@ -106,14 +131,14 @@ constexpr SCENE_FACTS gScenes[] = {
 
 struct TURN_FIGURES {
     double Least = std::numeric_limits<double>::infinity();
-    SPLIT Split = {};
+    SHARES Split = {};
 };
 
 struct SCENE_RESULT {
     double Least = std::numeric_limits<double>::infinity(); // of the round's turns: one without a text
     double Mean = 0;
     double Worst = 0;
-    SPLIT Split = {}; // of the mean
+    SHARES Split = {}; // of the mean
 };
 
 struct SCENE_RUN {
@@ -136,7 +161,7 @@ VOID SCENE_RUN::NextTurn()
 {
     if (!Count) {
         const double Time = Nanoseconds(std::chrono::steady_clock::now() - Since);
-        const SPLIT& Split = ReadSplit();
+        const SHARES Split = ReadShares();
         if (Turn > gLeadTurns && Place >= 0) {
             TURN_FIGURES& Figure = Figures[Place];
             if (Time < Figure.Least) {
@@ -210,7 +235,7 @@ SCENE_RESULT PlayScene(const SCENE_FACTS& Facts, bool Cold, bool Timers, const P
 {
     LOADED Loaded(Panel);
     if (Timers) {
-        PutTimers(Loaded.Boot);
+        PutTimers(TablesOf(Loaded.Boot));
     }
     SCENE_RUN Run;
     Run.Facts = &Facts;
@@ -284,7 +309,7 @@ struct START_RUN {
     BOOT* Boot;
     double Since;
     double Time = 0;
-    SPLIT Split = {};
+    SHARES Split = {};
     bool Told = false;
 };
 
@@ -295,7 +320,7 @@ TURN_FIGURES PlayStarts(bool Timers, const PANEL& Panel = {})
     for (int I = 0; I < gStarts; I++) {
         LOADED Loaded(Panel);
         if (Timers) {
-            PutTimers(Loaded.Boot);
+            PutTimers(TablesOf(Loaded.Boot));
         }
         START_RUN Run = {.Boot = &Loaded.Boot, .Since = ProcessorNanoseconds()};
         RestartSplit();
@@ -304,7 +329,7 @@ TURN_FIGURES PlayStarts(bool Timers, const PANEL& Panel = {})
                               START_RUN* This = static_cast<START_RUN*>(Context);
                               if (!This->Told) {
                                   This->Time = ProcessorNanoseconds() - This->Since;
-                                  This->Split = ReadSplit();
+                                  This->Split = ReadShares();
                                   This->Told = true;
                                   This->Boot->Consoles.Press(SCAN_ESC, 0);
                               }
@@ -379,9 +404,17 @@ REFERENCES TimeReferences()
     return Found;
 }
 
-VOID PrintSplit(const char* Name, const SPLIT& Split, double Unit, const char* Format)
+VOID PrintPlaces()
 {
-    std::printf("%-8s", Name);
+    for (const char* Name : gPlaceNames) {
+        std::printf(" %9s", Name);
+    }
+    std::printf("\n");
+}
+
+VOID PrintSplit(const char* Name, const SHARES& Split, double Unit, const char* Format, int Width = 8)
+{
+    std::printf("%-*s", Width, Name);
     for (const double Part : Split) {
         std::printf(Format, Part / Unit);
     }
@@ -497,17 +530,25 @@ VOID PrintDisplays(const REFERENCES& References)
         "", "start ms", "times", "tick us", "in Blt", "T", "T more", "turns", "blocks", "pixels", "a tick", "pixels");
     double Start = 0;
     double Tick = 0;
+    std::vector<SHARES> Accounts;
     for (const DISPLAY_FACTS& Display : gDisplays) {
         const double ItsStart = PlayStarts(false, Display.Panel).Least / 1e6;
         const double ItsTick = PlayScene(gScenes[1], false, false, Display.Panel).Mean;
-        const SPLIT Split = PlayScene(gScenes[1], false, true, Display.Panel).Split;
+        const SHARES Split = PlayScene(gScenes[1], false, true, Display.Panel).Split;
         Start = Start == 0 ? ItsStart : Start;
         Tick = Tick == 0 ? ItsTick : Tick;
         const DISPLAY_COUNT Count = CountBlocks(Display.Panel);
+        Accounts.push_back(PlayScene(gScenes[0], false, true, Display.Panel).Split);
+        Accounts.push_back(Split);
         std::printf("%-20s %8.1f %6.2f %8.1f %7.1f %7.2f %8.2f %9.0f | %7llu %9llu %6llu %9llu\n", Display.Name,
-                    ItsStart, ItsStart / Start, ItsTick / 1000, Split[PLACE_BLT] / 1000, ItsTick / References.T[0],
-                    (ItsTick - Tick) / References.T[0], PlayFreely(Display.Panel), Count.Start.Count,
-                    Count.Start.Pixels, Count.Ticks.Count, Count.Ticks.Pixels);
+                    ItsStart, ItsStart / Start, ItsTick / 1000, (Split[PLACE_BLT] + Split[PLACE_ADAPTER]) / 1000,
+                    ItsTick / References.T[0], (ItsTick - Tick) / References.T[0], PlayFreely(Display.Panel),
+                    Count.Start.Count, Count.Start.Pixels, Count.Ticks.Count, Count.Ticks.Pixels);
+    }
+    std::printf("\nwhere the microseconds of a turn at rest and of a tick go\n%-20s", "");
+    PrintPlaces();
+    for (size_t I = 0; I < Accounts.size(); I++) {
+        PrintSplit(I % 2 == 0 ? gDisplays[I / 2].Name : "", Accounts[I], 1000, " %9.2f", 20);
     }
 }
 
@@ -519,14 +560,15 @@ VOID WriteSvg(const char* File, const std::vector<SCENE_RESULT>& Results)
         Fail(std::string("can't write ") + File);
     }
     constexpr const char* Colors[PLACE_COUNT] = {"#3a7ca5", "#81c3d7", "#d9dcd6", "#f2a65a", "#b56576",
-                                                 "#6d597a", "#588157", "#a3b18a", "#8d99ae"};
+                                                 "#6d597a", "#588157", "#3a5a40", "#e9c46a", "#a3b18a",
+                                                 "#bc6c25", "#8d99ae", "#264653"};
     double Most = 0;
     for (const SCENE_RESULT& Each : Results) {
         Most = std::max(Most, Each.Mean);
     }
-    std::fprintf(Out, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"760\" height=\"220\" "
+    std::fprintf(Out, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"760\" height=\"240\" "
                       "font-family=\"sans-serif\" font-size=\"13\">\n"
-                      "<rect width=\"760\" height=\"220\" fill=\"white\"/>\n");
+                      "<rect width=\"760\" height=\"240\" fill=\"white\"/>\n");
     for (size_t I = 0; I < Results.size(); I++) {
         double X = 60;
         const int Y = 20 + static_cast<int>(I) * 44;
@@ -580,10 +622,7 @@ VOID PrintTable(const char* SvgFile)
     }
     std::printf("\nby itself, ticks included: %.0f turns in a second of the processor\n", PlayFreely());
     std::printf("\nwhere the microseconds of a warm turn go\n%-8s", "");
-    for (const char* Name : gPlaceNames) {
-        std::printf(" %9s", Name);
-    }
-    std::printf("\n");
+    PrintPlaces();
     for (size_t I = 0; I < Split.size(); I++) {
         PrintSplit(gScenes[I].Name, Split[I].Split, 1000, " %9.2f");
     }
@@ -591,7 +630,7 @@ VOID PrintTable(const char* SvgFile)
     const double IdentifierTime = TimeIdentifiers();
     std::printf(
         "\nstart, from the entry to the whole first picture: %.1f ms of the processor, the least of %d; goal %.0f ms\n"
-        "where the milliseconds go (%d identifiers, which are in the console's, take %.2f)\n",
+        "where the milliseconds go (%d identifiers, which are in identity and the console's, take %.2f)\n",
         Start.Least / 1e6, gStarts, gStartGoal, gTimedIdentifiers, IdentifierTime / 1e6);
     PrintSplit("start", PlayStarts(true).Split, 1e6, " %9.2f");
     PrintDisplays(References);
@@ -601,6 +640,8 @@ VOID PrintTable(const char* SvgFile)
 }
 
 } // namespace
+
+UINT64 ReadBenchTime() { return static_cast<UINT64>(Nanoseconds(std::chrono::steady_clock::now().time_since_epoch())); }
 
 int main(int Count, char** Arguments)
 {

@@ -6,6 +6,7 @@ cd "$(dirname "$(readlink -f "$0")")/.."
 usage() {
   cat <<'TEXT'
 usage: ./ventara bench [--json FILE] [--sse2]
+       ./ventara bench --firmware [DISPLAY ...]
 
 Times everything that is done pixel by pixel, and prints for each the goal, what was measured, and what other
 libraries take for the same work. Times are told as multiples of plain copies of the same pixels by the same process.
@@ -13,6 +14,7 @@ Then times the turns of the whole console and its start, and tells where the tim
 
   --json FILE   write the pixel figures to FILE too, with the times in nanoseconds
   --sse2        time the pixel work as a processor without SSE4.1 does it
+  --firmware    time the console on OVMF in QEMU instead, display by display (./ventara bench --firmware --help)
 
 Google Benchmark (libbenchmark-dev) is needed. pixman (libpixman-1-dev), SDL2 (libsdl2-dev) and Cairo (libcairo2-dev)
 are measured beside it where they are installed. On a busy machine run it twice: the least figures are the true ones.

@@ -138,7 +138,7 @@ class Machine:
         except FileNotFoundError:
             return ""
 
-    def _run_time(self):
+    def run_time(self):
         """Seconds of processor time that the machine has had."""
         with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as file:
             fields = file.read().rpartition(")")[2].split()
@@ -147,11 +147,11 @@ class Machine:
     def _patience(self, timeout):
         """A function that says whether a wait of that many seconds is over. They count only while the machine gets to
         run, so that a busy host fails no test; on the clock a wait ends after five times as many."""
-        began, ran = time.monotonic(), self._run_time()
+        began, ran = time.monotonic(), self.run_time()
 
         def is_over():
             passed = time.monotonic() - began
-            return passed > timeout and (passed > 5 * timeout or self._run_time() - ran > timeout / 2)
+            return passed > timeout and (passed > 5 * timeout or self.run_time() - ran > timeout / 2)
 
         return is_over
 
