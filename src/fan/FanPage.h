@@ -104,13 +104,6 @@ FAN_PAGE* FindFanPage(UINT8 ItemId);
 // The page whose tab is the selected one; null when no page's is.
 FAN_PAGE* FanPageOnTop();
 
-// Carries the State of the page's box, which somebody has written, to its links, its components, its picture and that of
-// a frame that is now live. A drag under way goes on. Clicked runs the functions of the box's links too, as after a click
-// on it, and so writes the page's setting; they have run when this returns: it is called inside a button's action, at a
-// task priority at which the firmware would hold their events back until the action has ended. A missing box does
-// nothing.
-VOID ApplyFanBox(FAN_PAGE* Page, bool Clicked);
-
 // The layout of the page's fan, present or not. Fan 5's is the board's answer, asked for at every call; the others cost
 // no service call.
 FAN_PAGE_LAYOUT LayoutNow(const FAN_PAGE* Page);

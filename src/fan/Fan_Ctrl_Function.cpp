@@ -1,6 +1,7 @@
 #include "fan/Fan_Ctrl_Function.h"
 
 #include "controls/Labels.h"
+#include "fan/FanJoins.h"
 #include "graphics/Artwork.h"
 #include "gui/core/GUICore.h"
 #include "shell/contract/Board.h"

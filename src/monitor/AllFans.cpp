@@ -1,6 +1,6 @@
 #include "monitor/AllFans.h"
 
-#include "fan/FanPage.h"
+#include "fan/FanJoins.h"
 #include "fan/Fan_Ctrl_Function.h"
 #include "shell/contract/Board.h"
 
