@@ -430,6 +430,8 @@ TEST_F(LinuxBoardTest, AWriteThatFailsLeavesTheFanAsItWasOrAtFullSpeed)
     EXPECT_TRUE(HasSaid(Point + ": Is a directory"));
     EXPECT_TRUE(HasSaid("it runs at full speed now"));
     EXPECT_EQ(Tree.Text("hwmon10/pwm1_enable") + ' ' + Tree.Text("hwmon10/pwm1"), "1 255");
+    Board->Leave(false);
+    EXPECT_TRUE(HasSaid("fan1 stays at 100 %, however hot it gets; what it had: echo 5 | sudo tee"));
 }
 
 // A process of its own, in which a fan is set and which then ends in that way.

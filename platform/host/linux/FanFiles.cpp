@@ -295,7 +295,10 @@ bool FAN_FILES::SetFullSpeed(std::string* Error)
     const bool Good = (mNow.Mode.empty() || Write(PathOf(mPwm + "_enable"), gFixed, Error)) &&
                       Write(PathOf(mPwm), std::to_string(gFullDuty), Error);
     std::string Path;
-    (void)ReadAll(&mNow, &Path);
+    if (ReadAll(&mNow, &Path) != 0 && Good) {
+        mNow.Mode = mNow.Mode.empty() ? "" : gFixed; // a file of the curve that can't be read changes nothing of it
+        mNow.Duty = std::to_string(gFullDuty);
+    }
     return Good;
 }
 
