@@ -10,6 +10,7 @@
 #include "platform/firmware/starter/Display.h"
 #include "platform/firmware/starter/Lookups.h"
 #include "platform/host/CurrentBoot.h"
+#include "tests/firmware/MachineStandIns.h"
 #include "uefi/LoadedImage.h"
 
 // Where the linker puts the image's code begins and ends.
@@ -111,6 +112,19 @@ VOID Seal(EFI_BOOT_SERVICES* Services)
     Services->Hdr.CRC32 = Crc32;
 }
 
+UINT64 gClockReadings;
+
+// The machine's clock chip: whole seconds, a hundredth longer than the processor's.
+EFI_STATUS ReadClockChip(EFI_TIME* Time, EFI_TIME_CAPABILITIES* Capabilities)
+{
+    gClockReadings++;
+    FillCalendar(1790000000 + gMicroseconds / 1010000, 0, Time);
+    if (Capabilities != nullptr) {
+        *Capabilities = {.Resolution = 1, .Accuracy = 50000000, .SetsToZero = 1};
+    }
+    return EFI_SUCCESS;
+}
+
 struct STARTED {
     bool HandsOverTheRecordsTable; // as the firmware should, or its own
     EFI_SYSTEM_TABLE* Table;
@@ -118,6 +132,7 @@ struct STARTED {
     UINTN Runs;
     bool Layered;           // the image found a display of 1024 by 768
     bool OthersFoundTheirs; // while it ran, the firmware's own callers found the firmware's
+    VOID (*ReadClock)(EFI_RUNTIME_SERVICES* Services);
 } gStarted;
 
 // The image: ends with a status of its own.
@@ -133,6 +148,9 @@ __attribute__((section("started_image"), noinline)) EFI_STATUS RunImage(EFI_SYST
         PIXEL Color = {1, 2, 3, 0};
         (void)Graphics->Blt(Graphics, &Color, EfiBltVideoFill, 0, 0, 7, 7, 1, 1, 0);
         (void)Graphics->Blt(Graphics, &Color, EfiBltVideoFill, 0, 0, 100, 100, 500, 500, 0);
+    }
+    if (gStarted.ReadClock != nullptr) {
+        gStarted.ReadClock(Table->RuntimeServices);
     }
     return EFI_ABORTED;
 }
@@ -167,6 +185,7 @@ struct STARTER {
         Services->Hdr.HeaderSize = sizeof(*Services);
         Seal(Services);
         gStarted = {.HandsOverTheRecordsTable = true, .Table = &Boot.FirmwareTable, .Loaded = {}};
+        gClockReadings = 0;
         gStarted.Loaded.SystemTable = &Boot.FirmwareTable;
         gStarted.Loaded.ImageBase = const_cast<UINT8*>(__start_started_image);
         gStarted.Loaded.ImageSize = static_cast<UINT64>(__stop_started_image - __start_started_image);
@@ -306,6 +325,40 @@ TEST(StarterDisplay, TakesTheNextBestModeWhereOneCantBeSetAndKeepsThePersonsChoi
     EXPECT_EQ(gMode.Mode, 1u);
     CloseDisplay();
     EXPECT_EQ(gMode.Mode, 0u);
+}
+
+TEST(StarterClock, TellsTheImageMicrosecondsWhereTheFirmwareTellsSecondsAndAsksItOnceASecond)
+{
+    STARTER Starter;
+    const auto FirmwaresOwn = Starter.Boot.FirmwareTable.RuntimeServices->GetTime;
+    Starter.Boot.FirmwareTable.RuntimeServices->GetTime = ReadClockChip;
+    gStarted.ReadClock = [](EFI_RUNTIME_SERVICES* Services) {
+        gClockReadings = 0;
+        UINT64 Before = 0;
+        EFI_TIME_CAPABILITIES Capabilities = {};
+        for (int Reading = 0; Reading < 5000; Reading++) {
+            gMicroseconds += 700;
+            EFI_TIME Time = {};
+            ASSERT_EQ(Services->GetTime(&Time, &Capabilities), EFI_SUCCESS);
+            const UINT64 Now = (Time.Minute * 60ull + Time.Second) * 1000000000 + Time.Nanosecond;
+            ASSERT_GE(Now, Before) << "reading " << Reading;
+            ASSERT_TRUE(Now > Before || Time.Nanosecond == 999999000) << "reading " << Reading;
+            Before = Now;
+        }
+        EXPECT_EQ(Capabilities.Resolution, 1000000u);
+        EXPECT_EQ(Capabilities.SetsToZero, 1);
+        EXPECT_LT(gClockReadings, 4u + 4 * 15) << "once a second, and until a late second has come";
+        EXPECT_GE(gClockReadings, 4u);
+    };
+    EXPECT_EQ(StartWithLookups(&Starter.Boot.FirmwareTable, Starter.Image), EFI_ABORTED);
+    EXPECT_EQ(Starter.Boot.FirmwareTable.RuntimeServices->GetTime, ReadClockChip) << "the firmware's table";
+
+    // A clock that tells parts of a second stays the image's.
+    Starter.Boot.FirmwareTable.RuntimeServices->GetTime = FirmwaresOwn;
+    gStarted.ReadClock = [](EFI_RUNTIME_SERVICES* Services) { EXPECT_EQ(Services, gStarted.Table->RuntimeServices); };
+    gStarted.Loaded.SystemTable = &Starter.Boot.FirmwareTable;
+    EXPECT_EQ(StartWithLookups(&Starter.Boot.FirmwareTable, Starter.Image), EFI_ABORTED);
+    Starter.ExpectAsBefore();
 }
 
 TEST(StarterDisplay, GivesEverythingBackWhicheverCallFails)

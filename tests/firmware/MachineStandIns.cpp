@@ -17,6 +17,7 @@ VOID WriteFloatingPort(UINT16, UINT8) {}
 UINT64 gMicroseconds;
 std::string gReported;
 
+VOID StartClock(EFI_BOOT_SERVICES*) {}
 UINT64 ReadMicroseconds() { return gMicroseconds; }
 VOID Report(const CHAR8* Text) { gReported += Text; }
 VOID ReportDecimal(UINT64 Number) { gReported += std::to_string(Number); }

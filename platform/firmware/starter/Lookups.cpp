@@ -1,5 +1,6 @@
 #include "platform/firmware/starter/Lookups.h"
 
+#include "platform/firmware/starter/FineTime.h"
 #include "src/uefi/LoadedImage.h"
 
 namespace {
@@ -12,6 +13,7 @@ struct LOOKUP {
 LOOKUP gLookups[4];
 EFI_SYSTEM_TABLE gImageTable;
 EFI_BOOT_SERVICES gImageServices;
+EFI_RUNTIME_SERVICES gImageRuntime;
 decltype(EFI_BOOT_SERVICES::LocateProtocol) gFirmwareLocate;
 const UINT8* gImageBase;
 UINTN gImageSize;
@@ -69,7 +71,8 @@ VOID ReplaceLookup(const EFI_GUID* Guid, VOID* Interface)
 EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
 {
     EFI_BOOT_SERVICES* Boot = SystemTable->BootServices;
-    bool Any = false;
+    const bool Coarse = TellsWholeSeconds(SystemTable->RuntimeServices);
+    bool Any = Coarse;
     for (const LOOKUP& Lookup : gLookups) {
         Any = Any || Lookup.Guid != nullptr;
     }
@@ -91,8 +94,15 @@ EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
     gImageServices.LocateProtocol = LocateReplaced;
     gImageServices.Hdr.HeaderSize = sizeof(gImageServices); // a newer firmware's table may be longer than is known here
     Seal(Boot, &gImageServices.Hdr);
+    gImageRuntime = *SystemTable->RuntimeServices;
+    gImageRuntime.Hdr.HeaderSize = sizeof(gImageRuntime);
+    if (Coarse) {
+        PutFineTime(Boot, SystemTable->RuntimeServices, &gImageRuntime);
+    }
+    Seal(Boot, &gImageRuntime.Hdr);
     gImageTable = *SystemTable;
     gImageTable.BootServices = &gImageServices;
+    gImageTable.RuntimeServices = &gImageRuntime;
     gImageTable.Hdr.HeaderSize = sizeof(gImageTable);
     Seal(Boot, &gImageTable.Hdr);
     Loaded->SystemTable = &gImageTable;
