@@ -86,10 +86,14 @@ def fetch(folder, package, depends=False):
     """The package's file in the folder."""
     if depends:
         text = subprocess.run(["apt-cache", "depends", package], capture_output=True, text=True, check=True).stdout
-        package = re.search(r"Depends: (\S+)", text)[1]
+        names = re.findall(r"Depends: (\S+)", text)
+        if not names:
+            sys.exit(f"hwmon_vm: apt doesn't know {package}; as root: apt-get update")
+        package = names[0]
     found = glob.glob(os.path.join(folder, package + "_*.deb"))
     if not found:
-        subprocess.run(["apt-get", "download", package], cwd=folder, check=True, stdout=subprocess.DEVNULL)
+        if subprocess.run(["apt-get", "download", package], cwd=folder, stdout=subprocess.DEVNULL).returncode != 0:
+            sys.exit(f"hwmon_vm: {package} can't be fetched; is there a network? Perhaps, as root: apt-get update")
         found = glob.glob(os.path.join(folder, package + "_*.deb"))
     return found[0]
 
