@@ -381,7 +381,7 @@ bool MACHINE_MODEL::IsAllowed(const CHIP_WRITE& Write)
     case WRITE_KEY:
         return true;
     case WRITE_SELECT: // not a key, for one that stays open and can be seen
-        return !Chip.Is(TRAIT_STAYS_OPEN) || Write.Port > 0x4F || ReadCount >= OnesFrom ||
+        return !Chip.Is(TRAIT_STAYS_OPEN) || Write.Port > 0x4F || ReadCount >= OnesFrom || Chip.Id == 0xFFFF ||
                (Write.Value != 0x87 && Write.Value != 0xAA && Write.Value != 0x55 && Write.Value > 0x02);
     case WRITE_CONFIGURATION:
         if (Write.Register == 0x02) {
