@@ -6,10 +6,7 @@
 
 #include "uefi/SystemTable.h"
 
-// Whether the firmware's clock ticks once a second.
-bool TellsWholeSeconds(const EFI_RUNTIME_SERVICES* Firmware);
-
-// Gives Copy, a copy of the firmware's services that an image is to get, a GetTime that tells microseconds. Date and
-// second are the firmware's, asked for once a second at most; the microseconds are the processor's since then, so they
-// begin anywhere in that second. Time doesn't go back. Firmware has to last as long as the copy is used.
-VOID PutFineTime(EFI_BOOT_SERVICES* Boot, const EFI_RUNTIME_SERVICES* Firmware, EFI_RUNTIME_SERVICES* Copy);
+// Where the firmware's clock ticks once a second, gives this copy of its table, which an image is to get, a GetTime that
+// tells microseconds, and says so; any other clock stays as it is. Date and second are the firmware's; the microseconds are
+// the processor's since the second was told first. Time doesn't go back.
+bool RefineTime(EFI_BOOT_SERVICES* Boot, EFI_RUNTIME_SERVICES* Copy);

@@ -71,8 +71,8 @@ VOID ReplaceLookup(const EFI_GUID* Guid, VOID* Interface)
 EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
 {
     EFI_BOOT_SERVICES* Boot = SystemTable->BootServices;
-    const bool Coarse = TellsWholeSeconds(SystemTable->RuntimeServices);
-    bool Any = Coarse;
+    gImageRuntime = *SystemTable->RuntimeServices;
+    bool Any = RefineTime(Boot, &gImageRuntime);
     for (const LOOKUP& Lookup : gLookups) {
         Any = Any || Lookup.Guid != nullptr;
     }
@@ -94,11 +94,7 @@ EFI_STATUS StartWithLookups(EFI_SYSTEM_TABLE* SystemTable, EFI_HANDLE Image)
     gImageServices.LocateProtocol = LocateReplaced;
     gImageServices.Hdr.HeaderSize = sizeof(gImageServices); // a newer firmware's table may be longer than is known here
     Seal(Boot, &gImageServices.Hdr);
-    gImageRuntime = *SystemTable->RuntimeServices;
     gImageRuntime.Hdr.HeaderSize = sizeof(gImageRuntime);
-    if (Coarse) {
-        PutFineTime(Boot, SystemTable->RuntimeServices, &gImageRuntime);
-    }
     Seal(Boot, &gImageRuntime.Hdr);
     gImageTable = *SystemTable;
     gImageTable.BootServices = &gImageServices;
