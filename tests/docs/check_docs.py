@@ -88,7 +88,7 @@ def check_paths():
 
 
 def options_of(help_text):
-    return set(re.findall(r"--[a-z][a-z-]*", help_text))
+    return set(re.findall(r"--[a-z][a-z0-9-]*", help_text))
 
 
 def front_door_commands():
