@@ -6,7 +6,6 @@ UINT8 LevelCount(FAN_CONTROL Control) { return Control == CONTROL_CURVE8 ? 8 : g
 
 INT64 Distance(INT64 A, INT64 B) { return A > B ? A - B : B - A; }
 
-// A page of 8 levels has no slider, and sends a level or none.
 bool SameSetting(const FAN_SETTING& A, const FAN_SETTING& B)
 {
     const CURVE CurveA = CurveOf(A);
@@ -19,6 +18,7 @@ bool SameSetting(const FAN_SETTING& A, const FAN_SETTING& B)
     return Same;
 }
 
+// A page of 8 levels has no slider, and sends a level or none.
 FAN_SETTING WithoutSlider(FAN_CONTROL Control, const FAN_SETTING& Setting)
 {
     FAN_SETTING Same = Setting;
